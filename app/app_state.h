@@ -1,0 +1,47 @@
+// Process-wide paths and handles of the running program, set at start-up and read
+// everywhere. One user-interface thread; no locking.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "app/settings.h"
+
+namespace qb {
+
+constexpr std::size_t kProgramDirMax = 512;     // characters of the program directory
+constexpr std::size_t kRegistryPathMax = 1000;  // bytes of the registry value "Path"
+constexpr std::size_t kScratchTextSize = 512;   // composed message texts
+constexpr char kAppName[] = "Quellbarrow";
+constexpr char kMainClassName[] = "Quellbarrow";
+constexpr char kHelpFileName[] = "\\QBHELP.HLP";
+constexpr char kDatabaseFolder[] = "\\Databases\\";
+constexpr char kDataHtmlFolder[] = "\\DataHtml\\";
+constexpr char kAppPathsKey[] =
+    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\Quellbarrow";
+
+struct AppState {
+  HINSTANCE instance = nullptr;
+  HWND mainWindow = nullptr;
+  HWND keysView = nullptr;
+  HWND linksView = nullptr;
+  std::string programDir;   // no trailing backslash
+  std::string helpPath;     // programDir + "\QBHELP.HLP"
+  std::string databaseDir;  // programDir + "\Databases\"
+  std::string dataHtmlDir;  // programDir + "\DataHtml\"
+  int screenWidth = 0;
+  int screenHeight = 0;
+  DWORD windowsVersion = 0;
+};
+
+AppState& App();
+AppSettings& Settings();
+
+// printf-style composition bounded to the shared scratch size (511 characters).
+std::string FormatText(const char* format, ...);
+
+// A message box owned by the main window (which may not exist yet).
+int ShowMessage(const std::string& text, const char* caption, UINT flags);
+
+}  // namespace qb

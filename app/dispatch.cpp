@@ -1,0 +1,35 @@
+#include "app/dispatch.h"
+
+namespace qb {
+
+LRESULT DefaultProcedure(std::uint32_t selector, HWND window, UINT message, WPARAM wParam,
+                         LPARAM lParam) {
+  switch (selector) {
+    case kDefaultWindowProc:
+      return DefWindowProcA(window, message, wParam, lParam);
+    case kDefaultDialogProc:
+      return DefDlgProcA(window, message, wParam, lParam);
+    default:
+      return 0;
+  }
+}
+
+LRESULT LookupMessage(const MessageMap& map, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam) {
+  for (std::int32_t i = 0; i < map.count; ++i) {
+    const MessageRow& row = map.rows[i];
+    if (row.message == message && row.handler) return row.handler(window, message, wParam, lParam);
+  }
+  return DefaultProcedure(map.defaultSelector, window, message, wParam, lParam);
+}
+
+LRESULT LookupCommand(const CommandMap& map, HWND window, WPARAM wParam, LPARAM lParam) {
+  const WORD id = LOWORD(wParam);
+  for (std::int32_t i = 0; i < map.count; ++i) {
+    const CommandRow& row = map.rows[i];
+    if (row.id == id && row.handler) return row.handler(window, id, HIWORD(wParam), lParam);
+  }
+  return DefaultProcedure(map.defaultSelector, window, WM_COMMAND, wParam, lParam);
+}
+
+}  // namespace qb

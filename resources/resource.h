@@ -1,0 +1,94 @@
+// Ids of the program's resources. Menu command ids are grouped by menu in blocks of
+// 100; a dialog's control ids stay near each other. Dialogs, menus, icons and the
+// accelerator table are named resources (their names are strings, not defined here).
+// This header is read by windres as well as by C++, so it holds only #defines.
+#ifndef QB_RESOURCE_H
+#define QB_RESOURCE_H
+
+// &File
+#define IDM_NEW_DATABASE        50000
+#define IDM_OPEN_DATABASE       50001
+#define IDM_SAVE_DATABASE       50002
+#define IDM_SAVEAS_DATABASE     50003
+#define IDM_GLOBAL_OPTIONS      50008
+#define IDM_SELECT_BROWSER      50009
+#define IDM_EXIT                50010
+
+// &View
+#define IDM_TOOL_BAR            50100
+#define IDM_DATABASES_BAR       50101
+#define IDM_KEY_WINDOW          50102
+#define IDM_LINK_WINDOW         50103
+#define IDM_STATUS_BAR          50104
+#define IDM_LINK_INFO           50105
+
+// &Keys
+#define IDM_ADD_KEY             50200
+#define IDM_ADD_COMPARE         50201
+#define IDM_MODIFY_KEY          50202
+#define IDM_COPY_KEY            50203
+#define IDM_PASTE_KEY           50204
+#define IDM_DELETE_KEY          50205
+#define IDM_DATABASE_FIRST      50206
+#define IDM_DATABASE_LAST       50214
+#define IDM_DELETE_DATABASE     50215
+
+// &Links
+#define IDM_NEW_FOLDER          50300
+#define IDM_RENAME_FOLDER       50301
+#define IDM_DELETE_LINK         50302
+#define IDM_GOTO_SITE           50303
+#define IDM_RENAME_LINK         50304
+#define IDM_MOVE_LINK           50305
+#define IDM_LINKS_PAGE          50306
+
+// &Tools
+#define IDM_SCAN_HTML           50500
+#define IDM_SCAN_FILE_HTML      50501
+#define IDM_SCAN_PROMPT_HTML    50502
+#define IDM_SCAN_MANUAL         50503
+#define IDM_SCAN_OPTIONS        50504
+#define IDM_COMPACT_CONFIGHTML  50505
+
+// &Window
+#define IDM_WINDOW_NORMAL       50800
+#define IDM_WINDOW_ONTOP        50801
+#define IDM_WINDOW_HORIZONTAL   50802
+#define IDM_WINDOW_VERTICAL     50803
+
+// &Help
+#define IDM_HELP_TOPICS         50900
+#define IDM_ABOUT               50902
+
+// Child windows of the main window
+#define IDC_LINKS_VIEW          2587
+#define IDC_KEYS_VIEW           2901
+#define IDC_STATUS_BAR          12888
+
+// Bitmaps of the two docking bars
+#define IDB_TOOLBAR             500
+#define IDB_TOOLBAR_MASK        501
+#define IDB_DATABASEBAR         502
+#define IDB_DATABASEBAR_MASK    503
+
+// Standard dialog buttons used with the design's ids
+#define IDC_HELP_BUTTON         9
+
+// IDD_OPTIONS
+#define IDC_OPT_COPY_DESCRIPTION 300
+#define IDC_OPT_FIRST_BROWSER    302
+#define IDC_OPT_PROMPT_BROWSER   303
+#define IDC_OPT_FORM_STATISTICS  304
+
+// IDD_SCANHTML_OPTION: ask groups 200..214 (Never, Allways, UnMatched per kind),
+// add-keys groups 215..224 (Never, UnMatched per kind)
+#define IDC_SCANOPT_ASK_FIRST    200
+#define IDC_SCANOPT_ADD_FIRST    215
+
+// IDD_DOWNLOADING
+#define IDC_DOWNLOAD_STATUS      400
+#define IDC_DOWNLOAD_GROUP       401
+// Self-posted command that starts a transfer once the dialog is shown
+#define IDC_DOWNLOAD_START       735
+
+#endif

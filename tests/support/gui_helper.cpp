@@ -1,0 +1,260 @@
+#include "tests/support/gui_helper.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+namespace qb::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr int kPollMs = 5;
+constexpr UINT kSendTimeoutMs = 3000;
+constexpr int kMessageBoxTextId = 0xFFFF;
+
+std::string StripMnemonics(const std::string& text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '&' && i + 1 < text.size()) ++i;  // "&&" keeps one '&'
+    out += text[i];
+  }
+  return out;
+}
+
+std::string ClassOf(HWND window) {
+  char name[256] = {};
+  GetClassNameA(window, name, sizeof(name));
+  return name;
+}
+
+bool IsButton(const ControlInfo& c) { return _stricmp(c.className.c_str(), "Button") == 0; }
+
+BOOL CALLBACK AddControl(HWND child, LPARAM param) {
+  auto* snap = reinterpret_cast<WindowSnapshot*>(param);
+  if (GetParent(child) != snap->window) return TRUE;  // direct children only
+  ControlInfo c;
+  c.id = GetDlgCtrlID(child);
+  c.className = ClassOf(child);
+  c.text = WindowText(child);
+  c.enabled = IsWindowEnabled(child) != FALSE;
+  c.visible = IsWindowVisible(child) != FALSE;
+  if (IsButton(c)) {
+    DWORD_PTR state = 0;
+    SendMessageTimeoutA(child, BM_GETCHECK, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &state);
+    c.checked = static_cast<int>(state);
+  }
+  snap->controls.push_back(c);
+  return TRUE;
+}
+
+WindowSnapshot Snapshot(HWND window) {
+  WindowSnapshot s;
+  s.window = window;
+  s.caption = WindowText(window);
+  s.className = ClassOf(window);
+  EnumChildWindows(window, AddControl, reinterpret_cast<LPARAM>(&s));
+  return s;
+}
+
+struct FindState {
+  DWORD thread;
+  DWORD process;
+  bool anyProcess;
+  bool wantHandled;
+  const std::set<HWND>* handled;
+  HWND found;
+};
+
+BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
+  auto* st = reinterpret_cast<FindState*>(param);
+  DWORD pid = 0;
+  DWORD tid = GetWindowThreadProcessId(w, &pid);
+  if (st->anyProcess ? false : tid != st->thread) return TRUE;
+  if (!IsWindowVisible(w) || !IsWindowEnabled(w)) return TRUE;
+  if (ClassOf(w) != "#32770") return TRUE;
+  if ((st->handled->count(w) != 0) != st->wantHandled) return TRUE;
+  st->found = w;
+  return FALSE;
+}
+
+// A visible, enabled dialog-class window: the modal window on top of its owner.
+HWND FindModal(DWORD thread, bool anyProcess, bool wantHandled, const std::set<HWND>& handled) {
+  FindState st{thread, GetCurrentProcessId(), anyProcess, wantHandled, &handled, nullptr};
+  EnumWindows(MatchModal, reinterpret_cast<LPARAM>(&st));
+  return st.found;
+}
+
+BOOL CALLBACK CollectWindow(HWND w, LPARAM p) {
+  reinterpret_cast<std::set<HWND>*>(p)->insert(w);
+  return TRUE;
+}
+
+void PressById(HWND window, HWND button, int id) {
+  PostMessageA(window, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+}
+
+}  // namespace
+
+std::string WindowText(HWND window) {
+  DWORD_PTR length = 0;
+  if (!SendMessageTimeoutA(window, WM_GETTEXTLENGTH, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &length))
+    return {};
+  std::string text(length + 1, '\0');
+  DWORD_PTR copied = 0;
+  SendMessageTimeoutA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                      SMTO_NORMAL, kSendTimeoutMs, &copied);
+  text.resize(std::min<std::size_t>(copied, length));
+  return text;
+}
+
+std::string WindowSnapshot::MessageText() const {
+  const ControlInfo* c = Control(kMessageBoxTextId);
+  return c ? c->text : std::string();
+}
+
+const ControlInfo* WindowSnapshot::Control(int id) const {
+  for (const auto& c : controls)
+    if (c.id == id) return &c;
+  return nullptr;
+}
+
+const ControlInfo* WindowSnapshot::ControlByText(const std::string& text) const {
+  for (const auto& c : controls)
+    if (StripMnemonics(c.text) == text) return &c;
+  return nullptr;
+}
+
+std::vector<std::string> WindowSnapshot::ButtonTexts() const {
+  std::vector<std::string> out;
+  for (const auto& c : controls)
+    if (IsButton(c)) out.push_back(StripMnemonics(c.text));
+  return out;
+}
+
+ModalStep Press(const std::string& buttonText) {
+  return ModalStep{[buttonText](HWND window, const WindowSnapshot& snap) {
+    for (const auto& c : snap.controls) {
+      if (IsButton(c) && StripMnemonics(c.text) == buttonText && c.enabled) {
+        PressById(window, GetDlgItem(window, c.id), c.id);
+        return;
+      }
+    }
+    throw std::runtime_error("no enabled button \"" + buttonText + "\" in \"" + snap.caption +
+                             "\"");
+  }};
+}
+
+ModalStep Command(int id) {
+  return ModalStep{
+      [id](HWND window, const WindowSnapshot&) { PressById(window, GetDlgItem(window, id), id); }};
+}
+
+ModalStep Custom(ModalAction action) { return ModalStep{std::move(action)}; }
+
+ModalStep Again(ModalStep step) {
+  step.again = true;
+  return step;
+}
+
+void SetControlText(HWND dialog, int id, const std::string& text) {
+  DWORD_PTR r;
+  SendMessageTimeoutA(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()),
+                      SMTO_NORMAL, kSendTimeoutMs, &r);
+}
+
+void SetCheck(HWND dialog, int id, bool checked) {
+  DWORD_PTR r;
+  SendMessageTimeoutA(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0,
+                      SMTO_NORMAL, kSendTimeoutMs, &r);
+}
+
+void ClickButton(HWND dialog, int id) { PressById(dialog, GetDlgItem(dialog, id), id); }
+
+std::string ModalResult::Describe() const {
+  std::ostringstream out;
+  for (const auto& e : errors) out << "error: " << e << "\n";
+  for (const auto& u : unexpected)
+    out << "unexpected window \"" << u.caption << "\": " << u.MessageText() << "\n";
+  return out.str();
+}
+
+ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep> steps,
+                     ModalOptions options) {
+  ModalResult result;
+  const DWORD thread = GetCurrentThreadId();
+  std::atomic<bool> actionDone{false};
+  std::set<HWND> handled;
+  // Windows already open do not count as opened by the action.
+  EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&handled));
+  const std::set<HWND> preexisting = handled;
+
+  std::thread watcher([&] {
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+      const auto deadline = Clock::now() + std::chrono::milliseconds(options.stepTimeoutMs);
+      HWND window = nullptr;
+      while (!window && Clock::now() < deadline) {
+        if (steps[i].again) {
+          std::set<HWND> answered = handled;
+          for (HWND w : preexisting) answered.erase(w);
+          // FindModal with wantHandled looks among the windows answered before.
+          window = FindModal(thread, options.anyProcess, true, answered);
+        } else {
+          window = FindModal(thread, options.anyProcess, false, handled);
+        }
+        if (!window) {
+          if (actionDone) break;
+          std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
+        }
+      }
+      if (!window) {
+        result.errors.push_back("step " + std::to_string(i + 1) + ": no modal window appeared");
+        return;
+      }
+      handled.insert(window);
+      WindowSnapshot snap = Snapshot(window);
+      result.seen.push_back(snap);
+      try {
+        steps[i].act(window, snap);
+      } catch (const std::exception& e) {
+        result.errors.push_back("step " + std::to_string(i + 1) + ": " + e.what());
+        PostMessageA(window, WM_COMMAND, IDCANCEL, 0);
+      }
+    }
+    // Anything else that opens before the action ends was not foreseen: cancel it.
+    while (!actionDone) {
+      HWND extra = FindModal(thread, options.anyProcess, false, handled);
+      if (extra) {
+        handled.insert(extra);
+        result.unexpected.push_back(Snapshot(extra));
+        PostMessageA(extra, WM_COMMAND, IDCANCEL, 0);
+        PostMessageA(extra, WM_CLOSE, 0, 0);
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
+    }
+  });
+
+  action();
+  actionDone = true;
+  watcher.join();
+  return result;
+}
+
+bool PumpUntil(const std::function<bool()>& condition, int timeoutMs) {
+  const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+  while (!condition()) {
+    if (Clock::now() >= deadline) return false;
+    MSG msg;
+    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+      TranslateMessage(&msg);
+      DispatchMessageA(&msg);
+    }
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, kPollMs, QS_ALLINPUT);
+  }
+  return true;
+}
+
+}  // namespace qb::test

@@ -1,0 +1,90 @@
+// Drives message boxes and modal dialogs through their real controls.
+//
+// RunModal runs an action on the calling thread (the user-interface thread of the
+// test). A watcher thread waits for each modal window that the action opens, in
+// order, takes a snapshot of its caption and controls, and answers it as the step
+// says: press a named button, send a command id, or anything a custom step does.
+// A modal window that no step expects is recorded and cancelled, so a test never
+// hangs on a box it did not foresee.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace qb::test {
+
+struct ControlInfo {
+  int id = 0;
+  std::string className;
+  std::string text;
+  bool enabled = false;
+  bool visible = false;
+  int checked = 0;  // BM_GETCHECK for buttons, 0 otherwise
+};
+
+struct WindowSnapshot {
+  HWND window = nullptr;
+  std::string caption;
+  std::string className;
+  std::vector<ControlInfo> controls;
+
+  // The message text of a message box (its static text control).
+  std::string MessageText() const;
+  const ControlInfo* Control(int id) const;
+  // The control whose text, without '&' marks, equals `text`.
+  const ControlInfo* ControlByText(const std::string& text) const;
+  // Texts of all buttons, without '&' marks, in child order.
+  std::vector<std::string> ButtonTexts() const;
+};
+
+// What to do with one modal window. Runs on the watcher thread; the window belongs
+// to the thread under test, so use SendMessage/PostMessage on it.
+using ModalAction = std::function<void(HWND window, const WindowSnapshot& snapshot)>;
+
+struct ModalStep {
+  ModalAction act;
+  bool again = false;  // the step answers a window an earlier step answered
+};
+
+// Presses the button whose text (without '&') is `buttonText`, as a click would.
+ModalStep Press(const std::string& buttonText);
+// Sends WM_COMMAND with `id` (BN_CLICKED) to the window.
+ModalStep Command(int id);
+// A step of one's own.
+ModalStep Custom(ModalAction action);
+// The same kinds, for a window that an earlier step answered (say a dialog that
+// stayed open after a message box it raised was closed).
+ModalStep Again(ModalStep step);
+
+// Helpers usable inside custom steps.
+void SetControlText(HWND dialog, int id, const std::string& text);
+void SetCheck(HWND dialog, int id, bool checked);
+void ClickButton(HWND dialog, int id);
+
+struct ModalResult {
+  std::vector<WindowSnapshot> seen;        // one per step answered, in order
+  std::vector<WindowSnapshot> unexpected;  // windows no step was left for
+  std::vector<std::string> errors;         // steps that found no window, buttons not found
+  bool ok() const { return errors.empty() && unexpected.empty(); }
+  std::string Describe() const;
+};
+
+struct ModalOptions {
+  int stepTimeoutMs = 10000;
+  // Also answer windows of other processes (a helper program's question box).
+  bool anyProcess = false;
+};
+
+ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep> steps,
+                     ModalOptions options = {});
+
+// Pumps this thread's messages until `condition` holds or `timeoutMs` passes.
+bool PumpUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
+
+// Text of any window, read with WM_GETTEXT.
+std::string WindowText(HWND window);
+
+}  // namespace qb::test
