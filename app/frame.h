@@ -20,6 +20,9 @@ std::string FindProgramDirectory();
 // Sets the program directory and the paths derived from it.
 void SetProgramDirectory(const std::string& dir);
 
+// Messages of platform-free code become message boxes owned by the main window.
+void UseMessageBoxes();
+
 bool RegisterMainClass(HINSTANCE instance);
 // Clamps the saved rectangle, creates, shows and activates the main window.
 HWND CreateMainWindow(HINSTANCE instance, int showCommand);

@@ -81,6 +81,7 @@ int RunMessageLoop(HACCEL accelerators) {
 
 int QuellbarrowMain(HINSTANCE instance, HINSTANCE previous, int showCommand) {
   App().instance = instance;
+  UseMessageBoxes();
   SetProgramDirectory(FindProgramDirectory());
   LoadOrSaveSettings(kLoadSettings);
   if (!previous) RegisterMainClass(instance);
