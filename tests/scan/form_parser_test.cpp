@@ -1,0 +1,348 @@
+#include "scan/form_parser.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "scan/form_json.h"
+
+namespace qb {
+namespace {
+
+std::string PostForm(const std::string& body) {
+  return "<form action=\"/post.cgi\" method=\"post\">" + body + "</form>";
+}
+
+std::string Inputs(int count) {
+  std::string body;
+  for (int i = 0; i < count; ++i) body += "<input name=f" + std::to_string(i) + ">";
+  return body;
+}
+
+class FormParser : public ::testing::Test {
+ protected:
+  void Parse(const std::string& html, std::string_view host = "www.example.com") {
+    page_ = html;
+    ASSERT_TRUE(scan_.document.Assign(html));
+    ParseFormPage(scan_, host);
+  }
+  const FormField& Field(std::size_t form, std::size_t slot) const {
+    return scan_.forms.at(form).fields.at(slot);
+  }
+  // The page's bytes that the writer replaces for this slot.
+  std::string Tag(std::size_t form, std::size_t slot) const {
+    const FormField& field = Field(form, slot);
+    return page_.substr(field.tagStart, field.tagEnd - field.tagStart);
+  }
+
+  std::string page_;
+  FormScan scan_;
+};
+
+TEST_F(FormParser, KeepsOnlyFormsThatPostToAnAction) {
+  struct Case {
+    const char* formTag;
+    bool kept;
+  } const cases[] = {
+      {"<form action=\"/a\" method=\"post\">", true},
+      {"<FORM METHOD=Post ACTION=/a>", true},
+      {"<form action=/a method=xPOST>", true},  // only the last four bytes count
+      {"<form action=\"/a\" method=\"get\">", false},
+      {"<form action=\"/a\">", false},
+      {"<form method=post>", false},
+      {"<form action=/a method=pos>", false},
+      {"<form action=/a method=get method=post>", false},  // reading stops at "get"
+  };
+  for (const auto& c : cases) {
+    Parse(std::string(c.formTag) + "<input name=x></form>");
+    ASSERT_EQ(scan_.forms.size(), c.kept ? 1u : 0u) << c.formTag;
+    if (c.kept) {
+      EXPECT_EQ(Field(0, 1).kind, kFieldText) << c.formTag;
+    }
+  }
+}
+
+TEST_F(FormParser, ADroppedFormGivesBackItsSelects) {
+  Parse("<form action=/s method=get><select name=q><option>a</select><input name=x></form>" +
+        PostForm("<select name=c><option>b</select>"));
+  ASSERT_EQ(scan_.forms.size(), 1u);
+  ASSERT_EQ(scan_.forms[0].fieldCount(), 2);
+  EXPECT_EQ(TextOf(Field(0, 1).name), "c");
+  ASSERT_EQ(Field(0, 1).selectIndex, 0);
+  ASSERT_EQ(scan_.selects.size(), 1u);
+  EXPECT_EQ(TextOf(scan_.selects[0].at(0).text), "b");
+}
+
+TEST(AbsoluteAction, ResolvesFromTheSiteRoot) {
+  struct Case {
+    const char* action;
+    const char* host;
+    const char* absolute;
+  } const cases[] = {
+      {"post.cgi", "host.example", "http://host.example/post.cgi"},
+      {"../cgi/x.pl?a=b", "host.example", "http://host.example/cgi/x.pl?a=b"},
+      {" \"./\\\n/p", "h", "http://h/p"},
+      {"HTTPS://other/x", "h", "HTTPS://other/x"},
+      {"httpfoo", "h", "httpfoo"},
+      {"", "h", "http://h/"},
+      {"p", "", "http:///p"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(AbsoluteAction(c.action, c.host), c.absolute) << c.action;
+}
+
+TEST_F(FormParser, KeepsTheFormAttributes) {
+  Parse("<form name=\"f1\" action=\"../cgi/x.pl?a=b&c=d\" method=\"POST\" "
+        "enctype=\"multipart/form-data\" value=\"_top\" onSubmit=\"check()\">"
+        "<input name=a onSubmit=\"go()\"></form>",
+        "www.example.com");
+  ASSERT_EQ(scan_.forms.size(), 1u);
+  const HtmlForm& form = scan_.forms[0];
+  EXPECT_EQ(TextOf(form.name), "f1");
+  EXPECT_EQ(TextOf(form.action), "http://www.example.com/cgi/x.pl?a=b&c=d");
+  EXPECT_EQ(TextOf(form.method), "POST");
+  EXPECT_EQ(TextOf(form.enctype), "multipart/form-data");
+  EXPECT_EQ(TextOf(form.target), "_top");  // `value` shares the target's slot
+  EXPECT_EQ(TextOf(form.onSubmit), "go()");  // only field tags supply it
+  EXPECT_FALSE(form.hasSubmit);
+}
+
+TEST_F(FormParser, FieldKindsByTagAndType) {
+  struct Case {
+    const char* tag;
+    int kind;  // -1: not kept
+  } const cases[] = {
+      {"<input type=radio name=a>", kFieldRadio},
+      {"<input type=\"TEXT\" name=a>", kFieldText},
+      {"<input type=textbox name=a>", kFieldText},
+      {"<input name=a>", kFieldText},
+      {"<input type=\"\" name=a>", kFieldText},
+      {"<input type=checkbox name=a>", kFieldCheckbox},
+      {"<input type=submit value=Go>", kFieldSubmit},
+      {"<input type=textarea name=a>", kFieldTextarea},
+      {"<textarea type=hidden name=a></textarea>", kFieldTextarea},
+      {"<select name=a></select>", kFieldSelect},
+      {"<input type=hidden name=a value=1>", -1},
+      {"<input name=p type=password>", -1},
+      {"<input type=image src=go.gif>", -1},
+      {"<input type=reset>", -1},
+  };
+  for (const auto& c : cases) {
+    Parse(PostForm(c.tag));
+    ASSERT_EQ(scan_.forms.size(), 1u) << c.tag;
+    const HtmlForm& form = scan_.forms[0];
+    ASSERT_EQ(form.fieldCount(), c.kind < 0 ? 1 : 2) << c.tag;
+    if (c.kind >= 0) {
+      EXPECT_EQ(Field(0, 1).kind, c.kind) << c.tag;
+    }
+    EXPECT_EQ(form.hasSubmit, c.kind == kFieldSubmit) << c.tag;
+  }
+}
+
+TEST_F(FormParser, KeepsTheFieldAttributes) {
+  Parse(PostForm("<input type=text name=\"first name\" value='x' size=30 maxlength=\"20\" "
+                 "class=big checked>"
+                 "<textarea name=t rows=\"4\" cols=-2 value=v></textarea>"
+                 "<select name=s size=3 MULTIPLE></select>"));
+  ASSERT_EQ(scan_.forms.at(0).fieldCount(), 4);
+  const FormField& text = Field(0, 1);
+  EXPECT_EQ(TextOf(text.name), "first name");
+  EXPECT_EQ(TextOf(text.value), "x");
+  EXPECT_EQ(TextOf(text.className), "big");
+  EXPECT_EQ(text.size, 30);
+  EXPECT_EQ(text.maxlength, 20);
+  EXPECT_TRUE(text.checked);
+  const FormField& area = Field(0, 2);
+  EXPECT_EQ(area.rows, 4);
+  EXPECT_EQ(area.cols, -2);
+  EXPECT_EQ(TextOf(area.value), "v");
+  const FormField& select = Field(0, 3);
+  EXPECT_EQ(TextOf(select.name), "s");
+  EXPECT_EQ(select.size, 3);
+  EXPECT_TRUE(select.multiple);
+  EXPECT_FALSE(select.checked);
+}
+
+TEST_F(FormParser, SlotsLabelsAndTheirBytes) {
+  Parse("<html><form action=\"/p\" method=\"post\"><input type=\"hidden\" name=\"h\" value=\"1\">\n"
+        "<b>Name:</b> <input name=\"n\" size=20>\n"
+        "Comments&nbsp;<textarea name=\"c\" rows=3 cols=40>old text</textarea>\n"
+        "<br><input type=submit value=\"Send\">\n"
+        "</form></html>");
+  ASSERT_EQ(scan_.forms.size(), 1u);
+  const HtmlForm& form = scan_.forms[0];
+  ASSERT_EQ(form.fieldCount(), 4);  // the hidden input's slot went to the next field
+  EXPECT_EQ(Field(0, 0).kind, kFieldForm);
+  EXPECT_EQ(Tag(0, 0), "<form action=\"/p\" method=\"post\">");
+  EXPECT_EQ(Tag(0, 1), "<input name=\"n\" size=20>");
+  EXPECT_EQ(Tag(0, 2), "<textarea name=\"c\" rows=3 cols=40>old text</textarea>");
+  EXPECT_EQ(Tag(0, 3), "<input type=submit value=\"Send\">");
+  EXPECT_EQ(form.end, page_.find("</form>"));
+
+  EXPECT_EQ(TextOf(Field(0, 1).label), "Name: ");
+  EXPECT_EQ(TextOf(Field(0, 2).label), "Comments&nbsp; ");
+  EXPECT_EQ(Field(0, 3).label, kNoBlock);  // nothing visible since the textarea
+  EXPECT_TRUE(form.hasSubmit);
+}
+
+TEST_F(FormParser, SelectOptionsKeepTagAndText) {
+  std::string many = "<select name=m>";
+  for (int i = 0; i < kMaxOptions + 1; ++i) many += "<option>" + std::to_string(i);
+  Parse(PostForm("<select name=\"color\">\n"
+                 "<option value=\"r\" selected>Red\n"
+                 "<option value=\"g\"><font color=green>Green</font>\n"
+                 "<option value=\"b\">Blue</option> after close\n"
+                 "</select>" +
+                 many + "</select>"));
+  ASSERT_EQ(scan_.selects.size(), 2u);
+  std::vector<std::pair<std::string, std::string>> options;
+  for (const SelectOption& option : scan_.selects[0]) {
+    options.emplace_back(TextOf(option.tag), TextOf(option.text));
+  }
+  EXPECT_EQ(options, (std::vector<std::pair<std::string, std::string>>{
+                         {"option value=\"r\" selected", "Red"},
+                         {"option value=\"g\"", "Green"},
+                         {"option value=\"b\"", "Blue"}}));
+  EXPECT_EQ(Tag(0, 1).substr(Tag(0, 1).size() - 9), "</select>");
+  ASSERT_EQ(scan_.selects[1].size(), static_cast<std::size_t>(kMaxOptions));
+  EXPECT_EQ(TextOf(scan_.selects[1].back().text), std::to_string(kMaxOptions - 1));
+}
+
+TEST_F(FormParser, AnUnclosedSelectEndsAtItsTableCell) {
+  for (const std::string closing : {"</td>", "</TR>", "</table>"}) {
+    Parse(PostForm("<table><tr><td><select name=s><option>One\n" + closing +
+                   "<td>Next <input name=n></td></tr></table>"));
+    ASSERT_EQ(scan_.forms.size(), 1u) << closing;
+    ASSERT_EQ(scan_.forms[0].fieldCount(), 3) << closing;
+    EXPECT_EQ(TextOf(scan_.selects.at(0).at(0).text), "One") << closing;
+    // The pass steps back to just before the closing tag and reads it again.
+    EXPECT_EQ(Field(0, 1).tagEnd, page_.find(closing) - 1) << closing;
+    EXPECT_EQ(TextOf(Field(0, 2).name), "n") << closing;
+    EXPECT_EQ(TextOf(Field(0, 2).label), "Next ") << closing;
+  }
+}
+
+TEST_F(FormParser, TheNinthFormAndAllAfterItAreIgnored) {
+  std::string page;
+  for (int i = 1; i <= kMaxForms + 1; ++i) {
+    page += PostForm("<input name=f" + std::to_string(i) + ">");
+  }
+  Parse(page + "<script></script>");
+  ASSERT_EQ(scan_.forms.size(), static_cast<std::size_t>(kMaxForms));
+  EXPECT_EQ(TextOf(Field(kMaxForms - 1, 1).name), "f8");
+  EXPECT_TRUE(scan_.scripts.empty());
+}
+
+TEST_F(FormParser, AFieldBeyondTheHundredSlotsEndsThePage) {
+  Parse(PostForm(Inputs(kMaxFieldSlots - 1)) + PostForm(Inputs(1)));
+  ASSERT_EQ(scan_.forms.size(), 2u);
+  EXPECT_EQ(scan_.forms[0].fieldCount(), kMaxFieldSlots);
+
+  Parse(PostForm(Inputs(kMaxFieldSlots)) + PostForm(Inputs(1)));
+  ASSERT_EQ(scan_.forms.size(), 1u);
+  EXPECT_EQ(scan_.forms[0].fieldCount(), kMaxFieldSlots);
+  EXPECT_EQ(scan_.forms[0].end, page_.find("<input name=f99>"));
+}
+
+TEST_F(FormParser, TheFormEndsWithThePage) {
+  Parse("</html>" + PostForm("<input name=a>"));
+  EXPECT_TRUE(scan_.forms.empty());
+
+  Parse("<form action=/p method=post><input name=a>");
+  ASSERT_EQ(scan_.forms.size(), 1u);
+  EXPECT_EQ(scan_.forms[0].end, page_.size());
+}
+
+TEST_F(FormParser, RecordsUpTo49ScriptBlocks) {
+  Parse("</script><script src=x.js></script >" +
+        PostForm("<script>go()</script><input name=a>"));
+  const std::size_t inner = page_.find("<script>");
+  ASSERT_EQ(scan_.scripts.size(), 2u);
+  EXPECT_EQ(scan_.scripts[0].start, page_.find("<script src"));
+  EXPECT_EQ(scan_.scripts[0].end, page_.find("<form"));
+  EXPECT_EQ(scan_.scripts[1].start, inner);
+  EXPECT_EQ(scan_.scripts[1].end, page_.find("<input"));
+  EXPECT_EQ(scan_.forms.at(0).fieldCount(), 2);
+
+  std::string many;
+  for (int i = 0; i < kMaxScripts + 1; ++i) many += "<script>x</script>";
+  Parse(many);
+  ASSERT_EQ(scan_.scripts.size(), static_cast<std::size_t>(kMaxScripts));
+  EXPECT_EQ(scan_.scripts.back().end, static_cast<std::size_t>(kMaxScripts) * 18);
+}
+
+TEST_F(FormParser, TablePrefixFromTheLastTableBeforeTheFirstForm) {
+  struct Case {
+    std::string before;
+    std::string prefix;
+  } const cases[] = {
+      {"<table align=\"center\" width=\"100%\" border=0 cellpadding='2'><tr><td>",
+       "width=\"100%\" border=\"0\" cellpadding=\"2\" >"},
+      {"<table width=1></table><TABLE border=2 ALIGN=left>", "border=\"2\" >"},
+      {"<table>", ">"},
+      {"<p>", ""},
+  };
+  for (const auto& c : cases) {
+    Parse(c.before + PostForm("<table width=9><input name=a></table>") + "<table width=7>");
+    EXPECT_EQ(scan_.tablePrefix, c.prefix) << c.before;
+  }
+
+  std::string wide = "<table";
+  for (int i = 0; i < 300; ++i) wide += " a" + std::to_string(1000 + i) + "=\"xxxx\"";
+  Parse(wide + ">" + PostForm(""));
+  const std::string& prefix = scan_.tablePrefix;
+  ASSERT_LE(prefix.size(), kMaxTablePrefixBytes);
+  EXPECT_GT(prefix.size(), kMaxTablePrefixBytes - 16);
+  EXPECT_EQ(prefix.substr(prefix.size() - 9), "=\"xxxx\" >");  // whole attributes only
+}
+
+TEST_F(FormParser, DumpsWhatItKeptAsJson) {
+  Parse("<table border=1><form action=\"post.cgi\" method=post>Caf\xe9\t\"x\"<input name=a\\b "
+        "checked><select name=s><option value=1>One</select></form>");
+  EXPECT_EQ(FormScanToJson(scan_),
+            "{\"forms\":[{\"action\":\"http://www.example.com/post.cgi\",\"method\":\"post\","
+            "\"name\":null,\"enctype\":null,\"target\":null,\"onSubmit\":null,\"hasSubmit\":0,"
+            "\"fields\":[{\"kind\":2,\"name\":\"a\\\\b\",\"value\":null,\"class\":null,\"size\":0,"
+            "\"maxlength\":0,\"rows\":0,\"cols\":0,\"checked\":1,\"multiple\":0,"
+            "\"label\":\"Caf\\u00e9\\t\\\"x\\\" \"},"
+            "{\"kind\":4,\"name\":\"s\",\"value\":null,\"class\":null,\"size\":0,\"maxlength\":0,"
+            "\"rows\":0,\"cols\":0,\"checked\":0,\"multiple\":0,\"label\":null,"
+            "\"options\":[{\"tag\":\"option value=1\",\"text\":\"One\"}]}]}],"
+            "\"scripts\":[],\"tablePrefix\":\"border=\\\"1\\\" >\"}");
+}
+
+TEST_F(FormParser, ReportsTextsItCouldNotKeep) {
+  ASSERT_TRUE(scan_.document.Assign(PostForm("<input name=a>")));
+  FailNextTextBlockAllocations(1);  // the action
+  ParseFormPage(scan_, "www.example.com");
+  EXPECT_TRUE(scan_.outOfMemory);
+  EXPECT_TRUE(scan_.forms.empty());
+  Parse(PostForm("<input name=a>"));
+  EXPECT_FALSE(scan_.outOfMemory);
+  EXPECT_EQ(scan_.forms.size(), 1u);
+}
+
+TEST_F(FormParser, FreeingReleasesEveryBlock) {
+  Parse(PostForm("Label <input name=a value=b class=c onSubmit=d>"
+                 "<select name=s><option>o</select>"));
+  std::vector<TextBlock> blocks;
+  const HtmlForm& form = scan_.forms.at(0);
+  for (TextBlock b : {form.action, form.method, form.onSubmit}) blocks.push_back(b);
+  for (const FormField& f : form.fields) {
+    for (TextBlock b : {f.name, f.value, f.className, f.label}) {
+      if (b) blocks.push_back(b);
+    }
+  }
+  blocks.push_back(scan_.selects.at(0).at(0).tag);
+  blocks.push_back(scan_.selects.at(0).at(0).text);
+  ASSERT_EQ(blocks.size(), 10u);
+  for (TextBlock b : blocks) ASSERT_TRUE(IsTextBlock(b));
+
+  FreeFormScan(scan_);
+  for (TextBlock b : blocks) EXPECT_FALSE(IsTextBlock(b));
+  EXPECT_TRUE(scan_.forms.empty());
+  EXPECT_EQ(scan_.document.length(), 0u);
+}
+
+}  // namespace
+}  // namespace qb
