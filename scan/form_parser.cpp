@@ -243,10 +243,7 @@ class PagePass {
       const bool textarea = EqualsNoCase(tag, "textarea");
       field.kind = textarea ? kFieldTextarea : kFieldText;
       kept = ReadAttributes(kInputAttributes, field, !textarea);
-      if (kept && textarea) {
-        SkipTextareaContent();
-        field.tagEnd = textareaEnd_;
-      }
+      if (kept && textarea) SkipTextareaContent();
     }
     if (!kept) {
       FreeFieldTexts(field);
@@ -254,28 +251,24 @@ class PagePass {
       pos_ = close ? static_cast<const char*>(close) - document_.data() + 1 : length_;
       return;
     }
-    if (field.kind != kFieldTextarea) field.tagEnd = pos_;
+    field.tagEnd = pos_;
     field.label = Keep(label_, kNoBlock);
     if (field.kind == kFieldSubmit) form_.hasSubmit = true;
     form_.fields.push_back(field);
   }
 
-  // The content is not kept: the writer puts in its own. The pass goes on just
-  // inside the next tag, where the label reader steps over "/textarea"; the
-  // field's bytes end after that closing tag.
+  // The content is not kept: the writer puts in its own. The field's bytes
+  // run on over the closing tag, and so does the pass; without one they stop
+  // at the next tag.
   void SkipTextareaContent() {
     const void* next = std::memchr(document_.data() + pos_, '<', length_ - pos_);
     if (!next) {
-      pos_ = textareaEnd_ = length_;
+      pos_ = length_;
       return;
     }
     const ScanPosition open = static_cast<const char*>(next) - document_.data();
     pos_ = open + 1;
-    textareaEnd_ = open;
-    if (StartsNoCase(document_.bytes().substr(pos_), "/textarea")) {
-      const void* close = std::memchr(document_.data() + open, '>', length_ - open);
-      textareaEnd_ = close ? static_cast<const char*>(close) - document_.data() + 1 : length_;
-    }
+    if (!SkipClosingTextarea(document_, pos_)) pos_ = open;
   }
 
   // Attribute words up to the tag's end. False when an input's type makes it a
@@ -421,7 +414,6 @@ class PagePass {
   bool stoppedAtField_ = false;       // a field beyond the slots ended the pass
   ScanPosition stopOffset_ = 0;
 
-  ScanPosition textareaEnd_ = 0;
   bool scriptOpen_ = false;
   ScanPosition scriptStart_ = 0;
 };

@@ -185,11 +185,7 @@ int CollectFieldLabel(const ScanDocument& document, LabelBuffer& label, WordBuff
     SkipLineBlanks(document, pos);
     SkipNbspRuns(document, pos);
 
-    // Text just after a textarea starts with its closing tag; it is no label.
-    if (MatchesAt(document, pos, kCloseTextarea)) {
-      pos += kCloseTextarea.size();
-      while (pos < length && (bytes[pos] == '>' || IsLineBlank(bytes[pos]))) ++pos;
-    }
+    SkipClosingTextarea(document, pos);  // a closing tag is no label
 
     const std::size_t before = label.size();
     while (pos < length && bytes[pos] != '<' && label.size() < kMaxLabelBytes) {
@@ -244,6 +240,15 @@ int CollectFieldLabel(const ScanDocument& document, LabelBuffer& label, WordBuff
     pos = static_cast<const char*>(close) - bytes + 1;
     tagName.clear();
   }
+}
+
+bool SkipClosingTextarea(const ScanDocument& document, ScanPosition& pos) {
+  if (!MatchesAt(document, pos, kCloseTextarea)) return false;
+  pos += kCloseTextarea.size();
+  while (pos < document.length() && (document.At(pos) == '>' || IsLineBlank(document.At(pos)))) {
+    ++pos;
+  }
+  return true;
 }
 
 TextBlock StoreText(std::string_view text, TextBlock oldBlock) {

@@ -86,6 +86,10 @@ int ReadTagText(const ScanDocument& document, WordBuffer& text, ScanPosition& po
 int CollectFieldLabel(const ScanDocument& document, LabelBuffer& label, WordBuffer& tagName,
                       ScanPosition& pos, ScanPosition& tagStart);
 
+// When the text at `pos` is "/textarea", steps over it and over the '>' and
+// line blanks after it; the text after a textarea's content starts so.
+bool SkipClosingTextarea(const ScanDocument& document, ScanPosition& pos);
+
 // Frees `oldBlock`, then returns a new block holding `text` (kNoBlock for an
 // empty text or when memory runs out).
 TextBlock StoreText(std::string_view text, TextBlock oldBlock);

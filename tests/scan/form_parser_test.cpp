@@ -175,7 +175,7 @@ TEST_F(FormParser, SlotsLabelsAndTheirBytes) {
   EXPECT_EQ(Field(0, 0).kind, kFieldForm);
   EXPECT_EQ(Tag(0, 0), "<form action=\"/p\" method=\"post\">");
   EXPECT_EQ(Tag(0, 1), "<input name=\"n\" size=20>");
-  EXPECT_EQ(Tag(0, 2), "<textarea name=\"c\" rows=3 cols=40>old text</textarea>");
+  EXPECT_EQ(Tag(0, 2), "<textarea name=\"c\" rows=3 cols=40>old text</textarea>\n");
   EXPECT_EQ(Tag(0, 3), "<input type=submit value=\"Send\">");
   EXPECT_EQ(form.end, page_.find("</form>"));
 
@@ -183,6 +183,26 @@ TEST_F(FormParser, SlotsLabelsAndTheirBytes) {
   EXPECT_EQ(TextOf(Field(0, 2).label), "Comments&nbsp; ");
   EXPECT_EQ(Field(0, 3).label, kNoBlock);  // nothing visible since the textarea
   EXPECT_TRUE(form.hasSubmit);
+}
+
+TEST_F(FormParser, ATextareaRunsOnOverItsClosingTag) {
+  struct Case {
+    const char* body;
+    const char* textarea;  // the bytes the writer replaces
+    const char* nextLabel;
+  } const cases[] = {
+      {"<textarea name=a>old</TEXTAREA >\n<input name=b>", "<textarea name=a>old</TEXTAREA >\n",
+       ""},
+      {"<textarea name=a>old</textarea6<input name=b>", "<textarea name=a>old</textarea", "6 "},
+      {"<textarea name=a>a<b>c</textarea><input name=b>", "<textarea name=a>a", "c "},
+  };
+  for (const auto& c : cases) {
+    Parse(PostForm(c.body));
+    ASSERT_EQ(scan_.forms.at(0).fieldCount(), 3) << c.body;
+    EXPECT_EQ(Tag(0, 1), c.textarea) << c.body;
+    EXPECT_EQ(TextOf(Field(0, 2).label), c.nextLabel) << c.body;
+    EXPECT_EQ(Tag(0, 2), "<input name=b>") << c.body;
+  }
 }
 
 TEST_F(FormParser, SelectOptionsKeepTagAndText) {
