@@ -34,7 +34,7 @@ start() {
   "$here/wine-prefix.sh" "$build"
   # A persistent server keeps every later wine start fast. Its services inherit the
   # stdio of the first process, so nothing here is connected to CTest's pipes.
-  wineserver -p >/dev/null 2>&1 </dev/null
+  wineserver -p >/dev/null 2>&1 </dev/null || true  # already running
   wine cmd /c exit >/dev/null 2>&1 </dev/null || true
 }
 

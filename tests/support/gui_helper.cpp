@@ -13,6 +13,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr int kPollMs = 5;
+constexpr int kSettleMs = 1000;
 constexpr UINT kSendTimeoutMs = 3000;
 constexpr int kMessageBoxTextId = 0xFFFF;
 
@@ -65,6 +66,7 @@ struct FindState {
   DWORD process;
   bool anyProcess;
   bool wantHandled;
+  bool shownOnly;
   const std::set<HWND>* handled;
   HWND found;
 };
@@ -74,7 +76,7 @@ BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
   DWORD pid = 0;
   DWORD tid = GetWindowThreadProcessId(w, &pid);
   if (st->anyProcess ? false : tid != st->thread) return TRUE;
-  if (!IsWindowVisible(w) || !IsWindowEnabled(w)) return TRUE;
+  if (st->shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) return TRUE;
   if (ClassOf(w) != "#32770") return TRUE;
   if ((st->handled->count(w) != 0) != st->wantHandled) return TRUE;
   st->found = w;
@@ -82,8 +84,12 @@ BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
 }
 
 // A visible, enabled dialog-class window: the modal window on top of its owner.
-HWND FindModal(DWORD thread, bool anyProcess, bool wantHandled, const std::set<HWND>& handled) {
-  FindState st{thread, GetCurrentProcessId(), anyProcess, wantHandled, &handled, nullptr};
+// With shownOnly false, also a window that never became visible (a dialog that
+// failed to show itself must still be closed, or the action would never return).
+HWND FindModal(DWORD thread, bool anyProcess, bool wantHandled, const std::set<HWND>& handled,
+               bool shownOnly = true) {
+  FindState st{thread, GetCurrentProcessId(), anyProcess, wantHandled, shownOnly, &handled,
+               nullptr};
   EnumWindows(MatchModal, reinterpret_cast<LPARAM>(&st));
   return st.found;
 }
@@ -212,7 +218,7 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
       }
       if (!window) {
         result.errors.push_back("step " + std::to_string(i + 1) + ": no modal window appeared");
-        return;
+        break;
       }
       handled.insert(window);
       WindowSnapshot snap = Snapshot(window);
@@ -223,10 +229,18 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
         result.errors.push_back("step " + std::to_string(i + 1) + ": " + e.what());
         PostMessageA(window, WM_COMMAND, IDCANCEL, 0);
       }
+      // The answer takes effect on the thread under test: wait until the window is
+      // gone or covered by a box of its own before looking for the next one. A
+      // window that stays open and active is left for an Again step.
+      const auto settle = Clock::now() + std::chrono::milliseconds(kSettleMs);
+      while (Clock::now() < settle && IsWindow(window) && IsWindowVisible(window) &&
+             IsWindowEnabled(window) && !actionDone)
+        std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
     }
     // Anything else that opens before the action ends was not foreseen: cancel it.
+    const bool failed = !result.errors.empty();
     while (!actionDone) {
-      HWND extra = FindModal(thread, options.anyProcess, false, handled);
+      HWND extra = FindModal(thread, options.anyProcess, false, handled, !failed);
       if (extra) {
         handled.insert(extra);
         result.unexpected.push_back(Snapshot(extra));
