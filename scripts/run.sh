@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Builds Quellbarrow, prepares its program folder (build/program: the .exe, its
+# Databases and DataHtml folders, a sample key database and first settings) and
+# starts it under Wine. Without a display it runs under Xvfb, saves a screenshot
+# and prints its path.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${QB_BUILD_DIR:-$root/build}
+program="$build/program"
+
+"$root/scripts/setup.sh"
+"$root/scripts/build.sh" win
+
+mkdir -p "$program/Databases" "$program/DataHtml"
+cp "$build/win/Quellbarrow.exe" "$program/"
+. "$root/scripts/wine-env.sh" "$build/win"
+
+headless=0
+if [ -z "${DISPLAY:-}" ] || ! xdpyinfo >/dev/null 2>&1; then headless=1; fi
+if [ "$headless" = 1 ]; then
+  "$root/scripts/wine-session.sh" start "$build/win"
+  . "$root/scripts/wine-env.sh" "$build/win"
+else
+  "$root/scripts/wine-prefix.sh" "$build/win"
+fi
+
+# First run of this folder: a sample database and settings that open it.
+if [ ! -f "$program/pellwick.cfg" ]; then
+  database=""
+  if [ -x "$build/win/makekeydb.exe" ] && [ -f "$root/resources/sample/keys.txt" ]; then
+    wine "$build/win/makekeydb.exe" "$root/resources/sample/keys.txt" \
+      "$program/Databases/Sample.dat" </dev/null >/dev/null 2>&1 && database=Sample.dat
+  fi
+  wine "$build/win/initsettings.exe" "$program/pellwick.cfg" $database </dev/null >/dev/null 2>&1
+fi
+
+cd "$program"
+if [ "$headless" = 0 ]; then
+  exec wine Quellbarrow.exe
+fi
+
+wine Quellbarrow.exe </dev/null >/dev/null 2>&1 &
+sleep "${QB_SCREENSHOT_DELAY:-4}"
+shot="$build/quellbarrow-screenshot.png"
+import -window root "$shot"
+echo "Quellbarrow is running under Xvfb (display $DISPLAY); screenshot: $shot"
+echo "Stop it with: scripts/wine-session.sh stop $build/win"

@@ -1,0 +1,1 @@
+qb_tool(NAME initsettings SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/initsettings.cpp)
