@@ -1,0 +1,177 @@
+// The key table's operations on real text blocks.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/keys/key_test_util.h"
+
+namespace qb::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class KeyTableTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    TakeUserMessages();
+    SetDatabaseChanged(false);
+  }
+};
+
+TEST_F(KeyTableTest, FindByNameIgnoresCaseAndEmptyNames) {
+  struct Case {
+    Names names;
+    std::string query;
+    int expected;
+  } cases[] = {
+      {{}, "", kNoKey},          {{}, "E-mail", kNoKey},         {{"Name", "E-Mail"}, "e-mail", 1},
+      {{"mail", "Mail"}, "MAIL", 0}, {{"", "Phone"}, "", kNoKey}, {{"", "Phone"}, "phone", 1},
+      {{"Names"}, "Name", kNoKey}, {{"\xC9mile"}, "\xE9MILE", 0}, {{"\xD7"}, "\xF7", kNoKey},
+  };
+  for (const Case& c : cases) {
+    OwnedTable table(NamedKeys(c.names));
+    EXPECT_EQ(FindKeyByName(*table, c.query), c.expected) << c.query;
+  }
+}
+
+TEST_F(KeyTableTest, DeleteKey) {
+  OwnedTable table(NamedKeys({"A", "B", "C", "D"}));
+  const TextBlock deleted = table->fields[kDescription][1];
+  DeleteKey(*table, 1);
+  EXPECT_EQ(table.Texts(), NamedKeys({"A", "C", "D"}));
+  EXPECT_FALSE(IsTextBlock(deleted));
+  EXPECT_FALSE(DatabaseChanged());
+  // A key added at the count must not take blocks from the key that moved up.
+  SetKeyField(*table, 3, kDescription, "new");
+  EXPECT_EQ(KeyFieldText(*table, 2, kDescription), "D-text");
+
+  // The last key: only its own entry is emptied, the one past it is left alone.
+  const TextBlock past = MakeTextBlock("past");
+  table->fields[kName][4] = past;
+  table->count = 4;
+  DeleteKey(*table, 3);
+  EXPECT_EQ(table->count, 3);
+  EXPECT_EQ(table->fields[kDescription][3], kNoBlock);
+  EXPECT_EQ(table->fields[kName][4], past);
+
+  for (int index : {-1, 3, kNoKey}) DeleteKey(*table, index);
+  EXPECT_EQ(table.Names(), (Names{"A", "C", "D"}));
+}
+
+TEST_F(KeyTableTest, MakeRoomLeavesAnEmptyEntry) {
+  OwnedTable table(NamedKeys({"A", "B", "C"}));
+  MakeRoom(*table, 1, 3);
+  EXPECT_EQ(table->count, 3);
+  table->count = 4;
+  SetKeyField(*table, 1, kName, "X");  // frees nothing that moved
+  EXPECT_EQ(table.Names(), (Names{"A", "X", "B", "C"}));
+  for (auto [first, last] : {std::pair{2, 2}, {3, 1}, {-1, 2}, {0, kMaxKeys}}) MakeRoom(*table, first, last);
+  EXPECT_EQ(table.Names(), (Names{"A", "X", "B", "C"}));
+}
+
+TEST_F(KeyTableTest, SetDescription) {
+  OwnedTable table(NamedKeys({"A"}));
+  const TextBlock old = table->fields[kDescription][0];
+  // An empty text keeps the Description but still marks the database changed.
+  EXPECT_TRUE(SetDescription(*table, "", 0));
+  EXPECT_TRUE(DatabaseChanged());
+  EXPECT_EQ(table->fields[kDescription][0], old);
+
+  EXPECT_TRUE(SetDescription(*table, "Hello", 0));
+  EXPECT_EQ(KeyFieldText(*table, 0, kDescription), "Hello");
+  EXPECT_EQ(TextBlockSize(table->fields[kDescription][0]), 7u);
+  FreeTextBlock(old);  // replaced without being freed
+
+  SetDatabaseChanged(false);
+  FailNextTextBlockAllocations(1);
+  EXPECT_FALSE(SetDescription(*table, "World", 0));
+  EXPECT_TRUE(DatabaseChanged());
+  EXPECT_EQ(KeyFieldText(*table, 0, kDescription), "Hello");
+  auto messages = TakeUserMessages();
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_EQ(messages[0].text, "Not enough memory to store the data");
+  EXPECT_EQ(messages[0].caption, "Information");
+  EXPECT_EQ(messages[0].icon, MessageIcon::kInformation);
+}
+
+TEST_F(KeyTableTest, SetKeyFieldReplacesAndFrees) {
+  OwnedTable table(NamedKeys({"A"}));
+  const TextBlock old = table->fields[kSearchNames][0];
+  ASSERT_TRUE(SetKeyField(*table, 0, kSearchNames, std::string_view("zip,plz", 3)));
+  EXPECT_TRUE(DatabaseChanged());
+  // Freed: dead, or handed out again for the new text.
+  EXPECT_TRUE(!IsTextBlock(old) || table->fields[kSearchNames][0] == old);
+  EXPECT_EQ(KeyFieldText(*table, 0, kSearchNames), "zip");
+  EXPECT_EQ(TextBlockSize(table->fields[kSearchNames][0]), 5u);
+  EXPECT_TRUE(SetKeyField(*table, 0, kSearchNames, ""));
+  EXPECT_EQ(table->fields[kSearchNames][0], kNoBlock);
+
+  FailNextTextBlockAllocations(1);
+  EXPECT_FALSE(SetKeyField(*table, 0, kSelection, "Yes"));
+  EXPECT_EQ(table->fields[kSelection][0], kNoBlock);
+  EXPECT_TRUE(TakeUserMessages().empty());
+  EXPECT_FALSE(SetKeyField(*table, kMaxKeys, kName, "x"));
+}
+
+TEST_F(KeyTableTest, ClearAllFreesEveryPositionAndOptionallyTheSlotName) {
+  OwnedTable table(NamedKeys({"A"}));
+  const TextBlock past = MakeTextBlock("past");
+  table->fields[kSelection][kMaxKeys - 1] = past;
+  SlotName name{'D', 'a', 't', 'a'};
+  ClearAllKeys(*table);
+  EXPECT_EQ(table->count, 0);
+  EXPECT_FALSE(IsTextBlock(past));
+  EXPECT_EQ(std::string(name.data()), "Data");
+  ClearAllKeys(*table, &name);
+  EXPECT_EQ(name, SlotName{});
+}
+
+TEST_F(KeyTableTest, SortIsStableAndMovesWholeKeys) {
+  struct Case {
+    Names names;
+    SortDirection direction;
+    Names expected;
+  } cases[] = {
+      {{"b", "A", "a", "B", "c"}, SortDirection::kAscending, {"A", "a", "b", "B", "c"}},
+      {{"b", "A", "a", "B", "c"}, SortDirection::kDescending, {"c", "b", "B", "A", "a"}},
+      // A key without a Name stops every key that would pass it.
+      {{"c", "", "b", "a"}, SortDirection::kAscending, {"c", "", "a", "b"}},
+  };
+  for (const Case& c : cases) {
+    OwnedTable table(NamedKeys(c.names));
+    SortKeysByName(*table, c.direction);
+    EXPECT_EQ(table.Texts(), NamedKeys(c.expected));  // the stored order is gone
+    EXPECT_FALSE(DatabaseChanged());
+  }
+}
+
+TEST_F(KeyTableTest, MoveKeyToEveryPosition) {
+  const Names names = {"A", "B", "C", "D"};
+  const int count = static_cast<int>(names.size());
+  for (int from = 0; from < count; ++from) {
+    // `count` is where the last key dropped on its own row aims.
+    for (int to = 0; to <= count; ++to) {
+      OwnedTable table(NamedKeys(names));
+      Names expected = names;
+      expected.erase(expected.begin() + from);
+      expected.insert(expected.begin() + std::min(to, count - 1), names[from]);
+      MoveKey(*table, from, to);
+      EXPECT_EQ(table.Texts(), NamedKeys(expected)) << from << " -> " << to;
+    }
+  }
+}
+
+TEST_F(KeyTableTest, CountsOutsideTheCapacityAreBounded) {
+  OwnedTable table(NamedKeys({"A", "B"}));
+  for (int count : {kMaxKeys + 500, -7}) {
+    table->count = count;
+    EXPECT_EQ(FindKeyByName(*table, "none"), kNoKey);
+    SortKeysByName(*table, SortDirection::kDescending);
+    MoveKey(*table, kMaxKeys - 1, 0);
+    DeleteKey(*table, kMaxKeys - 1);
+  }
+  EXPECT_EQ(table->count, -7);
+}
+
+}  // namespace
+}  // namespace qb::test

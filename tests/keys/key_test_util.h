@@ -1,0 +1,62 @@
+// Helpers of the key tests: a table of their own, filled from and read back as
+// plain strings.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/user_message.h"
+#include "keys/key_table.h"
+
+namespace qb::test {
+
+using KeyTexts = std::array<std::string, kKeyFieldCount>;
+
+// A key table on the heap that frees its blocks when it goes.
+class OwnedTable {
+ public:
+  OwnedTable() : table_(std::make_unique<KeyTable>()) {}
+  explicit OwnedTable(const std::vector<KeyTexts>& keys) : OwnedTable() { Fill(keys); }
+  ~OwnedTable() { ClearAllKeys(*table_); }
+  OwnedTable(const OwnedTable&) = delete;
+  OwnedTable& operator=(const OwnedTable&) = delete;
+
+  KeyTable& operator*() { return *table_; }
+  KeyTable* operator->() { return table_.get(); }
+
+  void Fill(const std::vector<KeyTexts>& keys) {
+    ClearAllKeys(*table_);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      for (int f = 0; f < kKeyFieldCount; ++f) table_->fields[f][i] = MakeTextBlock(keys[i][f]);
+    }
+    table_->count = static_cast<std::int32_t>(keys.size());
+  }
+  std::vector<KeyTexts> Texts() const {
+    std::vector<KeyTexts> out(KeysInUse(*table_));
+    for (std::size_t i = 0; i < out.size(); ++i) {
+      for (int f = 0; f < kKeyFieldCount; ++f) {
+        out[i][f] = KeyFieldText(*table_, static_cast<int>(i), static_cast<KeyField>(f));
+      }
+    }
+    return out;
+  }
+  std::vector<std::string> Names() const {
+    std::vector<std::string> out;
+    for (const KeyTexts& k : Texts()) out.push_back(k[kName]);
+    return out;
+  }
+
+ private:
+  std::unique_ptr<KeyTable> table_;
+};
+
+// Keys named by `names`, their other fields derived from the name.
+inline std::vector<KeyTexts> NamedKeys(const std::vector<std::string>& names) {
+  std::vector<KeyTexts> keys;
+  for (const std::string& n : names) keys.push_back({n, n + "-search", n + "-select", n + "-text"});
+  return keys;
+}
+
+}  // namespace qb::test
