@@ -1,0 +1,81 @@
+// The registry reader over any bytes, and a rewrite round trip: every entry read
+// is non-empty and within one line, and a folder rename written back reads back
+// as exactly the renamed entries.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "acquire/document_registry.h"
+
+namespace {
+
+void Check(bool condition) {
+  if (!condition) std::abort();
+}
+
+std::vector<qb::RegistryEntry> ReadAll(std::FILE* in) {
+  std::vector<qb::RegistryEntry> entries;
+  qb::RegistryReader reader(in);
+  qb::RegistryEntry e;
+  while (reader.Next(e)) {
+    for (const std::string* line : {&e.url, &e.file}) {
+      Check(!line->empty() && line->size() <= qb::kRegistryLineMax);
+      Check(line->find('\n') == std::string::npos);
+    }
+    entries.push_back(e);
+  }
+  return entries;
+}
+
+std::string g_folder;
+
+void RemoveFolder() {
+  std::remove((g_folder + "/ConfigHtml.cfg").c_str());
+  std::remove((g_folder + "/ConfigHtml2.cfg").c_str());
+  rmdir(g_folder.c_str());
+}
+
+// Memory-backed: the round trip writes two files per input.
+const std::string& Folder() {
+  if (g_folder.empty()) {
+    char pattern[] = "/dev/shm/fuzz_registry.XXXXXX";
+    if (!mkdtemp(pattern)) std::abort();
+    g_folder = pattern;
+    std::atexit(RemoveFolder);
+  }
+  return g_folder;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::FILE* memory = fmemopen(const_cast<std::uint8_t*>(data), size, "r");
+  if (!memory) return 0;
+  const std::vector<qb::RegistryEntry> entries = ReadAll(memory);
+  std::fclose(memory);
+
+  // The rename prefix is the start of the first file line, so renames do happen.
+  const std::string oldPrefix = entries.empty() ? "C:\\" : entries[0].file.substr(0, 3);
+  const std::string newPrefix = "D:\\Renamed";
+  const std::string path = Folder() + "/ConfigHtml.cfg";
+  std::FILE* out = std::fopen(path.c_str(), "wb");
+  if (!out) return 0;
+  std::fwrite(data, 1, size, out);
+  std::fclose(out);
+  qb::DocumentRegistry(path, Folder() + "/ConfigHtml2.cfg").RenamePrefix(oldPrefix, newPrefix);
+
+  std::FILE* in = std::fopen(path.c_str(), "r");
+  if (!in) std::abort();
+  const std::vector<qb::RegistryEntry> after = ReadAll(in);
+  std::fclose(in);
+  Check(after.size() == entries.size());
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    Check(after[i].url == entries[i].url);
+    const auto renamed = qb::RenamedFileLine(entries[i].file, oldPrefix, newPrefix);
+    Check(after[i].file == (renamed ? *renamed : entries[i].file));
+  }
+  return 0;
+}

@@ -1,0 +1,51 @@
+// Request preparation over any address and folder text: whatever is accepted
+// splits cleanly, names a file inside the folder within the path limit, and gives
+// a GET request that fits the receive buffer it is built in.
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "acquire/http_request.h"
+
+namespace {
+
+void Check(bool condition) {
+  if (!condition) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  const std::string_view all(reinterpret_cast<const char*>(data) + 1, size - 1);
+  const std::size_t folderLength = std::min<std::size_t>(data[0], all.size());
+  const std::string_view folder = all.substr(0, folderLength);
+  const std::string_view url = all.substr(folderLength);
+
+  qb::DownloadRequest request;
+  if (qb::PrepareDownload(url, folder, request) == qb::PrepareStatus::kReady) {
+    Check(request.host.size() <= qb::kHostMax);
+    Check(request.host.find_first_of("/? ") == std::string::npos);
+    Check(request.path.empty() || request.path[0] == '/');
+    Check(request.path.find_first_of("? ") == std::string::npos);
+    Check(request.localFile.size() <= qb::kLocalPathMax);
+    Check(request.localFile.compare(0, folder.size(), folder) == 0);
+    Check(request.localFile.size() >= folder.size() + 5);
+    Check(request.localFile.compare(request.localFile.size() - 4, 4, ".htm") == 0);
+    Check(url.size() >= request.discardFile.size() &&
+          url.substr(url.size() - request.discardFile.size()) == request.discardFile);
+    Check(qb::BuildGetRequest(request.host, request.path).size() < qb::kReceiveChunkSize);
+  }
+
+  std::string post(url);
+  const std::string before = post;
+  if (qb::AppendPostHeader(post)) {
+    Check(post.size() <= qb::kRequestTextMax);
+    const std::size_t counted = before.size() + std::string_view(" HTTP/1.0\r\nCONTENT-LENGTH: ").size();
+    Check(post == before + " HTTP/1.0\r\nCONTENT-LENGTH: " + std::to_string(counted) + "\r\n\r\n");
+  } else {
+    Check(post == before);
+  }
+  return 0;
+}

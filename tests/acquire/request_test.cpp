@@ -1,0 +1,111 @@
+// Request preparation: the address rules a scan applies before a download, and
+// the limits of the request and status texts.
+#include <gtest/gtest.h>
+
+#include "acquire/http_request.h"
+
+namespace qb {
+namespace {
+
+constexpr char kFolder[] = "C:\\App\\DataHtml\\";
+
+struct UrlCase {
+  const char* url;
+  const char* host;
+  const char* path;
+  const char* file;  // below kFolder
+  const char* discard;
+};
+
+TEST(PrepareDownload, SplitsAddressesAndNamesTheirFiles) {
+  const UrlCase cases[] = {
+      {"www.Example.com/order/form.asp?x=1", "www.Example.com", "/order/form.asp",
+       "example.com.form.asp.htm", "www.Example.com/order/form.asp?x=1"},
+      // The doubled extension and the empty segment are the names the registry records.
+      {"www.example.com/", "www.example.com", "/", "example.com.index.htm.htm", "www.example.com/"},
+      {"http://example.com/?q=1", "example.com", "/", "example.com..htm", "example.com/?q=1"},
+      {"www.example.com", "www.example.com", "", "example.com.index.htm.htm", "www.example.com"},
+      {"www.example.com/shop/", "www.example.com", "/shop/", "example.com.index.htm.htm",
+       "www.example.com/shop/"},
+      // https is fetched by plain HTTP: only the scheme goes.
+      {"https://www.example.com/a/b.htm", "www.example.com", "/a/b.htm", "example.com.b.htm.htm",
+       "www.example.com/a/b.htm"},
+      {"HTTP://Shop.Example.com/x", "Shop.Example.com", "/x", "shop.Example.com.x.htm",
+       "Shop.Example.com/x"},
+      {"http://WWW.Example.com/a b.htm", "WWW.Example.com", "/a", "example.com.a.htm",
+       "WWW.Example.com/a b.htm"},
+      {"http://  www.x.com/p", "www.x.com", "/p", "x.com.p.htm", "  www.x.com/p"},
+      {"http:///p.htm", "", "/p.htm", ".p.htm.htm", "/p.htm"},
+  };
+  for (const UrlCase& c : cases) {
+    SCOPED_TRACE(c.url);
+    DownloadRequest request;
+    ASSERT_EQ(PrepareDownload(c.url, kFolder, request), PrepareStatus::kReady);
+    EXPECT_EQ(request.host, c.host);
+    EXPECT_EQ(request.path, c.path);
+    EXPECT_EQ(request.localFile, std::string(kFolder) + c.file);
+    EXPECT_EQ(request.discardFile, c.discard);
+  }
+}
+
+TEST(PrepareDownload, LeavesLocalPathsToTheCaller) {
+  for (const char* text : {"C:\\pages\\form.htm", "ftp://example.com/", " www.example.com"}) {
+    SCOPED_TRACE(text);
+    DownloadRequest request{"keep", "keep", "keep", "keep"};
+    EXPECT_EQ(PrepareDownload(text, kFolder, request), PrepareStatus::kNotWebAddress);
+    EXPECT_EQ(request.localFile, "keep");
+  }
+}
+
+TEST(PrepareDownload, EnforcesEveryLengthExactly) {
+  const std::string folder = kFolder;
+  struct Case {
+    std::string url;
+    PrepareStatus expected;
+  };
+  // "www." + x... + ".htm" with the host as the whole name: folder + name + ".index.htm.htm".
+  const std::size_t nameRoom = kLocalPathMax - folder.size() - std::string(".index.htm.htm").size();
+  const Case cases[] = {
+      // A host of 259 passes its own limit (and then makes too long a name).
+      {"www." + std::string(kHostMax - 4, 'h'), PrepareStatus::kFileNameTooLong},
+      {"www." + std::string(kHostMax - 3, 'h'), PrepareStatus::kHostTooLong},
+      {"www.x/" + std::string(kUrlTextMax - 6, 'p'), PrepareStatus::kFileNameTooLong},
+      {"www.x/" + std::string(kUrlTextMax - 5, 'p'), PrepareStatus::kUrlTooLong},
+      {"http://" + std::string(nameRoom, 'n'), PrepareStatus::kReady},
+      {"http://" + std::string(nameRoom + 1, 'n'), PrepareStatus::kFileNameTooLong},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.url.size());
+    DownloadRequest request;
+    EXPECT_EQ(PrepareDownload(c.url, folder, request), c.expected);
+    if (c.expected == PrepareStatus::kReady) EXPECT_LE(request.localFile.size(), kLocalPathMax);
+    else EXPECT_FALSE(DescribePrepareStatus(c.expected).empty());
+  }
+}
+
+TEST(RequestText, PostLengthCountsTheRequestLineAndStopsAtTheLimit) {
+  std::string text = "POST /cgi/a?x=1";
+  ASSERT_TRUE(AppendPostHeader(text));
+  EXPECT_EQ(text, "POST /cgi/a?x=1 HTTP/1.0\r\nCONTENT-LENGTH: 42\r\n\r\n");
+
+  // 29963 + 27 counted = 29990, five digits and the blank line: exactly 29999.
+  std::string fits(29963, 'q');
+  ASSERT_TRUE(AppendPostHeader(fits));
+  EXPECT_EQ(fits.size(), kRequestTextMax);
+  std::string full(29964, 'q');
+  EXPECT_FALSE(AppendPostHeader(full));
+  EXPECT_EQ(full, std::string(29964, 'q'));
+}
+
+TEST(TransferStatus, StaysWithinItsBuffer) {
+  TransferStatus status;
+  status.Append(std::string(kStatusTextMax - 2, 'a'));
+  status.MarkCountLine();
+  status.AppendByteCount(5000);
+  EXPECT_EQ(status.text(), std::string(kStatusTextMax - 2, 'a') + "50");
+  status.CutToMark();
+  EXPECT_EQ(status.text().size(), kStatusTextMax - 2);
+}
+
+}  // namespace
+}  // namespace qb
