@@ -1,0 +1,42 @@
+#include "acquire/acquire_state.h"
+
+#include "app/app_state.h"
+
+namespace qb {
+namespace {
+
+std::string& LinksFolderText() {
+  static std::string folder;
+  return folder;
+}
+
+}  // namespace
+
+const std::string& CurrentLinksFolder() {
+  const std::string& folder = LinksFolderText();
+  return folder.empty() ? App().dataHtmlDir : folder;
+}
+
+void SetCurrentLinksFolder(std::string folder) { LinksFolderText() = std::move(folder); }
+
+DownloadRequest& SharedDownloadRequest() {
+  static DownloadRequest request;
+  return request;
+}
+
+std::string& SharedRequestText() {
+  static std::string text;
+  return text;
+}
+
+DocumentRegistry ProgramRegistry() {
+  const std::string& dir = App().programDir;
+  return DocumentRegistry(dir + "\\" + kRegistryFileName, dir + "\\" + kRegistryTempName);
+}
+
+PrepareStatus PreparePageDownload(std::string_view url) {
+  const std::string_view folder = ChooseDownloadFolder(CurrentLinksFolder(), App().dataHtmlDir);
+  return PrepareDownload(url, folder, SharedDownloadRequest());
+}
+
+}  // namespace qb

@@ -1,0 +1,81 @@
+// A download from a real web server: the private nginx the test fixture starts on
+// 127.0.0.1:80 (tests/acquire/nginx.sh). The saved file must be exactly what nginx
+// sends, status line and headers included, written in text mode.
+#include <gtest/gtest.h>
+
+#include <winsock.h>
+
+#include <string>
+
+#include "acquire/acquire_state.h"
+#include "acquire/download_dialog.h"
+#include "app/app_state.h"
+#include "tests/acquire/transfer_helpers.h"
+#include "tests/support/temp_dir.h"
+
+namespace qb {
+namespace {
+
+// The same request sent by a plain client, for the bytes nginx answers with.
+std::string RawFetch(const std::string& request) {
+  WSADATA data;
+  WSAStartup(0x0101, &data);
+  std::string response;
+  SOCKET s = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(80);
+  address.sin_addr.s_addr = inet_addr("127.0.0.1");
+  if (connect(s, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
+      send(s, request.data(), static_cast<int>(request.size()), 0) != SOCKET_ERROR) {
+    char buffer[8192];
+    int n;
+    while ((n = recv(s, buffer, sizeof(buffer), 0)) > 0) response.append(buffer, static_cast<std::size_t>(n));
+  }
+  closesocket(s);
+  WSACleanup();
+  return response;
+}
+
+// The Date header is the only part that may change between two fetches: the
+// expected text takes the saved one's value.
+std::string WithDateOf(std::string expected, const std::string& saved) {
+  const std::string name = "\nDate: ";
+  const std::size_t e = expected.find(name), s = saved.find(name);
+  if (e == std::string::npos || s == std::string::npos) return expected;
+  const std::size_t eEnd = expected.find('\r', e + 1), sEnd = saved.find('\r', s + 1);
+  return expected.replace(e, eEnd - e, saved.substr(s, sEnd - s));
+}
+
+class Nginx : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    App().dataHtmlDir = dir.path() + "\\DataHtml\\";
+    SetCurrentLinksFolder(dir.path() + "\\");
+  }
+
+  // Downloads `url` through the dialog; returns the saved file and the response
+  // a plain client got for the same request bytes.
+  void Fetch(const std::string& url, std::string& saved, std::string& served) {
+    ASSERT_EQ(PreparePageDownload(url), PrepareStatus::kReady);
+    const DownloadRequest& request = SharedDownloadRequest();
+    served = RawFetch(BuildGetRequest(request.host, request.path));
+    ASSERT_EQ(DownloadPage(), 0);
+    saved = test::ReadText(request.localFile);
+  }
+
+  test::TempDir dir;
+};
+
+TEST_F(Nginx, SavedPageIsTheServedResponseInTextMode) {
+  std::string saved, served;
+  Fetch("http://127.0.0.1/page.html", saved, served);
+  ASSERT_GT(served.size(), 3 * kReceiveChunkSize) << "the page should take several receives";
+  EXPECT_EQ(served.compare(0, 17, "HTTP/1.1 200 OK\r\n"), 0);
+  EXPECT_EQ(saved, WithDateOf(test::TextMode(served), saved));
+  const std::string& status = LastDownloadStatus();
+  EXPECT_EQ(status.substr(status.size() - 37), "Downloaded OK\nClosing connection.....");
+}
+
+}  // namespace
+}  // namespace qb
