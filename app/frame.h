@@ -42,5 +42,6 @@ LRESULT OnDisplayChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 
 // Command handlers.
 LRESULT OnFileCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnToolsCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 }  // namespace qb

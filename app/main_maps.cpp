@@ -16,6 +16,7 @@ const MessageRow kMainMessages[] = {
 
 const CommandRow kMainCommands[] = {
     {IDM_EXIT,          OnFileCommand},
+    {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
 };
 
 }  // namespace

@@ -1,0 +1,13 @@
+// The Tools menu. Each command id has its branch; ids without one do nothing.
+#include "acquire/acquire_state.h"
+#include "app/frame.h"
+#include "resources/resource.h"
+
+namespace qb {
+
+LRESULT OnToolsCommand(HWND, WORD id, WORD, LPARAM) {
+  if (id == IDM_COMPACT_CONFIGHTML) ProgramRegistry().Compact();
+  return 0;
+}
+
+}  // namespace qb
