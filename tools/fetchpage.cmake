@@ -1,0 +1,1 @@
+qb_tool(NAME fetchpage SOURCES fetchpage.cpp GUI)
