@@ -32,8 +32,9 @@ mkdir -p "$dir/out"
 
 echo "page: http://127.0.0.1/big.html, $page_bytes bytes of body"
 for i in $(seq "$runs"); do
-  curl -s -o "$dir/out/curl.html" -w "curl run $i: %{size_download} bytes in %{time_total} s = %{speed_download} B/s\n" \
-    http://127.0.0.1/big.html
+  curl -s -o "$dir/out/curl.html" -w "%{size_download} %{time_total}\n" http://127.0.0.1/big.html |
+    awk -v run="$i" '{ printf "curl run %d: %d bytes in %.3f s = %.1f MB/s\n", run, $1, $2, $1 / $2 / 1e6 }'
+
 done
 
 if [ ! -f "$win/wine-session/xvfb.pid" ] || ! kill -0 "$(cat "$win/wine-session/xvfb.pid")" 2>/dev/null; then
