@@ -13,25 +13,28 @@ program="$build/program"
 
 mkdir -p "$program/Databases" "$program/DataHtml"
 cp "$build/win/Quellbarrow.exe" "$program/"
-. "$root/scripts/wine-env.sh" "$build/win"
 
+# The caller's display decides; the test session's Xvfb is not a user's screen.
 headless=0
 if [ -z "${DISPLAY:-}" ] || ! xdpyinfo >/dev/null 2>&1; then headless=1; fi
+user_display=${DISPLAY:-}
+. "$root/scripts/wine-env.sh" "$build/win"
 if [ "$headless" = 1 ]; then
   "$root/scripts/wine-session.sh" start "$build/win"
   . "$root/scripts/wine-env.sh" "$build/win"
 else
+  export DISPLAY=$user_display
   "$root/scripts/wine-prefix.sh" "$build/win"
 fi
 
 # First run of this folder: a sample database and settings that open it.
 if [ ! -f "$program/pellwick.cfg" ]; then
   database=""
-  if [ -x "$build/win/makekeydb.exe" ] && [ -f "$root/resources/sample/keys.txt" ]; then
-    wine "$build/win/makekeydb.exe" "$root/resources/sample/keys.txt" \
+  if [ -x "$build/win/tools/makekeydb.exe" ] && [ -f "$root/resources/sample/keys.txt" ]; then
+    wine "$build/win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" \
       "$program/Databases/Sample.dat" </dev/null >/dev/null 2>&1 && database=Sample.dat
   fi
-  wine "$build/win/initsettings.exe" "$program/pellwick.cfg" $database </dev/null >/dev/null 2>&1
+  wine "$build/win/tools/initsettings.exe" "$program/pellwick.cfg" $database </dev/null >/dev/null 2>&1
 fi
 
 cd "$program"
