@@ -1,0 +1,61 @@
+// Tying form fields to keys. A field is answered by the first key (lowest index;
+// no scoring) whose Search Names list its name. Search Names are separated by
+// commas or line ends; a Selection holds one value per line, so "Yes, please" is
+// one value there. Both comparisons ignore letter case.
+//
+// Kept as the program has always done it: the look-ups upper-case the text they
+// are given in place. The page writer matches radio, checkbox and select fields
+// before writing them, so their names (and the values looked up) reach the
+// filled page in capitals, while text fields are written before matching.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "app/textblock.h"
+#include "keys/key_table.h"
+
+namespace qb {
+
+constexpr std::uint32_t kNoMatch = 0xFFFFFFFFu;
+// One Search Name or Selection line; a longer run is read as several.
+constexpr std::size_t kMaxSearchEntryBytes = 2048;
+// One Search Name as ForgetSearchName takes it apart, separator included.
+constexpr std::size_t kMaxForgetEntryBytes = 258;
+
+// a-z to A-Z. Only ASCII: these texts go back into a page of unknown encoding.
+void UpperCaseAscii(char* text, std::size_t length);
+void UpperCaseAscii(std::string& text);
+
+// The first key whose Search Names hold `fieldName`; kNoMatch for none and for an
+// empty name. The name is upper-cased in place.
+std::uint32_t FindKeyBySearchName(const KeyTable& keys, TextBlock fieldName);
+std::uint32_t FindKeyBySearchName(const KeyTable& keys, std::string& fieldName);
+
+// Whether a line of `selection` equals `text`. `text` is upper-cased in place.
+bool SelectionContains(TextBlock text, std::string_view selection);
+bool SelectionContains(std::string& text, std::string_view selection);
+
+// A matched key's Description as text fields receive it: CR LF line ends become LF.
+std::string WithoutCarriageReturns(std::string_view text);
+
+// Adds `fieldName` to key `key`'s Search Names ("postcode, " + "zip" gives
+// "postcode,zip") and, with `withValue`, `value` as a new Selection line unless it
+// is there already. Only while no key matches the name. Sets the database-changed
+// flag. False when nothing was learned: a name some key already answers, a key
+// outside the table, an empty name, or a text that would pass kMaxFieldLength or not fit in
+// memory (the user is told of those two, and the key stays as it was).
+bool LearnSearchName(KeyTable& keys, std::string_view fieldName, std::uint32_t key,
+                     std::string_view value, bool withValue);
+
+// Removes from key `key`'s Search Names every entry equal to `fieldName` and, with
+// `withValue`, every Selection line equal to `value`; the other entries stay as
+// they stand, separators included. Only while some key matches the name. A key
+// with no Search Names at all gets the field name instead, as it always has.
+// Sets the database-changed flag. False when nothing was done, as for learning.
+bool ForgetSearchName(KeyTable& keys, std::string_view fieldName, std::uint32_t key,
+                      std::string_view value, bool withValue);
+
+}  // namespace qb

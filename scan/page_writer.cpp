@@ -1,0 +1,347 @@
+#include "scan/page_writer.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "app/user_message.h"
+#include "scan/matcher.h"
+#include "scan/post_request.h"
+
+namespace qb {
+namespace {
+
+constexpr std::string_view kHead =
+    "<html><head><meta http-equiv=\"Content-Type\" content=\"text/html; charset=iso-8859-1\">"
+    "<meta name=\"description\" content=\"A web form filled in from your keys\">"
+    "<meta name=\"author\" content=\"Quellbarrow\">"
+    "<meta name=\"generator\" content=\"Quellbarrow\">"
+    "<title>Quellbarrow - Filled form</title></head>\n"
+    "<body background=\"tovback.jpg\" bgcolor=\"#FFFFFF\" text=\"#000000\" vlink=\"#000080\">\n";
+constexpr std::string_view kBanner =
+    "<center><font size=\"2\" face=\"MS Sans Serif\"><b>Quellbarrow</b><br>"
+    "Check the filled form below, then submit it.\n";
+constexpr std::string_view kScriptNote =
+    "<br><br></font><font color=\"black\"  size=\"2\" face=\"MS Sans Serif\"><b>Notes:</b> This HTML "
+    "document has a Java or VB scripts. In some cases you may not be able to submit.</font>";
+constexpr std::string_view kNoSubmitNote =
+    "<br></font><font color=\"black\"  size=\"2\" face=\"MS Sans Serif\"><b>Notes:</b> This HTML "
+    "document does not have a <b>\"Submit\"</b> button and becouse of that <b>maybe</b> you could "
+    "not Submit it.</font>";
+constexpr std::string_view kNotesEnd = "</center><hr></font>";
+constexpr std::string_view kTail =
+    "</font><hr><center>"
+    "<font size=\"1\" face=\"MS Sans Serif\">Filled in by Quellbarrow</font>"
+    "</center>"
+    "<p align=\"center\"><font size=\"1\" face=\"MS Sans Serif\">Your answers stay in your own key "
+    "databases.</font></p>\n"
+    "</body></html>";
+
+bool StartsWithScheme(std::string_view action) {
+  return StartsNoCase(action, "http://") || StartsNoCase(action, "https://");
+}
+
+bool KeyInTable(const KeyTable& keys, std::uint32_t key) {
+  return key < static_cast<std::uint32_t>(KeysInUse(keys));
+}
+
+std::string OptionPairValue(std::string_view rebuiltTag, std::string_view displayText) {
+  const std::size_t equals = rebuiltTag.find('=');
+  return std::string(equals == std::string_view::npos ? displayText : rebuiltTag.substr(equals + 1));
+}
+
+class PageWriter {
+ public:
+  PageWriter(FormScan& scan, ScanSession& session)
+      : scan_(scan), session_(session), keys_(session.keys), page_(scan.document.bytes()) {}
+
+  std::string Run() {
+    out_.reserve(page_.size() + page_.size() / 4 + 4096);
+    out_ += kHead;
+    out_ += kBanner;
+    if (!scan_.scripts.empty()) out_ += kScriptNote;
+    for (const HtmlForm& form : scan_.forms) {
+      if (!form.hasSubmit) {
+        out_ += kNoSubmitNote;
+        break;
+      }
+    }
+    out_ += kNotesEnd;
+    for (const ScriptBlock& script : scan_.scripts) Copy(script.start, script.end);
+    for (std::size_t f = 0; f < scan_.forms.size(); ++f) WriteForm(static_cast<int>(f));
+    out_ += kTail;
+    return std::move(out_);
+  }
+
+ private:
+  void WriteForm(int f) {
+    form_ = f;
+    HtmlForm& form = scan_.forms[f];
+    collect_ = session_.directPost && f == 0;
+    for (std::size_t s = 0; s < form.fields.size(); ++s) {
+      if (s > 0) Copy(form.fields[s - 1].tagEnd, form.fields[s].tagStart);
+      slot_ = static_cast<int>(s);
+      WriteSlot(form, form.fields[s]);
+    }
+    if (!form.fields.empty()) Copy(form.fields.back().tagEnd, form.end);
+    out_ += "</form>";
+    if (f + 1 == static_cast<int>(scan_.forms.size()) && !scan_.tablePrefix.empty()) out_ += "</table>";
+  }
+
+  void WriteSlot(HtmlForm& form, FormField& field) {
+    switch (field.kind) {
+      case kFieldForm: return WriteFormTag(form);
+      case kFieldSubmit: return WriteSubmit(form, field);
+      case kFieldRadio: return WriteRadio(field);
+      case kFieldCheckbox: return WriteCheckbox(field);
+      case kFieldText: return WriteText(field);
+      case kFieldTextarea: return WriteTextarea(field);
+      case kFieldSelect: return WriteSelect(field);
+      default: TellUser(kProgramMistakeText);  // the slot is left out
+    }
+  }
+
+  void WriteFormTag(const HtmlForm& form) {
+    if (form_ == 0 && !scan_.tablePrefix.empty()) {
+      out_.append("\n<table ").append(scan_.tablePrefix).append("\n<form ");
+    } else {
+      out_ += "<form ";
+    }
+    Attribute("name", form.name);
+    std::string action = TextOf(form.action);
+    // The same rule as the parser's, for an action that starts "http" and is
+    // still no address; the leading "/" makes AbsoluteAction treat it so.
+    if (!StartsWithScheme(action)) action = AbsoluteAction("/" + action, session_.host);
+    out_.append("action=\"").append(action).append("\" ");
+    out_.append("method=").append(TextOf(form.method)).append(" ");
+    Attribute("enctype", form.enctype);
+    Attribute("target", form.target);
+    out_ += ">\n";
+    if (collect_) session_.requestText = StartPostRequest(action);
+  }
+
+  void WriteSubmit(const HtmlForm& form, const FormField& field) {
+    out_ += "<input type=\"submit\" ";
+    Attribute("name", field.name);
+    Attribute("onSubmit", form.onSubmit);
+    Attribute("value", field.value);
+    out_ += ">\n";
+    Collect(TextOf(field.name), TextOf(field.value), PairRule::kKeepsFirst);
+  }
+
+  void WriteRadio(FormField& field) {
+    const std::uint32_t key = FindKeyBySearchName(keys_, field.name);
+    const bool checked =
+        field.forcedChecked || (key != kNoMatch && SelectionContains(field.value, KeyText(key, kSelection)));
+    WriteButton("<input type=\"radio\" ", field, checked);
+  }
+
+  // A check box is matched against the Description. The match stands only while
+  // prompts are suppressed; otherwise the options decide, and the prompt's
+  // answer is the box's state.
+  void WriteCheckbox(FormField& field) {
+    const std::uint32_t key = FindKeyBySearchName(keys_, field.name);
+    bool checked = key != kNoMatch && SelectionContains(field.value, KeyText(key, kDescription));
+    if (!session_.promptsSuppressed) {
+      checked = false;
+      if (PromptsCheckboxes(session_.options, session_.promptAll) && field.name && session_.MayPrompt()) {
+        checked = session_.Ask(scan_, Request(kPromptCheckbox, key)).result == 1;
+      }
+    }
+    WriteButton("<input type=\"checkbox\" ", field, checked);
+  }
+
+  void WriteButton(std::string_view start, const FormField& field, bool checked) {
+    out_ += start;
+    if (checked) out_ += "checked ";
+    Attribute("class", field.className);
+    Attribute("name", field.name);
+    Attribute("value", field.value);
+    out_ += ">\n";
+    if (checked) Collect(TextOf(field.name), TextOf(field.value), PairRule::kReplaces);
+  }
+
+  // Text fields are written up to their name before they are matched, so the
+  // name keeps its case. Returns the name.
+  std::string WriteUpToName(std::string_view start, const FormField& field) {
+    out_ += start;
+    Numbers(field);
+    Attribute("class", field.className);
+    std::string name = TextOf(field.name);
+    Attribute("name", name);
+    return name;
+  }
+
+  void WriteText(FormField& field) {
+    const std::string name = WriteUpToName("<input type=\"text\" ", field);
+    const std::string value = FilledText(field, kPromptText);
+    if (!name.empty()) out_.append("value=\"").append(value).append("\" ");
+    out_ += ">\n";
+    Collect(name, value, PairRule::kReplaces);
+  }
+
+  void WriteTextarea(FormField& field) {
+    const std::string name = WriteUpToName("<textarea ", field);
+    const std::string content = FilledText(field, kPromptTextarea);
+    out_.append(">").append(content).append("</textarea>\n");
+    Collect(name, content, PairRule::kReplaces);
+  }
+
+  // The page's own value unless the current key has a Description and a key or
+  // the prompt answers the field. A key picked in the prompt gives its
+  // Description as it stands; a matched key's loses its CRs.
+  std::string FilledText(FormField& field, PromptKind kind) {
+    std::string own = TextOf(field.value);
+    if (!field.name || !session_.CurrentKeyHasDescription()) return own;
+    const std::uint32_t key = FindKeyBySearchName(keys_, field.name);
+    if (session_.MayPrompt() && PromptsTextField(session_.options, kind, session_.promptAll, key != kNoMatch)) {
+      const PromptAnswer answer = session_.Ask(scan_, Request(kind, key));
+      if (answer.result == 1 && KeyInTable(keys_, answer.key)) return KeyText(answer.key, kDescription);
+    }
+    if (key != kNoMatch) return WithoutCarriageReturns(KeyText(key, kDescription));
+    return own;
+  }
+
+  // At most one option is selected, also in a multiple list: the one picked in
+  // the prompt, else the first whose text the key's Selection lists. The page's
+  // own `selected` marks are dropped.
+  void WriteSelect(FormField& field) {
+    std::vector<SelectOption> beyondLimit;  // the page had more selects than are kept
+    std::vector<SelectOption>& options =
+        field.selectIndex >= 0 && field.selectIndex < static_cast<int>(scan_.selects.size())
+            ? scan_.selects[field.selectIndex]
+            : beyondLimit;
+    const std::uint32_t matched = FindKeyBySearchName(keys_, field.name);
+    std::uint32_t key = matched;
+    int selected = -1;
+    const auto optionListed = [&] { return FirstListedOption(options, matched) >= 0; };
+    if (field.name && session_.MayPrompt() &&
+        PromptsSelect(session_.options, session_.promptAll, matched != kNoMatch, optionListed)) {
+      PromptRequest request = Request(kPromptSelect, matched);
+      request.selectIndex = field.selectIndex;
+      const PromptAnswer answer = session_.Ask(scan_, request);
+      if (answer.result == 1) {
+        if (answer.valueIndex >= 0 && answer.valueIndex < static_cast<int>(options.size())) {
+          selected = answer.valueIndex;
+        }
+        if (KeyInTable(keys_, answer.key)) key = answer.key;
+      }
+    }
+    if (selected < 0) selected = FirstListedOption(options, key);
+
+    out_ += "<select ";
+    if (field.multiple) out_ += "multiple ";
+    Attribute("name", field.name);
+    Number("size", field.size);
+    out_ += ">\n";
+    std::string selectedValue;
+    for (std::size_t i = 0; i < options.size(); ++i) {
+      const bool isSelected = static_cast<int>(i) == selected;
+      const std::string tag = TextOf(options[i].tag);
+      const std::string text = TextOf(options[i].text);
+      if (tag.empty()) {
+        out_ += isSelected ? "<option selected>" : "<option>";
+        if (isSelected) selectedValue = text;
+      } else {
+        const std::string rebuilt = RebuildOptionTag(tag);
+        out_.append("<").append(rebuilt).append(isSelected ? "selected>" : ">");
+        if (isSelected) selectedValue = OptionPairValue(rebuilt, text);
+      }
+      out_.append(text).append("</option>\n");
+    }
+    out_ += "</select>\n";
+    if (selected >= 0) Collect(TextOf(field.name), selectedValue, PairRule::kKeepsFirst);
+  }
+
+  int FirstListedOption(std::vector<SelectOption>& options, std::uint32_t key) {
+    if (key == kNoMatch) return -1;
+    const TextLock selection(KeyFieldBlock(keys_, static_cast<int>(key), kSelection));
+    for (std::size_t i = 0; i < options.size(); ++i) {
+      if (SelectionContains(options[i].text, selection.text())) return static_cast<int>(i);
+    }
+    return -1;
+  }
+
+  PromptRequest Request(PromptKind kind, std::uint32_t matchedKey) const {
+    PromptRequest request;
+    request.kind = kind;
+    request.form = form_;
+    request.slot = slot_;
+    request.matchedKey = matchedKey;
+    return request;
+  }
+
+  std::string KeyText(std::uint32_t key, KeyField field) const {
+    return KeyFieldText(keys_, static_cast<int>(key), field);
+  }
+
+  void Collect(const std::string& name, const std::string& value, PairRule rule) {
+    if (collect_ && !name.empty()) AddRequestPair(session_.requestText, name, value, rule);
+  }
+
+  void Attribute(std::string_view name, TextBlock value) { Attribute(name, TextOf(value)); }
+  void Attribute(std::string_view name, const std::string& value) {
+    if (!value.empty()) out_.append(name).append("=\"").append(value).append("\" ");
+  }
+
+  void Number(std::string_view name, std::int32_t value) {
+    if (value > 0) out_.append(name).append("=\"").append(std::to_string(value)).append("\" ");
+  }
+
+  void Numbers(const FormField& field) {
+    Number("size", field.size);
+    Number("rows", field.rows);
+    Number("cols", field.cols);
+    Number("maxlenght", field.maxlength);  // spelled so in every filled page
+  }
+
+  void Copy(ScanPosition from, ScanPosition to) {
+    if (to > page_.size()) to = page_.size();
+    if (from < to) out_.append(page_.substr(from, to - from));
+  }
+
+  FormScan& scan_;
+  ScanSession& session_;
+  KeyTable& keys_;
+  const std::string_view page_;
+  std::string out_;
+  int form_ = 0;
+  int slot_ = 0;
+  bool collect_ = false;
+};
+
+}  // namespace
+
+std::string RebuildOptionTag(std::string_view tag) {
+  std::string rebuilt;
+  std::size_t pos = 0;
+  while (pos < tag.size() && tag[pos] != '>') {
+    while (pos < tag.size() && (tag[pos] == ' ' || tag[pos] == '\r' || tag[pos] == '\n')) ++pos;
+    const std::size_t start = pos;
+    while (pos < tag.size() && tag[pos] != ' ' && tag[pos] != '>' && pos - start < kMaxOptionWordBytes) ++pos;
+    const std::string_view word = tag.substr(start, pos - start);
+    if (!word.empty() && !EqualsNoCase(word, "selected")) rebuilt.append(word).append(" ");
+  }
+  return rebuilt;
+}
+
+std::string FilledPage(FormScan& scan, ScanSession& session) { return PageWriter(scan, session).Run(); }
+
+bool WriteFilledPage(const std::string& path, FormScan& scan, ScanSession& session) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (!file) {
+    TellUser(kCantCreatePageText);
+    return false;
+  }
+  const std::string page = FilledPage(scan, session);
+  const bool written = std::fwrite(page.data(), 1, page.size(), file) == page.size();
+  if (std::fclose(file) != 0 || !written) {
+    TellUser(std::string(kCantWritePageText) + path);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace qb
