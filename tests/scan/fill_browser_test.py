@@ -1,0 +1,213 @@
+#!/usr/bin/env python3
+"""A filled real page, submitted by a real browser.
+
+Fills a page of the real-world corpus with fillpage (whose address puts its form
+action on a loopback server), opens the filled page from disk in headless
+Chromium, submits its form there and checks what the server received: the keys'
+values under the names the filled page gives them. Everything it starts is
+bounded in time and stopped before it exits.
+"""
+import argparse
+import fcntl
+import http.server
+import json
+import os
+import select
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import urllib.parse
+
+DEADLINE_SECONDS = 90
+
+# name -> value the server must receive. Text fields keep their names; radio,
+# select and check box names reach the page in capitals, and so do the values
+# the keys were compared with.
+EXPECTED = {
+    "register_basic[contactAddress][firstname]": "Jane",
+    "register_basic[contactAddress][lastname]": "Doe",
+    "register_basic[contactAddress][company]": "Acme Research",
+    "register_basic[contactAddress][position]": "Chief tester",
+    "REGISTER_BASIC[USAGE]": "SCIENTIFIC",
+    "REGISTER_BASIC[CONTACTADDRESS][IDGENDER]": "1",       # Female
+    "REGISTER_BASIC[USERBRANCH]": "79",                    # Consulting
+    "register_basic[_token]": "Uin3aNOULLqHyDiZ-737ZuLnTqOznXMB1sm3YKLiNnA",  # copied markup
+}
+# A default scan (every option Never) leaves check boxes unchecked.
+ABSENT = ["REGISTER_BASIC[ACCEPT]", "REGISTER_BASIC[CONTACTSTATUS]"]
+
+
+class Receiver(http.server.BaseHTTPRequestHandler):
+    posts = []
+    arrived = threading.Event()
+
+    def do_POST(self):
+        length = int(self.headers.get("Content-Length", "0"))
+        body = self.rfile.read(length)
+        Receiver.posts.append((self.path, self.headers.get("Content-Type", ""), body))
+        self.send_response(200)
+        self.send_header("Content-Type", "text/html")
+        self.end_headers()
+        self.wfile.write(b"<html><body>received</body></html>")
+        Receiver.arrived.set()
+
+    def do_GET(self):
+        self.send_error(404)
+
+    def log_message(self, *args):
+        pass
+
+
+class DevTools:
+    """The browser's DevTools protocol over its pipe: JSON messages ended by NUL."""
+
+    def __init__(self, write_fd, read_fd, deadline):
+        self.write_fd, self.read_fd, self.deadline = write_fd, read_fd, deadline
+        self.pending = b""
+        self.events = []
+        self.last_id = 0
+
+    def _receive(self):
+        while b"\0" not in self.pending:
+            left = self.deadline - time.monotonic()
+            if left <= 0 or not select.select([self.read_fd], [], [], left)[0]:
+                raise TimeoutError("the browser did not answer in time")
+            chunk = os.read(self.read_fd, 65536)
+            if not chunk:
+                raise EOFError("the browser closed its pipe")
+            self.pending += chunk
+        message, self.pending = self.pending.split(b"\0", 1)
+        return json.loads(message)
+
+    def call(self, method, params=None, session=None):
+        self.last_id += 1
+        message = {"id": self.last_id, "method": method, "params": params or {}}
+        if session:
+            message["sessionId"] = session
+        os.write(self.write_fd, json.dumps(message).encode() + b"\0")
+        while True:
+            reply = self._receive()
+            if reply.get("id") == self.last_id:
+                if "error" in reply:
+                    raise RuntimeError(f"{method}: {reply['error']}")
+                return reply.get("result", {})
+            self.events.append(reply)
+
+    def wait_for(self, method, session):
+        while True:
+            for i, event in enumerate(self.events):
+                if event.get("method") == method and event.get("sessionId") == session:
+                    return self.events.pop(i)
+            self.events.append(self._receive())
+
+
+def run(command, **kwargs):
+    print("+", " ".join(command))
+    return subprocess.run(command, check=True, timeout=60, **kwargs)
+
+
+def high_descriptor(fd):
+    high = fcntl.fcntl(fd, fcntl.F_DUPFD_CLOEXEC, 10)
+    os.close(fd)
+    return high
+
+
+def submit_in_browser(filled_page, profile, deadline):
+    """Loads the filled page from disk and submits its form; returns the browser's log."""
+    to_browser_r, to_browser_w = os.pipe()
+    from_browser_r, from_browser_w = os.pipe()
+    # Above 4, so that placing them on 3 and 4 below cannot close one of them.
+    to_browser_r, from_browser_w = (high_descriptor(fd) for fd in (to_browser_r, from_browser_w))
+    log = open(os.path.join(profile, "browser.log"), "wb")
+    flags = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+             "--disable-background-networking", "--disable-component-update", "--disable-sync",
+             "--remote-debugging-pipe", f"--user-data-dir={profile}", "about:blank"]
+    # The browser reads commands on descriptor 3 and writes replies on 4.
+    browser = subprocess.Popen(
+        ["bash", "-c", f'exec "$0" "$@" 3<&{to_browser_r} 4>&{from_browser_w} {to_browser_r}<&- {from_browser_w}>&-',
+         shutil.which("chromium")] + flags,
+        pass_fds=(to_browser_r, from_browser_w), stdout=log, stderr=log)
+    os.close(to_browser_r)
+    os.close(from_browser_w)
+    try:
+        tools = DevTools(to_browser_w, from_browser_r, deadline)
+        target = tools.call("Target.createTarget", {"url": "about:blank"})["targetId"]
+        session = tools.call("Target.attachToTarget", {"targetId": target, "flatten": True})["sessionId"]
+        tools.call("Page.enable", session=session)
+        tools.call("Page.navigate", {"url": "file://" + filled_page}, session)
+        tools.wait_for("Page.loadEventFired", session)
+        # submit() as a script would: the page's own inputs that no key fills
+        # (password, e-mail) are marked required, and nobody types into them here.
+        result = tools.call("Runtime.evaluate", {
+            "expression": "(() => { const f = document.forms[0];"
+                          " HTMLFormElement.prototype.submit.call(f); return f.action; })()",
+            "returnByValue": True}, session)
+        print("submitted to", result["result"].get("value"))
+        if not Receiver.arrived.wait(max(0.0, deadline - time.monotonic())):
+            raise TimeoutError("the server received no form")
+        try:
+            tools.call("Browser.close")
+        except (EOFError, TimeoutError, RuntimeError):
+            pass
+    finally:
+        try:
+            browser.wait(timeout=10)
+        except subprocess.TimeoutExpired:
+            browser.kill()
+            browser.wait()
+        os.close(to_browser_w)
+        os.close(from_browser_r)
+        log.close()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--fillpage", required=True)
+    parser.add_argument("--makekeydb", required=True)
+    parser.add_argument("--emulator", default="", help="runs the Windows programs")
+    parser.add_argument("--page", required=True)
+    parser.add_argument("--keys", required=True, help="readable key list for the page")
+    args = parser.parse_args()
+    if not shutil.which("chromium"):
+        sys.exit("chromium is not installed (scripts/setup.sh installs it)")
+    deadline = time.monotonic() + DEADLINE_SECONDS
+    emulator = [args.emulator] if args.emulator else []
+
+    server = http.server.HTTPServer(("127.0.0.1", 0), Receiver)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    work = tempfile.mkdtemp(prefix="fill_browser_")
+    try:
+        keys = os.path.join(work, "keys.dat")
+        filled = os.path.join(work, "filled.htm")
+        run(emulator + [args.makekeydb, args.keys, keys], stdout=subprocess.DEVNULL)
+        address = f"127.0.0.1:{server.server_address[1]}/register/"
+        run(emulator + [args.fillpage, args.page, address, keys, filled, "--current-key", "0"])
+        profile = os.path.join(work, "profile")
+        os.mkdir(profile)
+        submit_in_browser(filled, profile, deadline)
+    finally:
+        server.shutdown()
+        server.server_close()
+        shutil.rmtree(work, ignore_errors=True)
+
+    path, content_type, body = Receiver.posts[0]
+    print("received", path, content_type)
+    print(body.decode("latin-1"))
+    pairs = urllib.parse.parse_qs(body.decode("ascii"), keep_blank_values=True, encoding="latin-1")
+    failures = []
+    if path != "/register/":
+        failures.append(f"posted to {path}")
+    for name, value in EXPECTED.items():
+        if pairs.get(name) != [value]:
+            failures.append(f"{name}: expected [{value!r}], got {pairs.get(name)}")
+    failures += [f"{name} was sent" for name in ABSENT if name in pairs]
+    for failure in failures:
+        print("FAIL:", failure)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
