@@ -27,25 +27,6 @@ std::string_view TrimSpaces(std::string_view text) {
   return TrimTrailingSpaces(text);
 }
 
-// Calls `visit` with each Search Name until it returns true. An entry runs to
-// the next comma, CR or LF; leading gaps are skipped and trailing spaces trimmed,
-// so inner spaces stay ("first name" is one entry).
-template <typename Visit>
-bool AnySearchName(std::string_view text, Visit visit) {
-  std::size_t pos = 0;
-  while (pos < text.size()) {
-    while (pos < text.size() && IsEntryGap(text[pos])) ++pos;
-    const std::size_t start = pos;
-    while (pos < text.size() && text[pos] != ',' && text[pos] != '\r' && text[pos] != '\n' &&
-           pos - start < kMaxSearchEntryBytes) {
-      ++pos;
-    }
-    const std::string_view entry = TrimTrailingSpaces(text.substr(start, pos - start));
-    if (!entry.empty() && visit(entry)) return true;
-  }
-  return false;
-}
-
 // The same for Selection lines: only a line end ends an entry (a comma does not),
 // and CRs are left out of it.
 template <typename Visit>
@@ -152,6 +133,36 @@ bool ReplaceKeyTexts(KeyTable& keys, std::uint32_t key,
 }
 
 }  // namespace
+
+std::string FoldCaseForCompare(std::string_view text) {
+  std::string folded(text);
+  for (char& c : folded) {
+    const auto byte = static_cast<unsigned char>(c);
+    // A-Z, and the capitals of the Windows single-byte code pages (0xD7 is x).
+    if ((byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7)) {
+      c = static_cast<char>(byte + 0x20);
+    }
+  }
+  return folded;
+}
+
+void SearchNameIndex::Build(const KeyTable& keys) {
+  first_.clear();
+  const int count = KeysInUse(keys);
+  for (int i = 0; i < count; ++i) {
+    const TextLock names(keys.fields[kSearchNames][i]);
+    AnySearchName(names.text(), [&](std::string_view entry) {
+      first_.emplace(FoldCaseForCompare(entry), static_cast<std::uint32_t>(i));  // an earlier key stays
+      return false;
+    });
+  }
+}
+
+std::uint32_t SearchNameIndex::Find(std::string_view name) const {
+  if (name.empty()) return kNoMatch;
+  const auto it = first_.find(FoldCaseForCompare(name));
+  return it == first_.end() ? kNoMatch : it->second;
+}
 
 void UpperCaseAscii(char* text, std::size_t length) {
   for (std::size_t i = 0; i < length; ++i) {

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "app/textblock.h"
 #include "keys/key_table.h"
@@ -33,6 +34,43 @@ void UpperCaseAscii(std::string& text);
 // empty name. The name is upper-cased in place.
 std::uint32_t FindKeyBySearchName(const KeyTable& keys, TextBlock fieldName);
 std::uint32_t FindKeyBySearchName(const KeyTable& keys, std::string& fieldName);
+
+// Calls `visit` with each Search Name of `text` until it returns true. An entry
+// runs to the next comma, CR or LF (at most kMaxSearchEntryBytes); the gaps before
+// it are skipped and trailing spaces trimmed, so inner spaces stay ("first name").
+template <typename Visit>
+bool AnySearchName(std::string_view text, Visit visit) {
+  const auto gap = [](char c) { return c == ',' || c == ' ' || c == '\r' || c == '\n'; };
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    while (pos < text.size() && gap(text[pos])) ++pos;
+    const std::size_t start = pos;
+    while (pos < text.size() && text[pos] != ',' && text[pos] != '\r' && text[pos] != '\n' &&
+           pos - start < kMaxSearchEntryBytes) {
+      ++pos;
+    }
+    std::size_t end = pos;
+    while (end > start && text[end - 1] == ' ') --end;
+    if (end > start && visit(text.substr(start, end - start))) return true;
+  }
+  return false;
+}
+
+// Every Search Name of a key table with the first key that lists it: the answer
+// of FindKeyBySearchName in one look-up instead of a walk over every key. It holds
+// the table as it was at Build; a change to the keys needs another Build.
+class SearchNameIndex {
+ public:
+  void Build(const KeyTable& keys);
+  std::uint32_t Find(std::string_view name) const;  // kNoMatch for none and for ""
+
+ private:
+  std::unordered_map<std::string, std::uint32_t> first_;
+};
+
+// `text` with the letter-case fold of CompareNoCase: two texts compare equal
+// exactly when their folds are the same bytes.
+std::string FoldCaseForCompare(std::string_view text);
 
 // Whether a line of `selection` equals `text`. `text` is upper-cased in place.
 bool SelectionContains(TextBlock text, std::string_view selection);

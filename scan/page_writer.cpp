@@ -132,7 +132,7 @@ class PageWriter {
   }
 
   void WriteRadio(FormField& field) {
-    const std::uint32_t key = FindKeyBySearchName(keys_, field.name);
+    const std::uint32_t key = session_.FindKey(field.name);
     const bool checked =
         field.forcedChecked || (key != kNoMatch && SelectionContains(field.value, KeyText(key, kSelection)));
     WriteButton("<input type=\"radio\" ", field, checked);
@@ -142,7 +142,7 @@ class PageWriter {
   // prompts are suppressed; otherwise the options decide, and the prompt's
   // answer is the box's state.
   void WriteCheckbox(FormField& field) {
-    const std::uint32_t key = FindKeyBySearchName(keys_, field.name);
+    const std::uint32_t key = session_.FindKey(field.name);
     bool checked = key != kNoMatch && SelectionContains(field.value, KeyText(key, kDescription));
     if (!session_.promptsSuppressed) {
       checked = false;
@@ -195,7 +195,7 @@ class PageWriter {
   std::string FilledText(FormField& field, PromptKind kind) {
     std::string own = TextOf(field.value);
     if (!field.name || !session_.CurrentKeyHasDescription()) return own;
-    const std::uint32_t key = FindKeyBySearchName(keys_, field.name);
+    const std::uint32_t key = session_.FindKey(field.name);
     if (session_.MayPrompt() && PromptsTextField(session_.options, kind, session_.promptAll, key != kNoMatch)) {
       const PromptAnswer answer = session_.Ask(scan_, Request(kind, key));
       if (answer.result == 1 && KeyInTable(keys_, answer.key)) return KeyText(answer.key, kDescription);
@@ -213,7 +213,7 @@ class PageWriter {
         field.selectIndex >= 0 && field.selectIndex < static_cast<int>(scan_.selects.size())
             ? scan_.selects[field.selectIndex]
             : beyondLimit;
-    const std::uint32_t matched = FindKeyBySearchName(keys_, field.name);
+    const std::uint32_t matched = session_.FindKey(field.name);
     std::uint32_t key = matched;
     int selected = -1;
     const auto optionListed = [&] { return FirstListedOption(options, matched) >= 0; };

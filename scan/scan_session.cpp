@@ -25,7 +25,19 @@ bool ScanSession::CurrentKeyHasDescription() const {
          !LockKeyField(keys, currentKey, kDescription).text().empty();
 }
 
+std::uint32_t ScanSession::FindKey(TextBlock fieldName) {
+  TextLock name(fieldName);
+  const std::string_view text = name.text();
+  if (name.locked()) UpperCaseAscii(name.data(), text.size());
+  if (!searchNamesCurrent_) {
+    searchNames_.Build(keys);
+    searchNamesCurrent_ = true;
+  }
+  return searchNames_.Find(text);
+}
+
 PromptAnswer ScanSession::Ask(const FormScan& scan, const PromptRequest& request) {
+  searchNamesCurrent_ = false;
   const PromptAnswer answer = prompt->Ask(scan, request);
   if (answer.cancelAll) promptsSuppressed = true;
   if (answer.result == 1 && answer.key < static_cast<std::uint32_t>(KeysInUse(keys))) {
@@ -49,7 +61,7 @@ void CheckRadioGroups(FormScan& scan, ScanSession& session) {
              EqualsNoCase(TextOf(fields[last + 1].name), name)) {
         values.push_back(TextOf(fields[++last].value));
       }
-      const std::uint32_t key = FindKeyBySearchName(session.keys, fields[s].name);
+      const std::uint32_t key = session.FindKey(fields[s].name);
       if (key != kNoMatch &&
           AnyValueListed(values, LockKeyField(session.keys, static_cast<int>(key), kSelection).text())) {
         continue;

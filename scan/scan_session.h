@@ -11,7 +11,8 @@
 
 namespace qb {
 
-struct ScanSession {
+class ScanSession {
+ public:
   ScanSession(KeyTable& keyTable, const ScanOptions& scanOptions, bool askEveryField, bool postDirectly)
       : keys(keyTable), options(scanOptions), promptAll(askEveryField), directPost(postDirectly),
         promptsSuppressed(postDirectly) {}
@@ -28,11 +29,19 @@ struct ScanSession {
   bool promptsSuppressed;  // direct post, or "Cancel All" was chosen
   std::string requestText;  // "POST " + action + "?" + pairs (direct post only)
 
+  // FindKeyBySearchName, the name upper-cased in place as there, answered from
+  // an index of the keys: built at the first look-up and again after a prompt,
+  // the only thing that changes the keys during a scan.
+  std::uint32_t FindKey(TextBlock fieldName);
   bool MayPrompt() const { return prompt != nullptr && !promptsSuppressed; }
   bool CurrentKeyHasDescription() const;
   // Asks the prompt; "Cancel All" suppresses every later prompt, and a confirmed
   // key becomes the current key.
   PromptAnswer Ask(const FormScan& scan, const PromptRequest& request);
+
+ private:
+  SearchNameIndex searchNames_;
+  bool searchNamesCurrent_ = false;
 };
 
 // For each named radio button, the run of radio buttons after it with the same

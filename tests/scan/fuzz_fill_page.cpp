@@ -44,6 +44,13 @@ void Fill(std::string_view page, bool directPost, bool prompt) {
   const std::string filled = qb::FilledPage(scan, session);
   if (filled.size() < 14 || filled.compare(filled.size() - 14, 14, "</body></html>") != 0) std::abort();
   if (session.requestText.size() > qb::kRequestTextMax) std::abort();
+  // The scan's index answers as the walk over every key does.
+  for (qb::HtmlForm& form : scan.forms) {
+    for (qb::FormField& field : form.fields) {
+      std::string name = qb::TextOf(field.name);
+      if (qb::FindKeyBySearchName(qb::Keys(), name) != session.FindKey(field.name)) std::abort();
+    }
+  }
   if (directPost && !scan.forms.empty() && session.requestText.rfind("POST ", 0) != 0) std::abort();
 }
 

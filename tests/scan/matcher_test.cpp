@@ -40,12 +40,28 @@ TEST(FindKeyBySearchName, SplitsSearchNamesAtCommasAndLineEnds) {
   for (const Case& c : cases) {
     OwnedTable keys({SearchKey(c.searchNames)});
     std::string name = c.fieldName;
-    EXPECT_EQ(FindKeyBySearchName(*keys, name) == 0, c.matches) << c.searchNames << " / " << c.fieldName;
+    const std::uint32_t found = FindKeyBySearchName(*keys, name);
+    EXPECT_EQ(found == 0, c.matches) << c.searchNames << " / " << c.fieldName;
+    SearchNameIndex index;
+    index.Build(*keys);
+    EXPECT_EQ(index.Find(name), found) << c.searchNames << " / " << c.fieldName;
+  }
+}
+
+TEST(SearchNameIndex, FoldsCaseAsCompareNoCaseDoes) {
+  for (int a = 0; a < 256; ++a) {
+    for (int b = 0; b < 256; ++b) {
+      const std::string x(1, static_cast<char>(a)), y(1, static_cast<char>(b));
+      ASSERT_EQ(CompareNoCase(x, y) == 0, FoldCaseForCompare(x) == FoldCaseForCompare(y)) << a << " " << b;
+    }
   }
 }
 
 TEST(FindKeyBySearchName, LowestIndexWinsAndTheNameIsUpperCasedInPlace) {
   OwnedTable keys({SearchKey("city"), SearchKey("phone, zip"), SearchKey("zip")});
+  SearchNameIndex index;
+  index.Build(*keys);
+  EXPECT_EQ(index.Find("ZIP"), 1u);
   const TextBlock name = MakeTextBlock("zip");
   EXPECT_EQ(FindKeyBySearchName(*keys, name), 1u);
   EXPECT_EQ(TextOf(name), "ZIP");

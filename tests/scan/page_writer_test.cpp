@@ -306,6 +306,32 @@ TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
             "<textarea name=\"t\" ></textarea>\n</form>");
 }
 
+// Teaches key 1 the field's name, as the dialog does when its box is ticked.
+class LearningPrompt : public NoMatchPrompt {
+ public:
+  explicit LearningPrompt(KeyTable& keys) : keys_(keys) {}
+  PromptAnswer Ask(const FormScan& scan, const PromptRequest& request) override {
+    ++asked;
+    LearnSearchName(keys_, TextOf(scan.forms[request.form].fields[request.slot].name), 1, "", false);
+    return Ok(1);
+  }
+  int asked = 0;
+
+ private:
+  KeyTable& keys_;
+};
+
+TEST_F(PageWriter, ANameLearnedInAPromptMatchesTheNextField) {
+  keys_.Fill({{"Me", "me", "", "Current"}, {"Town", "town", "", "Springfield"}});
+  session_.options.askForSelect[kPromptText] = kAskUnMatched;
+  LearningPrompt learning(*keys_);
+  session_.prompt = &learning;
+  const std::string forms = Forms("<form action=/a method=post><input name=city><input name=City></form>");
+  EXPECT_EQ(learning.asked, 1);
+  EXPECT_NE(forms.find("name=\"City\" value=\"Springfield\""), std::string::npos);
+  EXPECT_EQ(KeyFieldText(*keys_, 1, kSearchNames), "town,CITY");
+}
+
 TEST_F(PageWriter, PromptedSelectsAndRadioGroupsTakeTheChosenValue) {
   Ask(kAskUnMatched, kAskNever, kAskUnMatched, kAskNever);
   prompt_ = ScriptedPrompt({Ok(kNoMatch, 1), {}, {}, Ok(5, 2)});
