@@ -23,11 +23,23 @@ start() {
   if alive "$qb_session/xvfb.pid" && [ -f "$qb_session/display" ]; then
     export DISPLAY=":$(cat "$qb_session/display")"
   else
-    local n=90
-    while [ -e "/tmp/.X$n-lock" ] || [ -e "/tmp/.X11-unix/X$n" ]; do n=$((n + 1)); done
-    Xvfb ":$n" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 </dev/null &
-    echo $! >"$qb_session/xvfb.pid"
-    for _ in $(seq 200); do [ -e "/tmp/.X11-unix/X$n" ] && break; sleep 0.05; done
+    # The first display number whose server comes up (another Xvfb may hold a
+    # number without a lock file this tree can see).
+    local n=90 pid
+    while :; do
+      while [ -e "/tmp/.X$n-lock" ] || [ -e "/tmp/.X11-unix/X$n" ]; do n=$((n + 1)); done
+      Xvfb ":$n" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 </dev/null &
+      pid=$!
+      for _ in $(seq 200); do
+        { [ -e "/tmp/.X11-unix/X$n" ] || ! kill -0 "$pid" 2>/dev/null; } && break
+        sleep 0.05
+      done
+      if kill -0 "$pid" 2>/dev/null && [ -e "/tmp/.X11-unix/X$n" ]; then break; fi
+      kill "$pid" 2>/dev/null || true
+      n=$((n + 1))
+      [ "$n" -lt 400 ] || { echo "wine-session: no display number free" >&2; exit 1; }
+    done
+    echo "$pid" >"$qb_session/xvfb.pid"
     echo "$n" >"$qb_session/display"
     export DISPLAY=":$n"
   fi
