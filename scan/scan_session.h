@@ -1,6 +1,7 @@
 // What one scan carries from its start to its filled page: the keys it matches
 // against, its options and mode, the prompt (if any), the current key and, in
-// direct-post mode, the request text.
+// direct-post mode, the request text. One session serves one scan; while it runs
+// the keys change only through its prompt.
 #pragma once
 
 #include <string>

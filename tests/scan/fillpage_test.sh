@@ -49,11 +49,9 @@ expect_failure() {  # status message-part args...
   grep -q -- "$part" "$work/stderr" || { echo "FAIL: fillpage $*: no \"$part\" in: $(cat "$work/stderr")"; failed=1; }
 }
 expect_failure 1 "key database" "$pages/order_form.htm" h/p "$work/missing.dat" "$work/out.htm"
-expect_failure 1 "key database" "$pages/order_form.htm" h/p "$pages/order_form.htm" "$work/out.htm"
 expect_failure 1 "can't read the page" "$work/missing.htm" h/p "$work/order.dat" "$work/out.htm"
 expect_failure 1 "no form that can be filled" "$pages/get_only.htm" h/p "$work/order.dat" "$work/out.htm"
 expect_failure 1 "Can't open file for reading" "$pages/order_form.htm" h/p "$work/order.dat" "$work/no/out.htm"
-expect_failure 2 "usage" "$pages/order_form.htm" h/p "$work/order.dat"
 expect_failure 2 "usage" "$pages/order_form.htm" h/p "$work/order.dat" "$work/out.htm" --current-key x
 
 [ $failed -eq 0 ] && echo "fillpage: all checks passed"

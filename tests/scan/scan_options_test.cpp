@@ -72,29 +72,5 @@ TEST(ScanOptions, RadioGroupsAndCheckBoxesAreLeftAloneOnlyWithNever) {
   }
 }
 
-TEST(ScanOptions, EachKindReadsItsOwnValues) {
-  AppSettings settings;
-  settings.askForSelect = {kAskAllways, kAskNever, kAskUnMatched, 9, kAskNever};
-  settings.addKeys = {0, 1, 0, 5, 0};
-  const ScanOptions options = ScanOptionsOf(settings);
-  EXPECT_EQ(AskFor(options, kPromptRadio), kAskAllways);
-  EXPECT_EQ(AskFor(options, kPromptCheckbox), kAskNever);
-  EXPECT_EQ(AskFor(options, kPromptText), kAskUnMatched);
-  EXPECT_FALSE(AddKeysFor(options, kPromptRadio));
-  EXPECT_TRUE(AddKeysFor(options, kPromptCheckbox));
-  EXPECT_TRUE(AddKeysFor(options, kPromptText));
-  EXPECT_TRUE(PromptsTextField(options, kPromptText, false, false));
-  EXPECT_FALSE(PromptsTextField(options, kPromptTextarea, false, false));
-
-  // Stored at their offsets of the settings file, the five ask values first.
-  AppSettings stored;
-  StoreScanOptions(options, stored);
-  const std::vector<std::uint8_t> bytes = SerializeSettings(stored);
-  EXPECT_EQ(bytes.at(2848), kAskAllways);
-  EXPECT_EQ(bytes.at(2848 + 4 * kPromptText), 9);
-  EXPECT_EQ(bytes.at(2868 + 4 * kPromptCheckbox), 1);
-  EXPECT_EQ(bytes.at(2868 + 4 * kPromptText), 5);
-}
-
 }  // namespace
 }  // namespace qb
