@@ -27,8 +27,9 @@ std::string_view TrimSpaces(std::string_view text) {
   return TrimTrailingSpaces(text);
 }
 
-// The same for Selection lines: only a line end ends an entry (a comma does not),
-// and CRs are left out of it.
+// Calls `visit` with each Selection line until it returns true. As with Search
+// Names, but only a line end ends an entry (a comma does not), and CRs are left
+// out of it.
 template <typename Visit>
 bool AnySelectionLine(std::string_view text, Visit visit) {
   std::string entry;
@@ -55,10 +56,6 @@ std::uint32_t FindUpperName(const KeyTable& keys, std::string_view name) {
     }
   }
   return kNoMatch;
-}
-
-bool KeyInTable(const KeyTable& keys, std::uint32_t key) {
-  return key < static_cast<std::uint32_t>(KeysInUse(keys));
 }
 
 // What learning appends to: the text without its trailing separators.
@@ -133,6 +130,10 @@ bool ReplaceKeyTexts(KeyTable& keys, std::uint32_t key,
 }
 
 }  // namespace
+
+bool KeyInTable(const KeyTable& keys, std::uint32_t key) {
+  return key < static_cast<std::uint32_t>(KeysInUse(keys));
+}
 
 std::string FoldCaseForCompare(std::string_view text) {
   std::string folded(text);

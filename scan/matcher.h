@@ -26,6 +26,9 @@ constexpr std::size_t kMaxSearchEntryBytes = 2048;
 // One Search Name as ForgetSearchName takes it apart, separator included.
 constexpr std::size_t kMaxForgetEntryBytes = 258;
 
+// Whether `key` is one of the table's keys (kNoMatch is not).
+bool KeyInTable(const KeyTable& keys, std::uint32_t key);
+
 // a-z to A-Z. Only ASCII: these texts go back into a page of unknown encoding.
 void UpperCaseAscii(char* text, std::size_t length);
 void UpperCaseAscii(std::string& text);

@@ -43,10 +43,6 @@ bool StartsWithScheme(std::string_view action) {
   return StartsNoCase(action, "http://") || StartsNoCase(action, "https://");
 }
 
-bool KeyInTable(const KeyTable& keys, std::uint32_t key) {
-  return key < static_cast<std::uint32_t>(KeysInUse(keys));
-}
-
 std::string OptionPairValue(std::string_view rebuiltTag, std::string_view displayText) {
   const std::size_t equals = rebuiltTag.find('=');
   return std::string(equals == std::string_view::npos ? displayText : rebuiltTag.substr(equals + 1));

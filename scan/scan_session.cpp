@@ -40,7 +40,7 @@ PromptAnswer ScanSession::Ask(const FormScan& scan, const PromptRequest& request
   searchNamesCurrent_ = false;
   const PromptAnswer answer = prompt->Ask(scan, request);
   if (answer.cancelAll) promptsSuppressed = true;
-  if (answer.result == 1 && answer.key < static_cast<std::uint32_t>(KeysInUse(keys))) {
+  if (answer.result == 1 && KeyInTable(keys, answer.key)) {
     currentKey = static_cast<int>(answer.key);
   }
   return answer;
