@@ -16,6 +16,7 @@ const MessageRow kMainMessages[] = {
 
 const CommandRow kMainCommands[] = {
     {IDM_EXIT,          OnFileCommand},
+    {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
 };
 
