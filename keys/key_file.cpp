@@ -91,10 +91,10 @@ LoadResult ParseDatabase(Source& in, KeyTable& table) {
   LoadResult result;
   std::array<std::uint8_t, 4> word;
   if (in.Read(word.data(), 4) != 4 || GetLE32(word.data()) != kDatabaseMagic) {
-    result.status = LoadStatus::kNotADatabase;
+    result.status = DatabaseLoadStatus::kNotADatabase;
     return result;
   }
-  result.status = LoadStatus::kLoaded;
+  result.status = DatabaseLoadStatus::kLoaded;
   ClearAllKeys(table);
   if (in.Read(word.data(), 4) != 4) {
     result.endedEarly = true;
@@ -214,7 +214,7 @@ LoadResult LoadDatabase(const std::string& path, KeyTable& table, SlotName* slot
   FileSource in(file.get());
   LoadResult result = ParseDatabase(in, table);
   file.reset();  // before `buffer` goes
-  if (result.status == LoadStatus::kNotADatabase) {
+  if (result.status == DatabaseLoadStatus::kNotADatabase) {
     TellUser(kNotADatabaseText);
   } else if (std::string report = DamageReport(result); !report.empty()) {
     TellUser(report, nullptr, MessageIcon::kWarning);

@@ -29,10 +29,10 @@ constexpr char kDatabaseTempSuffix[] = ".tmp";
 constexpr char kNotADatabaseText[] = "This is not a Quellbarrow database file";
 constexpr char kCantWriteText[] = "Can't write to database file";
 
-enum class LoadStatus { kLoaded, kMissing, kNotADatabase };
+enum class DatabaseLoadStatus { kLoaded, kMissing, kNotADatabase };
 
 struct LoadResult {
-  LoadStatus status = LoadStatus::kMissing;
+  DatabaseLoadStatus status = DatabaseLoadStatus::kMissing;
   std::int32_t declaredCount = 0;  // the count the file states
   int keysRead = 0;                // keys now in the table (its count)
   bool countTooLarge = false;      // above kMaxKeys: only the first kMaxKeys were read
@@ -40,7 +40,7 @@ struct LoadResult {
   bool endedEarly = false;         // the file ended inside the keys it declares
   bool lastKeyCut = false;         // ...and the last key read lacks part of its fields
 
-  bool loaded() const { return status == LoadStatus::kLoaded; }
+  bool loaded() const { return status == DatabaseLoadStatus::kLoaded; }
   bool damaged() const { return countTooLarge || countNegative || endedEarly; }
 };
 

@@ -127,18 +127,18 @@ void ScanDocument::Free() {
   length_ = 0;
 }
 
-LoadStatus LoadScanDocument(const std::string& path, ScanDocument& document) {
+DocumentLoadStatus LoadScanDocument(const std::string& path, ScanDocument& document) {
   document.Free();
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
                                                         &std::fclose);
-  if (!file) return LoadStatus::kCannotOpen;
-  if (std::fseek(file.get(), 0, SEEK_END) != 0) return LoadStatus::kCannotOpen;
+  if (!file) return DocumentLoadStatus::kCannotOpen;
+  if (std::fseek(file.get(), 0, SEEK_END) != 0) return DocumentLoadStatus::kCannotOpen;
   const long size = std::ftell(file.get());
-  if (size < 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) return LoadStatus::kCannotOpen;
-  if (!document.Allocate(static_cast<std::size_t>(size))) return LoadStatus::kOutOfMemory;
+  if (size < 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) return DocumentLoadStatus::kCannotOpen;
+  if (!document.Allocate(static_cast<std::size_t>(size))) return DocumentLoadStatus::kOutOfMemory;
   // A file that shrank while being read keeps what could be read.
   document.length_ = std::fread(document.data_, 1, document.length_, file.get());
-  return LoadStatus::kLoaded;
+  return DocumentLoadStatus::kLoaded;
 }
 
 int ReadWord(const ScanDocument& document, WordBuffer& word, ScanPosition& pos) {

@@ -27,10 +27,10 @@ using WordBuffer = std::string;
 using LabelBuffer = std::string;
 
 class ScanDocument;
-enum class LoadStatus { kLoaded, kCannotOpen, kOutOfMemory };
+enum class DocumentLoadStatus { kLoaded, kCannotOpen, kOutOfMemory };
 
 // Reads the file whole (binary) into `document`.
-LoadStatus LoadScanDocument(const std::string& path, ScanDocument& document);
+DocumentLoadStatus LoadScanDocument(const std::string& path, ScanDocument& document);
 
 // The page's bytes, held whole in one zero-filled text block of
 // length + kDocumentSpareBytes, locked for the document's lifetime.
@@ -51,7 +51,7 @@ class ScanDocument {
   char At(ScanPosition pos) const { return pos < length_ ? data_[pos] : '\0'; }
 
  private:
-  friend LoadStatus LoadScanDocument(const std::string& path, ScanDocument& document);
+  friend DocumentLoadStatus LoadScanDocument(const std::string& path, ScanDocument& document);
   bool Allocate(std::size_t length);
 
   TextBlock block_ = kNoBlock;

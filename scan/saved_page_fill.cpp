@@ -1,6 +1,7 @@
 #include "scan/saved_page_fill.h"
 
 #include "acquire/http_request.h"
+#include "keys/key_file.h"
 #include "scan/form_parser.h"
 #include "scan/page_writer.h"
 #include "scan/scan_session.h"
@@ -9,12 +10,12 @@ namespace qb {
 
 FillResult FillSavedPage(const SavedPageFill& fill, KeyTable& keys, std::string& requestText) {
   requestText.clear();
-  if (!LoadKeyDatabaseFile(fill.keys, keys)) return FillResult::kKeysUnreadable;
+  if (!LoadDatabase(fill.keys, keys).loaded()) return FillResult::kKeysUnreadable;
   FormScan scan;
   switch (LoadScanDocument(fill.page, scan.document)) {
-    case LoadStatus::kLoaded: break;
-    case LoadStatus::kCannotOpen: return FillResult::kPageUnreadable;
-    case LoadStatus::kOutOfMemory: return FillResult::kOutOfMemory;
+    case DocumentLoadStatus::kLoaded: break;
+    case DocumentLoadStatus::kCannotOpen: return FillResult::kPageUnreadable;
+    case DocumentLoadStatus::kOutOfMemory: return FillResult::kOutOfMemory;
   }
   ScanSession session(keys, fill.options, false, fill.directPost);
   session.currentKey = fill.currentKey;

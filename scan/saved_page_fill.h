@@ -33,8 +33,4 @@ enum class FillResult {
 // receives the request text; otherwise it is left empty.
 FillResult FillSavedPage(const SavedPageFill& fill, KeyTable& keys, std::string& requestText);
 
-// LoadDatabase, kept in a file of its own: key_file.h and html_scanner.h both
-// declare a LoadStatus. False when the file is missing or not a database.
-bool LoadKeyDatabaseFile(const std::string& path, KeyTable& keys);
-
 }  // namespace qb

@@ -28,11 +28,11 @@ int main(int argc, char** argv) {
 
   qb::FormScan scan;
   switch (qb::LoadScanDocument(argv[1], scan.document)) {
-    case qb::LoadStatus::kLoaded: break;
-    case qb::LoadStatus::kCannotOpen:
+    case qb::DocumentLoadStatus::kLoaded: break;
+    case qb::DocumentLoadStatus::kCannotOpen:
       std::fprintf(stderr, "formdump: can not open %s\n", argv[1]);
       return 1;
-    case qb::LoadStatus::kOutOfMemory:
+    case qb::DocumentLoadStatus::kOutOfMemory:
       std::fprintf(stderr, "formdump: not enough memory for %s\n", argv[1]);
       return 1;
   }

@@ -103,7 +103,7 @@ TEST_F(KeyFileTest, WrongMagicIsRefusedWhateverTheSize) {
   for (const Bytes& bytes : files) {
     OwnedTable table(NamedKeys({"kept"}));
     SlotName slot{'D', 'a', 't', 'a'};
-    EXPECT_EQ(Load(bytes, table, &slot).status, LoadStatus::kNotADatabase);
+    EXPECT_EQ(Load(bytes, table, &slot).status, DatabaseLoadStatus::kNotADatabase);
     EXPECT_EQ(table.Names(), std::vector<std::string>{"kept"});
     EXPECT_EQ(std::string(slot.data()), "Data");
     EXPECT_EQ(Message(), "This is not a Quellbarrow database file");
@@ -113,7 +113,7 @@ TEST_F(KeyFileTest, WrongMagicIsRefusedWhateverTheSize) {
 TEST_F(KeyFileTest, MissingFileEmptiesTheSlotNameSilently) {
   OwnedTable table;
   SlotName slot{'G', 'o', 'n', 'e'};
-  EXPECT_EQ(LoadDatabase(dir_.File("Gone.dat"), *table, &slot).status, LoadStatus::kMissing);
+  EXPECT_EQ(LoadDatabase(dir_.File("Gone.dat"), *table, &slot).status, DatabaseLoadStatus::kMissing);
   EXPECT_EQ(slot, SlotName{});
   EXPECT_EQ(Message(), "");
 }

@@ -37,7 +37,7 @@ std::vector<CorpusPage> CorpusIndex() {
 
 void ParseCorpusPage(const std::string& relative, FormScan& scan) {
   ASSERT_EQ(LoadScanDocument(std::string(QB_CORPUS_DIR) + "/" + relative, scan.document),
-            LoadStatus::kLoaded)
+            DocumentLoadStatus::kLoaded)
       << relative;
   ParseFormPage(scan, "corpus.example");
 }

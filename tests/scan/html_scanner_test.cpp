@@ -160,16 +160,16 @@ TEST(LoadScanDocument, ReadsTheWholeFileWithSpareZeroBytes) {
   const std::string page = dir.File("page.htm");
   test::WriteText(page, "<form>\r\n\x01\xff");
   ScanDocument document;
-  ASSERT_EQ(LoadScanDocument(page, document), LoadStatus::kLoaded);
+  ASSERT_EQ(LoadScanDocument(page, document), DocumentLoadStatus::kLoaded);
   EXPECT_EQ(document.bytes(), "<form>\r\n\x01\xff");
   for (std::size_t i = 0; i < kDocumentSpareBytes; ++i) {
     ASSERT_EQ(document.data()[document.length() + i], '\0');
   }
 
-  EXPECT_EQ(LoadScanDocument(dir.File("missing.htm"), document), LoadStatus::kCannotOpen);
+  EXPECT_EQ(LoadScanDocument(dir.File("missing.htm"), document), DocumentLoadStatus::kCannotOpen);
   EXPECT_EQ(document.length(), 0u);
   FailNextTextBlockAllocations(1);
-  EXPECT_EQ(LoadScanDocument(page, document), LoadStatus::kOutOfMemory);
+  EXPECT_EQ(LoadScanDocument(page, document), DocumentLoadStatus::kOutOfMemory);
 }
 
 }  // namespace
