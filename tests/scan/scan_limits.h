@@ -14,7 +14,8 @@ inline const char* BrokenLimit(const FormScan& scan) {
   if (scan.forms.size() > kMaxForms) return "too many forms";
   ScanPosition previousEnd = 0;
   for (const HtmlForm& form : scan.forms) {
-    if (!form.valid || !form.method || TextOf(form.action).rfind("http", 0) != 0) {
+    // The parser treats "http" in any letter case as already absolute.
+    if (!form.valid || !form.method || !StartsNoCase(TextOf(form.action), "http")) {
       return "a kept form without a POST method or an absolute action";
     }
     if (form.fieldCount() < 1 || form.fieldCount() > kMaxFieldSlots) return "slot count";
