@@ -24,6 +24,8 @@ void SetProgramDirectory(const std::string& dir);
 void UseMessageBoxes();
 
 bool RegisterMainClass(HINSTANCE instance);
+// Registers "ToolBar" and "DatabaseBar"; tells the user which one failed.
+bool RegisterBarClasses(HINSTANCE instance);
 // Clamps the saved rectangle, creates, shows and activates the main window.
 HWND CreateMainWindow(HINSTANCE instance, int showCommand);
 int RunMessageLoop(HACCEL accelerators);
@@ -33,15 +35,35 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
 extern const MessageMap kMainMessageMap;
 extern const CommandMap kMainCommandMap;
 
+// Orders the main window above all windows that are not topmost, or among them.
+void OrderMainWindow(HWND main, bool onTop, UINT flags = 0);
+// Sets the on-top option and orders the main window by it; with `withViews` the
+// two list views are ordered the same way.
+void SetOnTop(HWND main, bool onTop, bool withViews);
+
 // Main window message handlers.
 LRESULT OnMainCreate(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainCommand(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainSize(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainInitMenu(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainMenuSelect(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainTimer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainMouseMove(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainLButtonUp(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainRecapture(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainRButtonDown(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainClose(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainDestroy(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnSysColorChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnDisplayChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // Command handlers.
 LRESULT OnFileCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnOptionsDialogCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnBarToggleCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnViewToggleCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnToolsCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnWindowCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnHelpCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 }  // namespace qb

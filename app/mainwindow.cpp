@@ -1,18 +1,85 @@
-// The main window's own life cycle: creation, close and destruction.
+// The main window's own life cycle: creation of its whole interior, close and
+// destruction.
+#include <windows.h>
+#include <commctrl.h>
+
 #include "app/app_state.h"
 #include "app/frame.h"
+#include "app/frame_gdi.h"
+#include "app/layout.h"
+#include "bars/dock_bar.h"
+#include "bars/status_bar.h"
+#include "resources/resource.h"
 
 namespace qb {
+namespace {
 
-LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM) {
+// The two list views: report style, one selection shown always, editable labels,
+// rows drawn by the program.
+constexpr DWORD kListViewStyle = WS_CHILD | WS_BORDER | WS_VSCROLL | LVS_REPORT | LVS_SINGLESEL |
+                                 LVS_SHOWSELALWAYS | LVS_EDITLABELS | LVS_OWNERDRAWFIXED;
+static_assert(kListViewStyle == 0x40A0060D, "the views' style");
+// The tool tips' window: a bordered white rectangle on top of everything.
+constexpr DWORD kTipStyle = WS_POPUP | WS_BORDER | SS_WHITERECT;
+static_assert(kTipStyle == 0x80800006, "the tool tip window's style");
+
+constexpr char kToolBarFailed[] = "Unable to Create Tool bar window";
+constexpr char kListViewFailed[] = "Unable to Create ListView window";
+
+// A failure while the interior is built: tell the user and end the program.
+LRESULT Quit(const char* text) {
+  ShowMessage(text, nullptr, MB_OK);
+  PostQuitMessage(0);
+  return 0;
+}
+
+HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown) {
+  return CreateWindowExA(WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
+                         kListViewStyle | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
+                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
+}
+
+}  // namespace
+
+LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   AppState& app = App();
+  const auto* create = reinterpret_cast<const CREATESTRUCTA*>(lParam);
+  HINSTANCE instance = create->hInstance;
   app.mainWindow = window;
   HDC dc = GetDC(window);
   app.screenWidth = GetDeviceCaps(dc, HORZRES);
   app.screenHeight = GetDeviceCaps(dc, VERTRES);
   ReleaseDC(window, dc);
   app.windowsVersion = GetVersion();
+
+  INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
+  InitCommonControlsEx(&controls);
+  CreateFrameGdi(instance);
+  UpdateCaptionMetrics(app.windowsVersion);
+  Layout() = LayoutState{};
+
+  SetBarTipWindow(CreateWindowExA(WS_EX_TOPMOST, "static", "", kTipStyle, 0, 0, 0, 0, window,
+                                  nullptr, instance, nullptr));
+
+  InitToolBarDescriptor(Settings().toolBarSide);
+  if (!CreateBar(ToolBarDescriptor(), window, IDB_TOOLBAR, IDB_TOOLBAR_MASK))
+    return Quit(kToolBarFailed);
+  InitDatabaseBarDescriptor(Settings().databaseBarSide);
+  if (!CreateBar(DatabaseBarDescriptor(), window, IDB_DATABASEBAR, IDB_DATABASEBAR_MASK))
+    return Quit(kToolBarFailed);
+
+  CreateStatusBar(window);
+
   app.dataHtmlDir = app.programDir + kDataHtmlFolder;
+  app.linksView = CreateListView(window, instance, IDC_LINKS_VIEW, Layout().linksShown);
+  if (!app.linksView) return Quit(kListViewFailed);
+  app.keysView = CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown);
+  if (!app.keysView) return Quit(kListViewFailed);
+
+  PressDatabaseButton(1);  // slot 0 is current at start
+  RefreshDatabaseCaptions();
+
+  if (Settings().onTop == 1) OrderMainWindow(window, true);
   app.databaseDir = app.programDir + kDatabaseFolder;
   return 1;
 }
@@ -24,7 +91,16 @@ LRESULT OnMainClose(HWND window, UINT, WPARAM, LPARAM) {
 }
 
 LRESULT OnMainDestroy(HWND window, UINT, WPARAM, LPARAM) {
-  if (App().mainWindow == window) App().mainWindow = nullptr;
+  AppState& app = App();
+  if (app.mainWindow == window) {
+    DestroyBar(ToolBarDescriptor());
+    DestroyBar(DatabaseBarDescriptor());
+    SetBarTipWindow(nullptr);
+    StatusBar().window = nullptr;
+    app.keysView = app.linksView = nullptr;
+    ReleaseFrameGdi();
+    app.mainWindow = nullptr;
+  }
   PostQuitMessage(0);
   return 0;
 }

@@ -1,5 +1,6 @@
 #include "app/app_state.h"
 #include "app/frame.h"
+#include "bars/dock_bar.h"
 
 namespace qb {
 
@@ -21,6 +22,8 @@ void LoadOrSaveSettings(int flag) {
     if (main && !IsIconic(main) && GetWindowRect(main, &r))
       s.windowRect = WindowRect{r.left, r.top, r.right, r.bottom};
   }
+  s.toolBarSide = static_cast<std::uint8_t>(ToolBarDescriptor().side);
+  s.databaseBarSide = static_cast<std::uint8_t>(DatabaseBarDescriptor().side);
   if (!WriteSettingsFile(path, s)) ShowMessage("Can't save config file", nullptr, MB_OK);
 }
 

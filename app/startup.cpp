@@ -4,6 +4,7 @@
 
 #include "app/app_state.h"
 #include "app/frame.h"
+#include "bars/dock_bar.h"
 
 namespace qb {
 
@@ -43,8 +44,21 @@ bool RegisterMainClass(HINSTANCE instance) {
   return RegisterClassA(&wc) != 0;
 }
 
+bool RegisterBarClasses(HINSTANCE instance) {
+  if (!RegisterToolBarClass(instance)) {
+    ShowMessage("Could not register a tool bar window", nullptr, MB_OK);
+    return false;
+  }
+  if (!RegisterDatabaseBarClass(instance)) {
+    ShowMessage("Could not register a Database bar window", nullptr, MB_OK);
+    return false;
+  }
+  return true;
+}
+
 HWND CreateMainWindow(HINSTANCE instance, int showCommand) {
   AppState& app = App();
+  app.instance = instance;
   AppSettings& s = Settings();
   app.screenWidth = GetSystemMetrics(SM_CXFULLSCREEN);
   app.screenHeight = GetSystemMetrics(SM_CYFULLSCREEN);
@@ -85,6 +99,7 @@ int QuellbarrowMain(HINSTANCE instance, HINSTANCE previous, int showCommand) {
   SetProgramDirectory(FindProgramDirectory());
   LoadOrSaveSettings(kLoadSettings);
   if (!previous) RegisterMainClass(instance);
+  if (!RegisterBarClasses(instance)) return 0;
   if (!CreateMainWindow(instance, showCommand)) return 0;
   HACCEL accelerators = LoadAcceleratorsA(instance, kMainClassName);
   return RunMessageLoop(accelerators);

@@ -86,15 +86,20 @@ def ico_image(c):
         for x in range(w):
             r, g, b, a = c.px[y][x]
             pixels += bytes((b, g, r, a))
-    row = ((w + 31) // 32) * 4
+    return header + bytes(pixels) + mask_bits(c)
+
+
+def mask_bits(c):
+    """Bottom-up 1-bit rows, 1 where the picture is transparent."""
+    row = ((c.w + 31) // 32) * 4
     mask = bytearray()
-    for y in reversed(range(h)):
+    for y in reversed(range(c.h)):
         bits = bytearray(row)
-        for x in range(w):
+        for x in range(c.w):
             if c.px[y][x][3] == 0:
                 bits[x // 8] |= 0x80 >> (x % 8)
         mask += bits
-    return header + bytes(pixels) + bytes(mask)
+    return bytes(mask)
 
 
 def write_ico(name, canvases):
@@ -131,6 +136,365 @@ def write_bmp(name, c, background=(192, 192, 192)):
 
 
 DRAWINGS = {}  # other subsystems register their drawings here
+
+
+# ---- docking bars and Links view icons ----
+# 16 x 16 pictures drawn pixel by pixel; '.' is transparent.
+PALETTE = {
+    'K': (40, 40, 40),       # outline
+    'k': (96, 96, 96),
+    'g': (128, 128, 128),
+    'l': (192, 192, 192),
+    'W': (255, 255, 255),
+    'w': (232, 236, 244),    # paper shade
+    'Y': (255, 222, 104),    # folder
+    'y': (230, 178, 52),
+    'o': (136, 92, 16),      # folder outline
+    'B': (36, 92, 184),      # blue
+    'b': (128, 176, 236),
+    'c': (196, 222, 250),
+    'n': (16, 40, 112),      # navy outline
+    'G': (44, 160, 44),
+    'd': (16, 96, 16),
+    'R': (220, 44, 36),
+    'r': (132, 16, 12),
+    'A': (226, 172, 44),     # key gold
+    'a': (140, 92, 12),
+    'L': (252, 220, 120),
+    'p': (244, 196, 64),     # pencil
+    'P': (236, 120, 100),
+    's': (120, 120, 130),
+}
+
+TOOL_PICTURES = [
+    # open database: an open folder
+    """
+................
+................
+.ooooo..........
+oYYYYYo.........
+oYLLLYYoooooo...
+oYLyyyyyyyyyyo..
+oYLy...........
+oYy.ooooooooooooo
+oYyoLLLLLLLLLLLo.
+oYoLYYYYYYYYYYo..
+oYoLYYYYYYYYYYo..
+ooLYYYYYYYYYYo...
+oLYYYYYYYYYYYo...
+ooooooooooooo....
+................
+................
+""",
+    # save database: a diskette
+    """
+................
+.nnnnnnnnnnnnnn.
+.nBnWWWWWWWWnBn.
+.nBnWWWWWWWWnBn.
+.nBnWggggggWnBn.
+.nBnWWWWWWWWnBn.
+.nBnWggggggWnBn.
+.nBnWWWWWWWWnBn.
+.nBBnnnnnnnnBBn.
+.nBBBBBBBBBBBBn.
+.nBBKKKKKKKKBBn.
+.nBBKllllnnKBBn.
+.nBBKllllnnKBBn.
+.nBBKllllnnKBBn.
+..nnnnnnnnnnnnn.
+................
+""",
+    # scan html: a browser window under a magnifying glass
+    """
+KKKKKKKKKKKKK...
+KBBBBBBBBBWBK...
+KllllllllllllK..
+KWWWWWWWWWWWK...
+KWggggWWWWWWK...
+KWWWWWWWWWWWK...
+KWgggggWKKKWK...
+KWWWWWWKcccKK...
+KWggggKcWcccK...
+KWWWWWKccccbK...
+KWgggWKccccbK...
+KKKKKKKKbbbKK...
+.........KKKaK..
+...........aAa..
+............aAa.
+.............aa.
+""",
+    # scan file html: a saved page under a magnifying glass
+    """
+.KKKKKKKKK......
+.KWWWWWWWKK.....
+.KWggggWWKWK....
+.KWWWWWWWKKKK...
+.KWgggggWWWwK...
+.KWWWWWWKKKwK...
+.KWggggKcccKK...
+.KWWWWKcWcccK...
+.KWgggKccccbK...
+.KWWWWKccccbK...
+.KWgggKKbbbKK...
+.KKKKKKKKKKKaK..
+...........aAa..
+............aAa.
+.............aa.
+................
+""",
+    # add key: a key with a green plus
+    """
+..........ddd...
+..........dGd...
+........dddGddd.
+........dGGGGGd.
+........dddGddd.
+..aaaa....dGd...
+.aALLAa...ddd...
+aALaaLAa........
+aAa..aAaaaaaaaa.
+aALaaLAAAAAAAAAa
+.aALLAaaaaaaAaAa
+..aaaa......aaaa
+................
+................
+................
+................
+""",
+    # modify key: a key with a pencil
+    """
+.............KK.
+............KPPK
+...........KpKPK
+..........KpppK.
+.........KpppK..
+..aaaa..KpppK...
+.aALLAaKpppK....
+aALaaLAKppK.....
+aAa..aAKKK......
+aALaaLAAAAAAAAa.
+.aALLAaaaaaaAaAa
+..aaaa......aaaa
+................
+................
+................
+................
+""",
+    # delete key: a key with a red cross
+    """
+.........rr...rr
+.........rRr.rRr
+..........rRrRr.
+...........rRr..
+..........rRrRr.
+..aaaa...rRr.rRr
+.aALLAa..rr...rr
+aALaaLAa........
+aAa..aAaaaaaaaa.
+aALaaLAAAAAAAAAa
+.aALLAaaaaaaAaAa
+..aaaa......aaaa
+................
+................
+................
+................
+""",
+    # new folder: a closed folder with a spark
+    """
+...........y....
+.........y.y.y..
+..........yYy...
+.ooooo...yYWYy..
+oYYYYYo...yYy...
+oYYYYYYoooyoyo..
+oLLLLLLLLLLLLLo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oyyyyyyyyyyyyyo.
+.oooooooooooooo.
+................
+................
+""",
+    # help: a blue ball with a question mark
+    """
+................
+.....nnnnnn.....
+...nnBBBBBBnn...
+..nBBBWWWWBBBn..
+..nBBWWBBWWBBn..
+.nBBBWWBBWWBBBn.
+.nBBBBBBBWWBBBn.
+.nBBBBBBWWBBBBn.
+.nBBBBBWWBBBBBn.
+.nBBBBBWWBBBBBn.
+..nBBBBBBBBBBn..
+..nBBBBWWBBBBn..
+...nnBBWWBBnn...
+.....nnnnnn.....
+................
+................
+""",
+]
+
+DIGITS = {
+    1: ["..X..", ".XX..", "..X..", "..X..", "..X..", "..X..", ".XXX."],
+    2: [".XXX.", "X...X", "....X", "...X.", "..X..", ".X...", "XXXXX"],
+    3: ["XXXX.", "....X", "....X", ".XXX.", "....X", "....X", "XXXX."],
+    4: ["...X.", "..XX.", ".X.X.", "X..X.", "XXXXX", "...X.", "...X."],
+    5: ["XXXXX", "X....", "XXXX.", "....X", "....X", "X...X", ".XXX."],
+    6: ["..XX.", ".X...", "X....", "XXXX.", "X...X", "X...X", ".XXX."],
+    7: ["XXXXX", "....X", "...X.", "..X..", ".X...", ".X...", ".X..."],
+    8: [".XXX.", "X...X", "X...X", ".XXX.", "X...X", "X...X", ".XXX."],
+    9: [".XXX.", "X...X", "X...X", ".XXXX", "....X", "...X.", ".XX.."],
+}
+
+# A database: a drum seen from above and the side; its slot number on the side.
+DRUM = """
+...nnnnnnnnnn...
+.nnccccccccccnn.
+nbcWWccccccccccn
+nnbbccccccccbbnn
+nBnnnbbbbbbnnnBn
+nBBBBnnnnnnBBBbn
+nBBBBBBBBBBBBBbn
+nBBBBBBBBBBBBBbn
+nBBBBBBBBBBBBBbn
+nBBBBBBBBBBBBBbn
+nBBBBBBBBBBBBBbn
+nBBBBBBBBBBBBBbn
+nBBBBBBBBBBBBBbn
+nnBBBBBBBBBBBbnn
+.nnnBBBBBBBbnnn.
+....nnnnnnnn....
+"""
+
+ICON_PICTURES = {
+    # a saved page that the Links view lists greyed: hidden
+    'icon_hidden': """
+..KKKKKKKKK.....
+..KWlWlWlWKK....
+..KlWlWlWlKWK...
+..KWlWlWlWKKKK..
+..KlWlWlWlWlWK..
+..KWlWlWlWlWlK..
+..KlWlWlWlWlWK..
+..KWlWlWlWlWlK..
+..KlWlWlWlWlWK..
+..KWlWlWlWlWlK..
+..KlWlWlWlWlWK..
+..KWlWlWlWlWlK..
+..KlWlWlWlWlWK..
+..KWlWlWlWlWlK..
+..KKKKKKKKKKKK..
+................
+""",
+    # the top folder of the saved pages, with an arrow up
+    'bfolder_root': """
+................
+.........d......
+........dGd.....
+.ooooo.dGGGd....
+oYYYYYodddGddd..
+oYYYYYYoodGdoo..
+oLLLLLLLLdGdLLo.
+oLYYYYYYYdddYyo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oLYYYYYYYYYYYyo.
+oyyyyyyyyyyyyyo.
+.oooooooooooooo.
+................
+................
+""",
+    # the folder shown open
+    'bfolder_on': """
+................
+................
+.ooooo..........
+oYYYYYo.........
+oYLLLYYoooooo...
+oYLyyyyyyyyyyo..
+oYLy.........o..
+oYy.ooooooooooooo
+oYyoLLLLLLLLLLLo.
+oYoLYYYYYYYYYYo..
+oYoLYYYYYYYYYYo..
+ooLYYYYYYYYYYo...
+oLYYYYYYYYYYYo...
+ooooooooooooo....
+................
+................
+""",
+}
+
+
+def picture(text):
+    rows = [r for r in text.strip('\n').split('\n')]
+    c = Canvas(16, 16)
+    for y, row in enumerate(rows[:16]):
+        for x, ch in enumerate(row[:16]):
+            if ch != '.':
+                c.put(x, y, PALETTE[ch])
+    return c
+
+
+def drum(number):
+    c = picture(DRUM)
+    glyph = DIGITS[number]
+    for y, row in enumerate(glyph):
+        for x, ch in enumerate(row):
+            if ch == 'X':
+                c.put(5 + x, 6 + y, PALETTE['W'])
+    return c
+
+
+def strip(canvases):
+    out = Canvas(16 * len(canvases), 16)
+    for i, c in enumerate(canvases):
+        for y in range(16):
+            for x in range(16):
+                out.px[y][16 * i + x] = c.px[y][x]
+    return out
+
+
+def doubled(c):
+    d = Canvas(c.w * 2, c.h * 2)
+    for y in range(d.h):
+        for x in range(d.w):
+            d.px[y][x] = c.px[y // 2][x // 2]
+    return d
+
+
+def write_mask(name, c):
+    """1-bit bitmap: white where the picture is transparent."""
+    w, h = c.w, c.h
+    data = mask_bits(c)
+    palette = bytes((0, 0, 0, 0, 255, 255, 255, 0))
+    info = struct.pack('<IiiHHIIiiII', 40, w, h, 1, 1, 0, len(data), 2835, 2835, 2, 2)
+    off = 14 + len(info) + len(palette)
+    head = struct.pack('<2sIHHI', b'BM', off + len(data), 0, 0, off)
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(head + info + palette + bytes(data))
+
+
+def bar_art():
+    tools = strip([picture(p) for p in TOOL_PICTURES])
+    write_bmp('toolbar.bmp', tools)
+    write_mask('toolbar_mask.bmp', tools)
+    drums = strip([drum(n) for n in range(1, 10)])
+    write_bmp('databasebar.bmp', drums)
+    write_mask('databasebar_mask.bmp', drums)
+    for name, text in ICON_PICTURES.items():
+        c = picture(text)
+        write_ico(name + '.ico', [doubled(c), c])
+
+
+DRAWINGS['bars'] = bar_art
 
 
 def main():

@@ -1,0 +1,82 @@
+#include "app/options.h"
+
+#include "app/app_state.h"
+#include "app/dispatch.h"
+#include "app/frame.h"
+#include "app/help.h"
+#include "resources/resource.h"
+
+namespace qb {
+namespace {
+
+std::uint32_t g_browserWindowChoice = kPromptForBrowserWindow;
+
+bool Checked(HWND dialog, int id) { return IsDlgButtonChecked(dialog, id) == BST_CHECKED; }
+
+LRESULT OnOptionsOk(HWND dialog, WORD, WORD, LPARAM) {
+  AppSettings& s = Settings();
+  s.copyDescription = Checked(dialog, IDC_OPT_COPY_DESCRIPTION) ? 1 : 0;
+  s.formStatistics = Checked(dialog, IDC_OPT_FORM_STATISTICS) ? 1 : 0;
+  g_browserWindowChoice =
+      Checked(dialog, IDC_OPT_PROMPT_BROWSER) ? kPromptForBrowserWindow : kFirstBrowserWindow;
+  // Written to the settings file at shut-down with everything else.
+  EndDialog(dialog, 1);
+  return 1;
+}
+
+LRESULT OnOptionsCancel(HWND dialog, WORD, WORD, LPARAM) {
+  EndDialog(dialog, 0);
+  return 1;
+}
+
+LRESULT OnOptionsHelp(HWND, WORD, WORD, LPARAM) {
+  ShowHelpTopic(kOptionsHelpContext);
+  return 1;
+}
+
+const CommandRow kOptionsCommands[] = {
+    {IDOK,                OnOptionsOk},
+    {IDCANCEL,            OnOptionsCancel},
+    {IDC_HELP_BUTTON,     OnOptionsHelp},
+};
+const CommandMap kOptionsCommandMap = MakeCommandMap(kOptionsCommands, kDefaultNone);
+
+LRESULT OnOptionsInit(HWND dialog, UINT, WPARAM, LPARAM) {
+  const AppSettings& s = Settings();
+  CheckDlgButton(dialog, IDC_OPT_COPY_DESCRIPTION, s.copyDescription ? BST_CHECKED : BST_UNCHECKED);
+  CheckRadioButton(dialog, IDC_OPT_FIRST_BROWSER, IDC_OPT_PROMPT_BROWSER,
+                   IDC_OPT_FIRST_BROWSER + static_cast<int>(g_browserWindowChoice));
+  CheckDlgButton(dialog, IDC_OPT_FORM_STATISTICS, s.formStatistics ? BST_CHECKED : BST_UNCHECKED);
+  return 1;
+}
+
+LRESULT OnOptionsCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
+  LookupCommand(kOptionsCommandMap, dialog, wParam, lParam);
+  return 1;
+}
+
+const MessageRow kOptionsMessages[] = {
+    {WM_INITDIALOG,       OnOptionsInit},
+    {WM_COMMAND,          OnOptionsCommand},
+};
+const MessageMap kOptionsMessageMap = MakeMessageMap(kOptionsMessages, kDefaultNone);
+
+}  // namespace
+
+std::uint32_t BrowserWindowChoiceOption() { return g_browserWindowChoice; }
+
+void SetBrowserWindowChoiceOption(std::uint32_t choice) {
+  g_browserWindowChoice = choice == kFirstBrowserWindow ? kFirstBrowserWindow
+                                                        : kPromptForBrowserWindow;
+}
+
+INT_PTR CALLBACK OptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  return LookupMessage(kOptionsMessageMap, dialog, message, wParam, lParam);
+}
+
+LRESULT OnOptionsDialogCommand(HWND window, WORD, WORD, LPARAM) {
+  DialogBoxParamA(App().instance, "IDD_OPTIONS", window, OptionsDialogProc, 0);
+  return 0;
+}
+
+}  // namespace qb
