@@ -4,7 +4,9 @@
 
 #include "app/app_state.h"
 #include "app/frame.h"
+#include "app/frame_gdi.h"
 #include "resources/resource.h"
+#include "tests/app/main_window_fixture.h"
 #include "tests/support/gui_helper.h"
 #include "tests/support/temp_dir.h"
 
@@ -131,22 +133,22 @@ TEST(Resources, HelpLinesQuotedByTheProgramAreWordForWord) {
   }
 }
 
-class MainWindow : public Frame {
- protected:
-  void SetUp() override {
-    Frame::SetUp();
-    static bool registered = RegisterMainClass(GetModuleHandleA(nullptr));
-    ASSERT_TRUE(registered);
-    std::strcpy(Settings().slotNames[0].data(), "Data.dat");
-  }
-  void TearDown() override {
-    if (window_ && IsWindow(window_)) DestroyWindow(window_);
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-    }
-  }
-  HWND window_ = nullptr;
-};
+using MainWindow = test::MainWindowTest;
+
+TEST_F(Frame, BarClassesThatCannotBeRegisteredAreReported) {
+  HINSTANCE inst = GetModuleHandleA(nullptr);
+  ASSERT_TRUE(test::MainWindowTest::EnsureClasses());
+  // Both classes exist already, so registering fails at the tool bar...
+  auto result = RunModal([&] { EXPECT_FALSE(RegisterBarClasses(inst)); }, {Press("OK")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), "Could not register a tool bar window");
+  EXPECT_EQ(result.seen[0].caption, "Error");
+  // ...and, with the tool bar's class gone, at the databases bar.
+  ASSERT_TRUE(UnregisterClassA("ToolBar", inst));
+  result = RunModal([&] { EXPECT_FALSE(RegisterBarClasses(inst)); }, {Press("OK")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), "Could not register a Database bar window");
+}
 
 TEST_F(MainWindow, ZeroRectangleGivesASmallWindowAtTheTopLeft) {
   window_ = CreateMainWindow(GetModuleHandleA(nullptr), SW_SHOWNORMAL);
@@ -179,6 +181,73 @@ TEST_F(MainWindow, ExitCommandDoesNothing) {
   EXPECT_TRUE(result.ok()) << result.Describe();
   EXPECT_TRUE(IsWindow(window_));
   EXPECT_FALSE(test::FileExists(dir_.File("pellwick.cfg")));
+}
+
+TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
+  ASSERT_NE(Open(), nullptr);
+  for (int id : {IDC_LINKS_VIEW, IDC_KEYS_VIEW}) {
+    HWND view = GetDlgItem(window_, id);
+    ASSERT_NE(view, nullptr) << id;
+    char name[32] = {};
+    GetClassNameA(view, name, sizeof(name));
+    EXPECT_STREQ(name, "SysListView32");
+    // The list view shows its scroll bar only when the rows need it.
+    EXPECT_EQ(GetWindowLongA(view, GWL_STYLE) & ~(WS_VISIBLE | WS_VSCROLL),
+              0x40A0060D & ~WS_VSCROLL) << id;
+    EXPECT_TRUE(GetWindowLongA(view, GWL_EXSTYLE) & WS_EX_CLIENTEDGE);
+    EXPECT_TRUE(IsWindowVisible(view));
+  }
+  EXPECT_EQ(GetDlgItem(window_, IDC_LINKS_VIEW), App().linksView);
+  EXPECT_EQ(GetDlgItem(window_, IDC_KEYS_VIEW), App().keysView);
+
+  HWND tip = BarTipWindow();
+  ASSERT_NE(tip, nullptr);
+  // The system adds WS_CLIPSIBLINGS to every top-level window.
+  EXPECT_EQ(static_cast<DWORD>(GetWindowLongA(tip, GWL_STYLE)) & ~WS_CLIPSIBLINGS, 0x80800006u);
+  EXPECT_TRUE(GetWindowLongA(tip, GWL_EXSTYLE) & WS_EX_TOPMOST);
+  EXPECT_EQ(GetWindow(tip, GW_OWNER), window_);
+
+  const FrameGdi& g = Gdi();
+  const std::pair<HFONT, LONG> fonts[] = {{g.smallFont, 11}, {g.font, 13}};
+  for (const auto& [font, height] : fonts) {
+    LOGFONTA lf{};
+    ASSERT_TRUE(GetObjectA(font, sizeof(lf), &lf));
+    EXPECT_EQ(lf.lfHeight, height);
+    EXPECT_EQ(lf.lfWidth, 5);
+    EXPECT_EQ(lf.lfPitchAndFamily, FF_SWISS);
+  }
+  EXPECT_NE(g.hiddenIcon, nullptr);
+  EXPECT_NE(g.rootFolderIcon, nullptr);
+  EXPECT_NE(g.openFolderIcon, nullptr);
+  LOGBRUSH lb{};
+  GetObjectA(g.lightYellowBrush, sizeof(lb), &lb);
+  EXPECT_EQ(lb.lbColor, 0xC0FFFFu);
+  GetObjectA(g.darkBlueBrush, sizeof(lb), &lb);
+  EXPECT_EQ(lb.lbColor, 0x800000u);
+  EXPECT_EQ(g.menu, GetSysColor(COLOR_MENU));
+}
+
+TEST_F(MainWindow, ABarThatCannotBeCreatedEndsTheProgram) {
+  ASSERT_TRUE(UnregisterClassA("DatabaseBar", Instance()));
+  auto result = RunModal([&] { Open(); }, {Press("OK")});
+  ASSERT_TRUE(EnsureClasses());
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), "Unable to Create Tool bar window");
+  MSG msg;
+  EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+}
+
+TEST_F(MainWindow, HelpTopicsLeavesTheOnTopStateAndOpensTheHelpFile) {
+  Settings().onTop = 1;
+  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(GetWindowLongA(window_, GWL_EXSTYLE) & WS_EX_TOPMOST);
+  auto result = RunModal([&] { Command(IDM_HELP_TOPICS); }, {Press("No")},
+                         test::ModalOptions{.anyProcess = true});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(),
+            "Cannot find '" + App().helpPath + "'. Do you want to find this file yourself?");
+  EXPECT_EQ(Settings().onTop, 0);
+  EXPECT_FALSE(GetWindowLongA(window_, GWL_EXSTYLE) & WS_EX_TOPMOST);
 }
 
 TEST_F(MainWindow, DisplayChangeRecordsTheNewScreenSize) {
