@@ -1,5 +1,7 @@
 #include "bars/dock_bar.h"
 
+#include "bars/bar_paint.h"
+
 #include <windowsx.h>
 
 #include <algorithm>
@@ -15,20 +17,13 @@
 namespace qb {
 namespace {
 
-constexpr int kImageSize = 16;  // pictures in the bitmaps, side by side
-constexpr int kButtonSize = 22;
-constexpr int kImageInset = (kButtonSize - kImageSize) / 2;
 constexpr int kSeparatorLength = 8;
 constexpr int kGripOffset = 3;  // from the visible start of the bar to its grip
-constexpr int kGripBarWidth = 3;
-constexpr int kGripGap = 1;
 constexpr int kGripInset = 4;   // across: grip ends this far from the bar's edges
 constexpr int kGripRoom = 13;   // from the visible start to the first button
 constexpr int kTailRoom = 8;
-constexpr int kLabelGap = 3;    // between a button's picture and its caption
-constexpr int kLabelMin = 40;
-constexpr int kLabelMax = 64;
-constexpr BYTE kEmbossBelowLuma = 128;  // darker pixels make a disabled picture's outline
+constexpr int kLabelMin = 24;  // caption room of a databases button, pixels
+constexpr int kLabelMax = 72;
 
 constexpr UINT kTipTimerId = 1;
 constexpr DWORD kTipDelayMs = 600;
@@ -39,7 +34,6 @@ constexpr int kTipGap = 2;
 constexpr UINT kDragStartMs = USER_TIMER_MINIMUM;
 constexpr int kDockFrameWidth = 2;
 constexpr int kFloatFrameWidth = 4;
-constexpr DWORD kPatternWhereSourceBlack = 0x00B8074A;  // PSDPxax
 
 const CommandRow kBarCommands[] = {
     {0, nullptr},  // a bar has no commands of its own
@@ -53,9 +47,7 @@ CaptionMetrics g_captions;
 
 bool IsDockedState(int state) { return state == kBarDockedHidden || state == kBarDocked; }
 bool IsShownState(int state) { return state == kBarDocked || state == kBarFloating; }
-bool IsSeparator(const DockBar& bar, int i) { return bar.kind->buttons[i].command == 0; }
 WORD CommandOf(const DockBar& bar, int i) { return bar.kind->buttons[i].command; }
-int RowOf(int button) { return button + 1; }  // row 0 stays unused, as slot numbers start at 1
 
 HINSTANCE InstanceOf(HWND window) {
   return reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(window, GWLP_HINSTANCE));
@@ -70,7 +62,7 @@ int VisibleStart(const DockBar& bar) {
 int ButtonLength(const DockBar& bar, int i) {
   if (IsSeparator(bar, i)) return kSeparatorLength;
   if (bar.kind->label && IsHorizontal(bar))
-    return kButtonSize + kLabelGap + bar.labelWidth + kImageInset;
+    return kButtonSize + kLabelGap + bar.labelWidths[RowOfButton(i)] + kImageInset;
   return kButtonSize;
 }
 
@@ -90,210 +82,6 @@ void InvalidateButton(const DockBar& bar, int i) {
   if (i < 0 || !bar.window) return;
   const RECT r = ButtonRect(bar, i);
   InvalidateRect(bar.window, &r, FALSE);
-}
-
-// ---- pictures ----
-
-std::vector<std::uint32_t> PixelsOf(HBITMAP bitmap, int width, int height) {
-  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * height);
-  BITMAPINFO bi{};
-  bi.bmiHeader.biSize = sizeof(bi.bmiHeader);
-  bi.bmiHeader.biWidth = width;
-  bi.bmiHeader.biHeight = -height;  // top-down
-  bi.bmiHeader.biPlanes = 1;
-  bi.bmiHeader.biBitCount = 32;
-  bi.bmiHeader.biCompression = BI_RGB;
-  HDC screen = GetDC(nullptr);
-  const int rows = GetDIBits(screen, bitmap, 0, height, pixels.data(), &bi, DIB_RGB_COLORS);
-  ReleaseDC(nullptr, screen);
-  if (rows != height) pixels.clear();
-  return pixels;
-}
-
-// A monochrome bitmap with 1 (white) where `white(i)` holds.
-template <typename Pred>
-HBITMAP MonochromeFrom(int width, int height, Pred white) {
-  const int stride = ((width + 15) / 16) * 2;  // CreateBitmap rows are WORD aligned
-  std::vector<BYTE> bits(static_cast<std::size_t>(stride) * height, 0);
-  for (int y = 0; y < height; ++y)
-    for (int x = 0; x < width; ++x)
-      if (white(static_cast<std::size_t>(y) * width + x))
-        bits[static_cast<std::size_t>(y) * stride + x / 8] |= static_cast<BYTE>(0x80 >> (x % 8));
-  return CreateBitmap(width, height, 1, 1, bits.data());
-}
-
-int Luma(std::uint32_t bgr) {
-  const int b = bgr & 0xFF, g = (bgr >> 8) & 0xFF, r = (bgr >> 16) & 0xFF;
-  return (r * 30 + g * 59 + b * 11) / 100;
-}
-
-struct Pictures {
-  HBITMAP colour = nullptr;   // transparent parts black
-  HBITMAP mask = nullptr;     // 1 where transparent
-  HBITMAP emboss = nullptr;   // 0 where a disabled picture shows its outline
-  int count = 0;
-};
-
-// The bitmap pair as the bar draws it: the mask resource is white where the
-// picture is transparent.
-Pictures LoadPictures(HINSTANCE instance, int imagesId, int maskId) {
-  Pictures out;
-  auto load = [&](int id) {
-    return static_cast<HBITMAP>(
-        LoadImageA(instance, MAKEINTRESOURCEA(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
-  };
-  HBITMAP images = load(imagesId);
-  HBITMAP mask = load(maskId);
-  BITMAP info{}, maskInfo{};
-  if (images && mask && GetObjectA(images, sizeof(info), &info) &&
-      GetObjectA(mask, sizeof(maskInfo), &maskInfo) && info.bmWidth == maskInfo.bmWidth &&
-      info.bmHeight == maskInfo.bmHeight && info.bmHeight == kImageSize) {
-    const int w = info.bmWidth, h = info.bmHeight;
-    std::vector<std::uint32_t> colour = PixelsOf(images, w, h);
-    const std::vector<std::uint32_t> holes = PixelsOf(mask, w, h);
-    if (!colour.empty() && !holes.empty()) {
-      auto transparent = [&](std::size_t i) { return (holes[i] & 0xFFFFFF) == 0xFFFFFF; };
-      for (std::size_t i = 0; i < colour.size(); ++i)
-        if (transparent(i)) colour[i] = 0;
-      out.mask = MonochromeFrom(w, h, transparent);
-      out.emboss = MonochromeFrom(w, h, [&](std::size_t i) {
-        return transparent(i) || Luma(colour[i]) >= kEmbossBelowLuma;
-      });
-      BITMAPINFO bi{};
-      bi.bmiHeader.biSize = sizeof(bi.bmiHeader);
-      bi.bmiHeader.biWidth = w;
-      bi.bmiHeader.biHeight = -h;
-      bi.bmiHeader.biPlanes = 1;
-      bi.bmiHeader.biBitCount = 32;
-      bi.bmiHeader.biCompression = BI_RGB;
-      HDC screen = GetDC(nullptr);
-      out.colour = CreateCompatibleBitmap(screen, w, h);
-      if (out.colour) SetDIBits(screen, out.colour, 0, h, colour.data(), &bi, DIB_RGB_COLORS);
-      ReleaseDC(nullptr, screen);
-      out.count = w / kImageSize;
-    }
-  }
-  if (images) DeleteObject(images);
-  if (mask) DeleteObject(mask);
-  if (!out.colour || !out.mask || !out.emboss) {
-    for (HBITMAP b : {out.colour, out.mask, out.emboss})
-      if (b) DeleteObject(b);
-    return Pictures{};
-  }
-  return out;
-}
-
-void DrawPicture(HDC dc, const DockBar& bar, int image, int x, int y, bool enabled) {
-  if (image < 0 || image >= bar.imageCount) return;
-  HDC mem = CreateCompatibleDC(dc);
-  const COLORREF oldBk = SetBkColor(dc, RGB(255, 255, 255));
-  const COLORREF oldText = SetTextColor(dc, RGB(0, 0, 0));
-  const int sx = image * kImageSize;
-  HGDIOBJ oldBitmap;
-  if (enabled) {
-    oldBitmap = SelectObject(mem, bar.mask);
-    BitBlt(dc, x, y, kImageSize, kImageSize, mem, sx, 0, SRCAND);
-    SelectObject(mem, bar.images);
-    BitBlt(dc, x, y, kImageSize, kImageSize, mem, sx, 0, SRCPAINT);
-  } else {
-    // Etched: the outline in highlight one pixel down and right, then in shadow.
-    oldBitmap = SelectObject(mem, bar.emboss);
-    HGDIOBJ oldBrush = SelectObject(dc, GetSysColorBrush(COLOR_3DHILIGHT));
-    BitBlt(dc, x + 1, y + 1, kImageSize, kImageSize, mem, sx, 0, kPatternWhereSourceBlack);
-    SelectObject(dc, GetSysColorBrush(COLOR_3DSHADOW));
-    BitBlt(dc, x, y, kImageSize, kImageSize, mem, sx, 0, kPatternWhereSourceBlack);
-    SelectObject(dc, oldBrush);
-  }
-  SelectObject(mem, oldBitmap);
-  DeleteDC(mem);
-  SetBkColor(dc, oldBk);
-  SetTextColor(dc, oldText);
-}
-
-// ---- painting ----
-
-void FillChecked(HDC dc, const RECT& r) {
-  // The dithered face of a button that stays down.
-  static const WORD kDither[8] = {0x55, 0xAA, 0x55, 0xAA, 0x55, 0xAA, 0x55, 0xAA};
-  HBITMAP pattern = CreateBitmap(8, 8, 1, 1, kDither);
-  HBRUSH brush = CreatePatternBrush(pattern);
-  const COLORREF oldText = SetTextColor(dc, GetSysColor(COLOR_3DHILIGHT));
-  const COLORREF oldBk = SetBkColor(dc, GetSysColor(COLOR_BTNFACE));
-  FillRect(dc, &r, brush);
-  SetTextColor(dc, oldText);
-  SetBkColor(dc, oldBk);
-  DeleteObject(brush);
-  DeleteObject(pattern);
-}
-
-HFONT BarFont() {
-  HFONT f = Gdi().font;
-  return f ? f : static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
-}
-
-void PaintButton(HDC dc, const DockBar& bar, int i, RECT r) {
-  const BarButton& b = bar.kind->buttons[i];
-  const bool enabled = CommandAvailable(b.command);
-  const bool checked = bar.rows[RowOf(i)].pressed;
-  const bool down = bar.held == i && bar.heldInside;
-  const bool hot = bar.hot == i && enabled && bar.held < 0 && !bar.suppressPaint;
-  const bool empty = bar.kind->looksEmpty && bar.kind->looksEmpty(i);
-
-  if (checked && !down) FillChecked(dc, r);
-  if (down || checked) DrawEdge(dc, &r, BDR_SUNKENOUTER, BF_RECT);
-  else if (hot) DrawEdge(dc, &r, BDR_RAISEDINNER, BF_RECT);
-
-  const int shift = down || checked ? 1 : 0;
-  const int x = r.left + kImageInset + shift;
-  const int y = r.top + kImageInset + shift;
-  DrawPicture(dc, bar, b.image, x, y, enabled && !empty);
-
-  if (bar.kind->label && IsHorizontal(bar)) {
-    RECT text{x + kImageSize + kLabelGap, r.top + shift, r.right - kImageInset + shift,
-              r.bottom + shift};
-    const std::string label = bar.kind->label(i);
-    HGDIOBJ oldFont = SelectObject(dc, BarFont());
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(enabled && !empty ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
-    DrawTextA(dc, label.c_str(), static_cast<int>(label.size()), &text,
-              DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS | DT_NOPREFIX);
-    SelectObject(dc, oldFont);
-  }
-}
-
-void PaintBar(const DockBar& bar, HDC dc, const RECT& client) {
-  FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
-  if (IsDockedState(bar.state)) {
-    RECT edge = client;
-    DrawEdge(dc, &edge, BDR_RAISEDINNER, BF_RECT);
-  }
-  const RECT grip = BarGripRect(bar);
-  for (int k = 0; k < 2; ++k) {
-    RECT g = grip;
-    if (IsHorizontal(bar)) {
-      g.left += k * (kGripBarWidth + kGripGap);
-      g.right = g.left + kGripBarWidth;
-    } else {
-      g.top += k * (kGripBarWidth + kGripGap);
-      g.bottom = g.top + kGripBarWidth;
-    }
-    DrawEdge(dc, &g, BDR_RAISEDINNER, BF_RECT);
-  }
-  const std::vector<RECT> rects = BarButtonRects(bar);
-  int along = VisibleStart(bar) + kGripRoom;
-  for (int i = 0; i < bar.kind->count; ++i) {
-    if (IsSeparator(bar, i)) {
-      const int across = IsHorizontal(bar) ? client.bottom : client.right;
-      const int start = (across - kButtonSize) / 2;
-      const int mid = along + kSeparatorLength / 2 - 1;
-      RECT line = IsHorizontal(bar) ? RECT{mid, start, mid + 2, start + kButtonSize}
-                                    : RECT{start, mid, start + kButtonSize, mid + 2};
-      DrawEdge(dc, &line, EDGE_ETCHED, IsHorizontal(bar) ? BF_LEFT : BF_TOP);
-    } else {
-      PaintButton(dc, bar, i, rects[i]);
-    }
-    along += ButtonLength(bar, i);
-  }
 }
 
 // ---- tool tips ----
@@ -389,8 +177,8 @@ bool MakeBarWindow(DockBar& bar, HWND main) {
     bar.floatPos = POINT{r.left + 40, r.top + 80};
     bar.floatPosKnown = true;
   }
-  const DWORD exStyle = g_captions.smallStyle ? WS_EX_TOOLWINDOW : 0;
-  bar.window = CreateWindowExA(exStyle, bar.className, bar.kind->caption,
+  // A small caption without an icon, and no button on the task bar.
+  bar.window = CreateWindowExA(WS_EX_TOOLWINDOW, bar.className, bar.kind->caption,
                                WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_CLIPSIBLINGS,
                                bar.floatPos.x, bar.floatPos.y, size.cx, size.cy, main, nullptr,
                                instance, nullptr);
@@ -529,7 +317,7 @@ DockBar* BarOfWindow(HWND window) {
 }
 
 bool CreateBar(DockBar& bar, HWND main, int imagesId, int maskId) {
-  Pictures p = LoadPictures(InstanceOf(main), imagesId, maskId);
+  BarPictures p = LoadBarPictures(InstanceOf(main), imagesId, maskId);
   if (!p.colour) return false;
   bar.images = p.colour;
   bar.mask = p.mask;
@@ -587,6 +375,8 @@ void ToggleBar(DockBar& bar, HWND main, WORD menuId, WORD code) {
 }
 
 bool IsHorizontal(const DockBar& bar) { return bar.side == kSideTop || bar.side == kSideBottom; }
+bool IsDocked(const DockBar& bar) { return IsDockedState(bar.state); }
+bool IsSeparator(const DockBar& bar, int i) { return bar.kind->buttons[i].command == 0; }
 
 int LongSideLength(const DockBar& bar) {
   int length = kGripRoom + kTailRoom;
@@ -604,8 +394,7 @@ void UpdateCaptionMetrics(DWORD windowsVersion) {
   c.frameY = GetSystemMetrics(SM_CYFRAME);
   const bool nt = (windowsVersion & 0x80000000u) == 0;
   const int major = LOBYTE(LOWORD(windowsVersion));
-  c.smallStyle = !(nt || major < 4);
-  c.floatingCaption = c.smallStyle ? c.smallCaption : c.fullCaption;
+  c.floatingCaption = nt || major < 4 ? c.fullCaption : c.smallCaption;
 }
 
 SIZE FloatingWindowSize(const DockBar& bar) {
@@ -676,8 +465,7 @@ std::vector<RECT> BarButtonRects(const DockBar& bar) {
   int along = VisibleStart(bar) + kGripRoom;
   for (int i = 0; i < bar.kind->count; ++i) {
     const int length = ButtonLength(bar, i);
-    if (IsSeparator(bar, i)) rects.push_back(RECT{});
-    else if (horizontal) rects.push_back(RECT{along, start, along + length, start + kButtonSize});
+    if (horizontal) rects.push_back(RECT{along, start, along + length, start + kButtonSize});
     else rects.push_back(RECT{start, along, start + kButtonSize, along + length});
     along += length;
   }
@@ -708,16 +496,14 @@ void RefreshDatabaseCaptions() {
   if (!bar.kind || !bar.kind->label) return;
   HDC dc = GetDC(bar.window);
   HGDIOBJ oldFont = SelectObject(dc, BarFont());
-  int widest = 0;
   for (int i = 0; i < bar.kind->count; ++i) {
     const std::string label = bar.kind->label(i);
     SIZE extent{};
     GetTextExtentPoint32A(dc, label.c_str(), static_cast<int>(label.size()), &extent);
-    widest = std::max<int>(widest, extent.cx);
+    bar.labelWidths[RowOfButton(i)] = std::clamp<int>(extent.cx, kLabelMin, kLabelMax);
   }
   SelectObject(dc, oldFont);
   ReleaseDC(bar.window, dc);
-  bar.labelWidth = std::clamp(widest, kLabelMin, kLabelMax);
   if (!IsDockedState(bar.state) && bar.window) {
     const SIZE s = FloatingWindowSize(bar);
     SetWindowPos(bar.window, nullptr, 0, 0, s.cx, s.cy,

@@ -37,6 +37,9 @@ struct ButtonRow {
   std::array<std::uint8_t, kButtonGroupSize> releases{};
 };
 
+// The state row of button `button`; row 0 stays unused, as slot numbers start at 1.
+constexpr int RowOfButton(int button) { return button + 1; }
+
 // A button: its picture in the bar's bitmap, its command and its tool tip.
 // A row with command 0 is a separator.
 struct BarButton {
@@ -74,7 +77,7 @@ struct DockBar {
   HBITMAP mask = nullptr;     // monochrome: 1 where transparent
   HBITMAP emboss = nullptr;   // monochrome: 0 where a greyed picture shows its outline
   int imageCount = 0;
-  int labelWidth = 0;         // caption room of a horizontal databases button
+  std::array<int, kBarButtonRows> labelWidths{};  // caption room of each databases button
   POINT floatPos{};           // top-left of the floating window, screen
   bool floatPosKnown = false;
   int hot = -1;               // button under the pointer
@@ -124,6 +127,8 @@ const std::string& BarTipText();
 void ToggleBar(DockBar& bar, HWND main, WORD menuId, WORD code);
 
 bool IsHorizontal(const DockBar& bar);
+bool IsDocked(const DockBar& bar);  // docked, shown or not
+bool IsSeparator(const DockBar& bar, int button);
 // Long side of the bar's buttons with grip and margins.
 int LongSideLength(const DockBar& bar);
 
@@ -133,7 +138,6 @@ struct CaptionMetrics {
   int smallCaption = 0;  // SM_CYSMCAPTION + SM_CXFRAME
   int frameX = 0, frameY = 0;
   int floatingCaption = 0;
-  bool smallStyle = false;  // the floating window has a tool-window caption
 };
 const CaptionMetrics& BarCaptions();
 void UpdateCaptionMetrics(DWORD windowsVersion);
@@ -151,7 +155,7 @@ void MoveBarDrag(DockBar& bar, POINT point);
 void EndBarDrag(DockBar& bar, POINT point);
 
 // Button rectangles in the bar window's client coordinates, in table order
-// (separators included, as empty rectangles).
+// (a separator's is the gap it stands in).
 std::vector<RECT> BarButtonRects(const DockBar& bar);
 // The grip, in client coordinates.
 RECT BarGripRect(const DockBar& bar);

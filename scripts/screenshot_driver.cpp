@@ -1,0 +1,103 @@
+// Drives a running Quellbarrow for scripts/screenshots.sh: mouse messages as a
+// user's hand would make them (the pointer is put where they say), menu commands,
+// and the rectangles of windows to capture. Mouse input injected from another
+// process does not reliably reach a window under Wine, so the messages are posted.
+//   screenshot_driver wait CLASS            waits for a visible window, prints its rectangle
+//   screenshot_driver drag CLASS X Y DX DY  drags from client point (X, Y) of CLASS by (DX, DY)
+//   screenshot_driver hover CLASS X Y       rests the pointer on client point (X, Y) of CLASS
+//   screenshot_driver command ID            sends menu command ID to the main window
+//   screenshot_driver close                 closes the main window
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// A visible top-level window of the class, or a docked bar inside the main window.
+HWND FindVisible(const char* className) {
+  for (int i = 0; i < 200; ++i) {
+    HWND w = FindWindowA(className, nullptr);
+    if (!w) {
+      HWND main = FindWindowA("Quellbarrow", nullptr);
+      if (main) w = FindWindowExA(main, nullptr, className, nullptr);
+    }
+    if (w && IsWindowVisible(w)) return w;
+    Sleep(100);
+  }
+  return nullptr;
+}
+
+POINT ClientPoint(HWND w, int x, int y) {
+  POINT p{x, y};
+  ClientToScreen(w, &p);
+  return p;
+}
+
+// Puts the pointer at screen point `p` and tells `w` (which holds the mouse, or
+// lies under it) in its own client coordinates.
+void Mouse(HWND w, UINT message, WPARAM keys, POINT p) {
+  SetCursorPos(p.x, p.y);
+  ScreenToClient(w, &p);
+  PostMessageA(w, message, keys, MAKELPARAM(p.x, p.y));
+  Sleep(40);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) return 2;
+  const char* what = argv[1];
+  if (!std::strcmp(what, "wait") && argc == 3) {
+    HWND w = FindVisible(argv[2]);
+    if (!w) return 1;
+    Sleep(700);  // let it paint
+    RECT r;
+    GetWindowRect(w, &r);
+    std::printf("%ldx%ld+%ld+%ld\n", r.right - r.left, r.bottom - r.top, r.left, r.top);
+    return 0;
+  }
+  if (!std::strcmp(what, "drag") && argc == 7) {
+    HWND w = FindVisible(argv[2]);
+    if (!w) return 1;
+    HWND main = FindVisible("Quellbarrow");
+    const POINT from = ClientPoint(w, std::atoi(argv[3]), std::atoi(argv[4]));
+    const int dx = std::atoi(argv[5]), dy = std::atoi(argv[6]);
+    // Pressed on the grip and moved a little: the main window takes the drag over.
+    Mouse(w, WM_LBUTTONDOWN, MK_LBUTTON, from);
+    Mouse(w, WM_MOUSEMOVE, MK_LBUTTON, POINT{from.x + dx / 12, from.y + dy / 12});
+    Sleep(300);
+    const int steps = 12;
+    POINT p = from;
+    for (int i = 2; i <= steps; ++i) {
+      p = POINT{from.x + dx * i / steps, from.y + dy * i / steps};
+      Mouse(main, WM_MOUSEMOVE, MK_LBUTTON, p);
+    }
+    Sleep(200);
+    Mouse(main, WM_LBUTTONUP, 0, p);
+    Sleep(500);
+    return 0;
+  }
+  if (!std::strcmp(what, "hover") && argc == 5) {
+    HWND w = FindVisible(argv[2]);
+    if (!w) return 1;
+    const POINT p = ClientPoint(w, std::atoi(argv[3]), std::atoi(argv[4]));
+    Mouse(w, WM_MOUSEMOVE, 0, POINT{p.x - 3, p.y});
+    Mouse(w, WM_MOUSEMOVE, 0, p);
+    Sleep(1200);  // past the tool tip's delay
+    return 0;
+  }
+  HWND main = FindVisible("Quellbarrow");
+  if (!main) return 1;
+  if (!std::strcmp(what, "command") && argc == 3) {
+    PostMessageA(main, WM_COMMAND, MAKEWPARAM(std::atoi(argv[2]), 0), 0);
+    Sleep(500);
+    return 0;
+  }
+  if (!std::strcmp(what, "close")) {
+    PostMessageA(main, WM_CLOSE, 0, 0);
+    return 0;
+  }
+  return 2;
+}

@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# Screenshots of the main window under Xvfb: both bars docked at the top, the tool
+# bar docked at the left with the databases bar floating, the vertical
+# arrangement, and the options dialog. Needs the product build.
+#   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
+# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options}.png
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${QB_BUILD_DIR:-$root/build}
+win=$build/win
+out=$(mkdir -p "${1:-$build/screenshots}" && cd "${1:-$build/screenshots}" && pwd)
+work=$(mktemp -d)
+driver=$work/screenshot_driver.exe
+
+session_started=0
+cleanup() {
+  if [ -n "${app_pid:-}" ]; then kill "$app_pid" 2>/dev/null || true; fi
+  if [ "$session_started" = 1 ]; then "$root/scripts/wine-session.sh" stop "$win"; fi
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+i686-w64-mingw32-g++-posix -O1 -static -o "$driver" "$root/scripts/screenshot_driver.cpp"
+if [ ! -f "$win/wine-session/xvfb.pid" ] || ! kill -0 "$(cat "$win/wine-session/xvfb.pid")" 2>/dev/null; then
+  "$root/scripts/wine-session.sh" start "$win"
+  session_started=1
+fi
+export DISPLAY=":$(cat "$win/wine-session/display")"
+run() { "$win/wine-run.sh" "$@" | tr -d '\r'; }
+
+# A program folder with a settings file: window place, slot names, sides, arrangement.
+prepare() {  # tool-side databases-side arrangement
+  rm -rf "$work/app" && mkdir -p "$work/app/Databases" "$work/app/DataHtml"
+  python3 - "$work/app/pellwick.cfg" "$@" <<'PY'
+import struct, sys
+path, tool, databases, arrangement = sys.argv[1], *map(int, sys.argv[2:])
+b = bytearray(3419)
+struct.pack_into('<iiii', b, 260, 60, 40, 900, 560)
+for slot, name in {0: b'Data.dat', 2: b'Addresses.dat', 3: b'Shopping.dat'}.items():
+    b[280 + 256 * slot:280 + 256 * slot + len(name)] = name
+struct.pack_into('<I', b, 2888, 500)
+struct.pack_into('<I', b, 3404, arrangement)
+struct.pack_into('<I', b, 3409, 1)
+b[3413], b[3414] = tool, databases
+open(path, 'wb').write(b)
+PY
+}
+
+start() {
+  (cd "$work/app" && exec "$win/wine-run.sh" "$win/Quellbarrow.exe") >/dev/null 2>&1 &
+  app_pid=$!
+}
+
+finish() {
+  run "$driver" close || true
+  wait "$app_pid" 2>/dev/null || true
+  app_pid=
+}
+
+shot() {  # name geometry
+  import -window root -crop "$2" +repage "$out/$1.png"
+  echo "$out/$1.png"
+}
+
+# Grips: 10,15 on a bar docked at the top, 15,6 on one docked at a side.
+prepare 0 0 0
+start
+geometry=$(run "$driver" wait Quellbarrow)
+run "$driver" hover ToolBar 90 15   # rests on "Scan HTML"; its tip shows
+shot both-bars-top "$geometry"
+finish
+
+prepare 2 0 0
+start
+geometry=$(run "$driver" wait Quellbarrow)
+run "$driver" drag DatabaseBar 10 15 120 170
+shot toolbar-left-databases-floating "$geometry"
+finish
+
+prepare 0 0 1
+start
+geometry=$(run "$driver" wait Quellbarrow)
+shot vertical "$geometry"
+finish
+
+prepare 0 0 0
+start
+run "$driver" wait Quellbarrow >/dev/null
+run "$driver" command 50008
+geometry=$(run "$driver" wait '#32770')
+shot options "$geometry"
+finish
