@@ -216,11 +216,5 @@ TEST_F(Layouts, OnTopCommandsOrderTheMainWindowAndKeepHiddenViewsHidden) {
   EXPECT_FALSE(IsWindowVisible(App().linksView));
 }
 
-TEST_F(Layouts, OnTopSettingIsAppliedAtCreation) {
-  Settings().onTop = 1;
-  ASSERT_NE(Open(), nullptr);
-  EXPECT_TRUE(GetWindowLongA(window_, GWL_EXSTYLE) & WS_EX_TOPMOST);
-}
-
 }  // namespace
 }  // namespace qb::test

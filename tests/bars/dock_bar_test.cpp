@@ -19,7 +19,7 @@ class Bars : public MainWindowTest {
   bool Topmost(HWND w) { return (GetWindowLongA(w, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; }
 };
 
-TEST_F(Bars, ToolBarHasItsButtonsAndTheDatabasesBarNineSlots) {
+TEST_F(Bars, BarsAreChildrenOfTheirClassesAndOneSlotIsHeldDown) {
   const DockBar& tool = ToolBarDescriptor();
   const DockBar& databases = DatabaseBarDescriptor();
   char name[32] = {};
@@ -31,10 +31,6 @@ TEST_F(Bars, ToolBarHasItsButtonsAndTheDatabasesBarNineSlots) {
   EXPECT_EQ(tool.timerId, 100u);
   EXPECT_EQ(databases.timerId, 101u);
 
-  std::vector<WORD> commands;
-  for (int i = 0; i < databases.kind->count; ++i) commands.push_back(databases.kind->buttons[i].command);
-  EXPECT_EQ(commands, (std::vector<WORD>{50206, 50207, 50208, 50209, 50210, 50211, 50212, 50213,
-                                         50214}));
   // Slot 1 is held down at start; pressing another releases it.
   EXPECT_TRUE(databases.rows[1].pressed);
   PressDatabaseButton(4);
