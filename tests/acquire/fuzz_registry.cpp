@@ -30,24 +30,15 @@ std::vector<qb::RegistryEntry> ReadAll(std::FILE* in) {
   return entries;
 }
 
-std::string g_folder;
-
-void RemoveFolder() {
-  std::remove((g_folder + "/ConfigHtml.cfg").c_str());
-  std::remove((g_folder + "/ConfigHtml2.cfg").c_str());
-  rmdir(g_folder.c_str());
-}
-
-// Memory-backed: the round trip writes two files per input.
-const std::string& Folder() {
-  if (g_folder.empty()) {
-    char pattern[] = "/dev/shm/fuzz_registry.XXXXXX";
-    if (!mkdtemp(pattern)) std::abort();
-    g_folder = pattern;
-    std::atexit(RemoveFolder);
+// Memory-backed files for the round trip, one pair per fuzzing process.
+struct Files {
+  const std::string base = "/dev/shm/fuzz_registry." + std::to_string(getpid());
+  const std::string registry = base + ".cfg", temp = base + "2.cfg";
+  ~Files() {
+    std::remove(registry.c_str());
+    std::remove(temp.c_str());
   }
-  return g_folder;
-}
+} g_files;
 
 }  // namespace
 
@@ -60,14 +51,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // The rename prefix is the start of the first file line, so renames do happen.
   const std::string oldPrefix = entries.empty() ? "C:\\" : entries[0].file.substr(0, 3);
   const std::string newPrefix = "D:\\Renamed";
-  const std::string path = Folder() + "/ConfigHtml.cfg";
-  std::FILE* out = std::fopen(path.c_str(), "wb");
+  std::FILE* out = std::fopen(g_files.registry.c_str(), "wb");
   if (!out) return 0;
   std::fwrite(data, 1, size, out);
   std::fclose(out);
-  qb::DocumentRegistry(path, Folder() + "/ConfigHtml2.cfg").RenamePrefix(oldPrefix, newPrefix);
+  qb::DocumentRegistry(g_files.registry, g_files.temp).RenamePrefix(oldPrefix, newPrefix);
 
-  std::FILE* in = std::fopen(path.c_str(), "r");
+  std::FILE* in = std::fopen(g_files.registry.c_str(), "r");
   if (!in) std::abort();
   const std::vector<qb::RegistryEntry> after = ReadAll(in);
   std::fclose(in);

@@ -24,28 +24,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view url = all.substr(folderLength);
 
   qb::DownloadRequest request;
-  if (qb::PrepareDownload(url, folder, request) == qb::PrepareStatus::kReady) {
-    Check(request.host.size() <= qb::kHostMax);
-    Check(request.host.find_first_of("/? ") == std::string::npos);
-    Check(request.path.empty() || request.path[0] == '/');
-    Check(request.path.find_first_of("? ") == std::string::npos);
-    Check(request.localFile.size() <= qb::kLocalPathMax);
-    Check(request.localFile.compare(0, folder.size(), folder) == 0);
-    Check(request.localFile.size() >= folder.size() + 5);
-    Check(request.localFile.compare(request.localFile.size() - 4, 4, ".htm") == 0);
-    Check(url.size() >= request.discardFile.size() &&
-          url.substr(url.size() - request.discardFile.size()) == request.discardFile);
-    Check(qb::BuildGetRequest(request.host, request.path).size() < qb::kReceiveChunkSize);
-  }
-
-  std::string post(url);
-  const std::string before = post;
-  if (qb::AppendPostHeader(post)) {
-    Check(post.size() <= qb::kRequestTextMax);
-    const std::size_t counted = before.size() + std::string_view(" HTTP/1.0\r\nCONTENT-LENGTH: ").size();
-    Check(post == before + " HTTP/1.0\r\nCONTENT-LENGTH: " + std::to_string(counted) + "\r\n\r\n");
-  } else {
-    Check(post == before);
-  }
+  if (qb::PrepareDownload(url, folder, request) != qb::PrepareStatus::kReady) return 0;
+  Check(request.host.size() <= qb::kHostMax);
+  Check(request.host.find_first_of("/? ") == std::string::npos);
+  Check(request.path.empty() || request.path[0] == '/');
+  Check(request.path.find_first_of("? ") == std::string::npos);
+  Check(request.localFile.size() <= qb::kLocalPathMax);
+  Check(request.localFile.compare(0, folder.size(), folder) == 0);
+  Check(request.localFile.size() >= folder.size() + 5);
+  Check(request.localFile.compare(request.localFile.size() - 4, 4, ".htm") == 0);
+  Check(url.size() >= request.discardFile.size() &&
+        url.substr(url.size() - request.discardFile.size()) == request.discardFile);
+  Check(qb::BuildGetRequest(request.host, request.path).size() < qb::kReceiveChunkSize);
   return 0;
 }

@@ -2,18 +2,17 @@
 // 127.0.0.1:80 (tests/acquire/nginx.sh). The saved file must be exactly what nginx
 // sends, status line and headers included, written in text mode.
 #include <gtest/gtest.h>
-
 #include <winsock.h>
 
+#include <array>
 #include <string>
 
 #include "acquire/acquire_state.h"
 #include "acquire/download_dialog.h"
-#include "app/app_state.h"
 #include "tests/acquire/transfer_helpers.h"
 #include "tests/support/temp_dir.h"
 
-namespace qb {
+namespace qb::test {
 namespace {
 
 // The same request sent by a plain client, for the bytes nginx answers with.
@@ -28,9 +27,9 @@ std::string RawFetch(const std::string& request) {
   address.sin_addr.s_addr = inet_addr("127.0.0.1");
   if (connect(s, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
       send(s, request.data(), static_cast<int>(request.size()), 0) != SOCKET_ERROR) {
-    char buffer[8192];
-    int n;
-    while ((n = recv(s, buffer, sizeof(buffer), 0)) > 0) response.append(buffer, static_cast<std::size_t>(n));
+    std::array<char, 8192> buffer;
+    for (int n; (n = recv(s, buffer.data(), static_cast<int>(buffer.size()), 0)) > 0;)
+      response.append(buffer.data(), n);
   }
   closesocket(s);
   WSACleanup();
@@ -47,35 +46,21 @@ std::string WithDateOf(std::string expected, const std::string& saved) {
   return expected.replace(e, eEnd - e, saved.substr(s, sEnd - s));
 }
 
-class Nginx : public ::testing::Test {
- protected:
-  void SetUp() override {
-    App().dataHtmlDir = dir.path() + "\\DataHtml\\";
-    SetCurrentLinksFolder(dir.path() + "\\");
-  }
-
-  // Downloads `url` through the dialog; returns the saved file and the response
-  // a plain client got for the same request bytes.
-  void Fetch(const std::string& url, std::string& saved, std::string& served) {
-    ASSERT_EQ(PreparePageDownload(url), PrepareStatus::kReady);
-    const DownloadRequest& request = SharedDownloadRequest();
-    served = RawFetch(BuildGetRequest(request.host, request.path));
-    ASSERT_EQ(DownloadPage(), 0);
-    saved = test::ReadText(request.localFile);
-  }
-
-  test::TempDir dir;
-};
-
-TEST_F(Nginx, SavedPageIsTheServedResponseInTextMode) {
-  std::string saved, served;
-  Fetch("http://127.0.0.1/page.html", saved, served);
+TEST(Nginx, SavedPageIsTheServedResponseInTextMode) {
+  TempDir dir;
+  SetCurrentLinksFolder(dir.path() + "\\");
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/page.html"), PrepareStatus::kReady);
+  const DownloadRequest& request = SharedDownloadRequest();
+  const std::string served = RawFetch(BuildGetRequest(request.host, request.path));
   ASSERT_GT(served.size(), 3 * kReceiveChunkSize) << "the page should take several receives";
   EXPECT_EQ(served.compare(0, 17, "HTTP/1.1 200 OK\r\n"), 0);
-  EXPECT_EQ(saved, WithDateOf(test::TextMode(served), saved));
+
+  ASSERT_EQ(DownloadPage(), 0);
+  const std::string saved = ReadText(request.localFile);
+  EXPECT_EQ(saved, WithDateOf(TextMode(served), saved));
   const std::string& status = LastDownloadStatus();
   EXPECT_EQ(status.substr(status.size() - 37), "Downloaded OK\nClosing connection.....");
 }
 
 }  // namespace
-}  // namespace qb
+}  // namespace qb::test

@@ -4,35 +4,58 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "resources/resource.h"
+#include "tests/support/gui_helper.h"
+#include "tests/support/loopback_server.h"
+
 namespace qb::test {
 
-// Records, on this thread, the dialog's caption and controls when it opens and the
-// text of its status edit after each WM_SETTEXT (the dialog blocks in its sockets
-// between changes, so nothing else could read them).
+// Records, on this thread, the dialog's caption when it opens and the text of its
+// status edit after each WM_SETTEXT (the dialog blocks in its sockets between
+// changes, so nothing else could read them). A paced server is let go on to its
+// next step each time a byte count is shown.
 class StatusRecorder {
  public:
-  explicit StatusRecorder(std::function<void(const std::string&)> onText = {});
-  ~StatusRecorder();
+  explicit StatusRecorder(LoopbackServer* paced = nullptr)
+      : paced_(paced),
+        hook_(SetWindowsHookExA(WH_CALLWNDPROCRET, Hook, nullptr, GetCurrentThreadId())) {
+    current_ = this;
+  }
+  ~StatusRecorder() {
+    UnhookWindowsHookEx(hook_);
+    current_ = nullptr;
+  }
   StatusRecorder(const StatusRecorder&) = delete;
   StatusRecorder& operator=(const StatusRecorder&) = delete;
 
   std::vector<std::string> texts;
   std::string caption;
-  std::string groupText;
-  LONG editStyle = 0;
 
  private:
-  static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam);
-  static StatusRecorder* current_;
-  std::function<void(const std::string&)> onText_;
+  static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
+    const auto* call = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+    StatusRecorder* self = code == HC_ACTION ? current_ : nullptr;
+    if (self && call->message == WM_INITDIALOG) self->caption = WindowText(call->hwnd);
+    if (self && call->message == WM_SETTEXT && GetDlgCtrlID(call->hwnd) == IDC_DOWNLOAD_STATUS) {
+      const std::string& text = self->texts.emplace_back(WindowText(call->hwnd));
+      if (self->paced_ && text.size() > 6 && text.compare(text.size() - 6, 6, " Bytes") == 0)
+        self->paced_->Continue();
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+  }
+  inline static StatusRecorder* current_ = nullptr;
+  LoopbackServer* paced_;
   HHOOK hook_;
 };
 
 // Each line feed written through a text-mode stream becomes CR LF.
-std::string TextMode(const std::string& bytes);
+inline std::string TextMode(const std::string& bytes) {
+  std::string out;
+  for (char c : bytes) out += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  return out;
+}
 
 }  // namespace qb::test
