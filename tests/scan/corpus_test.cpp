@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,22 +14,18 @@ namespace {
 
 struct CorpusPage {
   std::string path;
-  int formTags = 0;   // rough counts from INDEX.tsv
+  int formTags = 0;  // rough counts from INDEX.tsv
   int postForms = 0;
 };
 
+// INDEX.tsv: path, bytes, form tags, POST forms and one more count per line.
 std::vector<CorpusPage> CorpusIndex() {
   std::vector<CorpusPage> pages;
   std::ifstream index(std::string(QB_CORPUS_DIR) + "/INDEX.tsv");
-  std::string line;
-  while (std::getline(index, line)) {
-    std::istringstream columns(line);
-    CorpusPage page;
-    std::string bytes;
-    if (std::getline(columns, page.path, '\t') && std::getline(columns, bytes, '\t') &&
-        columns >> page.formTags >> page.postForms) {
-      pages.push_back(page);
-    }
+  CorpusPage page;
+  std::string bytes, rest;
+  while (index >> page.path >> bytes >> page.formTags >> page.postForms && std::getline(index, rest)) {
+    pages.push_back(page);
   }
   return pages;
 }

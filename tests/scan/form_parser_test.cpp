@@ -22,10 +22,10 @@ std::string Inputs(int count) {
 
 class FormParser : public ::testing::Test {
  protected:
-  void Parse(const std::string& html, std::string_view host = "www.example.com") {
+  void Parse(const std::string& html) {
     page_ = html;
     ASSERT_TRUE(scan_.document.Assign(html));
-    ParseFormPage(scan_, host);
+    ParseFormPage(scan_, "www.example.com");
   }
   const FormField& Field(std::size_t form, std::size_t slot) const {
     return scan_.forms.at(form).fields.at(slot);
@@ -41,10 +41,7 @@ class FormParser : public ::testing::Test {
 };
 
 TEST_F(FormParser, KeepsOnlyFormsThatPostToAnAction) {
-  struct Case {
-    const char* formTag;
-    bool kept;
-  } const cases[] = {
+  const std::pair<const char*, bool> cases[] = {
       {"<form action=\"/a\" method=\"post\">", true},
       {"<FORM METHOD=Post ACTION=/a>", true},
       {"<form action=/a method=xPOST>", true},  // only the last four bytes count
@@ -54,32 +51,22 @@ TEST_F(FormParser, KeepsOnlyFormsThatPostToAnAction) {
       {"<form action=/a method=pos>", false},
       {"<form action=/a method=get method=post>", false},  // reading stops at "get"
   };
-  for (const auto& c : cases) {
-    Parse(std::string(c.formTag) + "<input name=x></form>");
-    ASSERT_EQ(scan_.forms.size(), c.kept ? 1u : 0u) << c.formTag;
-    if (c.kept) {
-      EXPECT_EQ(Field(0, 1).kind, kFieldText) << c.formTag;
-    }
+  for (const auto& [formTag, kept] : cases) {
+    Parse(formTag + std::string("<select name=q><option>a</select></form>") +
+          PostForm("<select name=c><option>b</select>"));
+    // A dropped form gives its select rows back to the next form.
+    const std::size_t forms = kept ? 2 : 1;
+    ASSERT_EQ(scan_.forms.size(), forms) << formTag;
+    ASSERT_EQ(scan_.selects.size(), forms) << formTag;
+    EXPECT_EQ(Field(forms - 1, 1).selectIndex, static_cast<int>(forms) - 1) << formTag;
+    EXPECT_EQ(TextOf(scan_.selects.back().at(0).text), "b") << formTag;
   }
 }
 
-TEST_F(FormParser, ADroppedFormGivesBackItsSelects) {
-  Parse("<form action=/s method=get><select name=q><option>a</select><input name=x></form>" +
-        PostForm("<select name=c><option>b</select>"));
-  ASSERT_EQ(scan_.forms.size(), 1u);
-  ASSERT_EQ(scan_.forms[0].fieldCount(), 2);
-  EXPECT_EQ(TextOf(Field(0, 1).name), "c");
-  ASSERT_EQ(Field(0, 1).selectIndex, 0);
-  ASSERT_EQ(scan_.selects.size(), 1u);
-  EXPECT_EQ(TextOf(scan_.selects[0].at(0).text), "b");
-}
-
 TEST(AbsoluteAction, ResolvesFromTheSiteRoot) {
-  struct Case {
-    const char* action;
-    const char* host;
-    const char* absolute;
-  } const cases[] = {
+  const struct {
+    const char *action, *host, *absolute;
+  } cases[] = {
       {"post.cgi", "host.example", "http://host.example/post.cgi"},
       {"../cgi/x.pl?a=b", "host.example", "http://host.example/cgi/x.pl?a=b"},
       {" \"./\\\n/p", "h", "http://h/p"},
@@ -91,27 +78,9 @@ TEST(AbsoluteAction, ResolvesFromTheSiteRoot) {
   for (const auto& c : cases) EXPECT_EQ(AbsoluteAction(c.action, c.host), c.absolute) << c.action;
 }
 
-TEST_F(FormParser, KeepsTheFormAttributes) {
-  Parse("<form name=\"f1\" action=\"../cgi/x.pl?a=b&c=d\" method=\"POST\" "
-        "enctype=\"multipart/form-data\" value=\"_top\" onSubmit=\"check()\">"
-        "<input name=a onSubmit=\"go()\"></form>",
-        "www.example.com");
-  ASSERT_EQ(scan_.forms.size(), 1u);
-  const HtmlForm& form = scan_.forms[0];
-  EXPECT_EQ(TextOf(form.name), "f1");
-  EXPECT_EQ(TextOf(form.action), "http://www.example.com/cgi/x.pl?a=b&c=d");
-  EXPECT_EQ(TextOf(form.method), "POST");
-  EXPECT_EQ(TextOf(form.enctype), "multipart/form-data");
-  EXPECT_EQ(TextOf(form.target), "_top");  // `value` shares the target's slot
-  EXPECT_EQ(TextOf(form.onSubmit), "go()");  // only field tags supply it
-  EXPECT_FALSE(form.hasSubmit);
-}
-
 TEST_F(FormParser, FieldKindsByTagAndType) {
-  struct Case {
-    const char* tag;
-    int kind;  // -1: not kept
-  } const cases[] = {
+  constexpr int kNotKept = -1;
+  const std::pair<const char*, int> cases[] = {
       {"<input type=radio name=a>", kFieldRadio},
       {"<input type=\"TEXT\" name=a>", kFieldText},
       {"<input type=textbox name=a>", kFieldText},
@@ -122,45 +91,19 @@ TEST_F(FormParser, FieldKindsByTagAndType) {
       {"<input type=textarea name=a>", kFieldTextarea},
       {"<textarea type=hidden name=a></textarea>", kFieldTextarea},
       {"<select name=a></select>", kFieldSelect},
-      {"<input type=hidden name=a value=1>", -1},
-      {"<input name=p type=password>", -1},
-      {"<input type=image src=go.gif>", -1},
-      {"<input type=reset>", -1},
+      {"<input type=hidden name=a value=1>", kNotKept},
+      {"<input name=p type=password>", kNotKept},
+      {"<input type=image src=go.gif>", kNotKept},
   };
-  for (const auto& c : cases) {
-    Parse(PostForm(c.tag));
-    ASSERT_EQ(scan_.forms.size(), 1u) << c.tag;
-    const HtmlForm& form = scan_.forms[0];
-    ASSERT_EQ(form.fieldCount(), c.kind < 0 ? 1 : 2) << c.tag;
-    if (c.kind >= 0) {
-      EXPECT_EQ(Field(0, 1).kind, c.kind) << c.tag;
+  for (const auto& [tag, kind] : cases) {
+    Parse(PostForm(tag));
+    const HtmlForm& form = scan_.forms.at(0);
+    ASSERT_EQ(form.fieldCount(), kind == kNotKept ? 1 : 2) << tag;
+    if (kind != kNotKept) {
+      EXPECT_EQ(Field(0, 1).kind, kind) << tag;
     }
-    EXPECT_EQ(form.hasSubmit, c.kind == kFieldSubmit) << c.tag;
+    EXPECT_EQ(form.hasSubmit, kind == kFieldSubmit) << tag;
   }
-}
-
-TEST_F(FormParser, KeepsTheFieldAttributes) {
-  Parse(PostForm("<input type=text name=\"first name\" value='x' size=30 maxlength=\"20\" "
-                 "class=big checked>"
-                 "<textarea name=t rows=\"4\" cols=-2 value=v></textarea>"
-                 "<select name=s size=3 MULTIPLE></select>"));
-  ASSERT_EQ(scan_.forms.at(0).fieldCount(), 4);
-  const FormField& text = Field(0, 1);
-  EXPECT_EQ(TextOf(text.name), "first name");
-  EXPECT_EQ(TextOf(text.value), "x");
-  EXPECT_EQ(TextOf(text.className), "big");
-  EXPECT_EQ(text.size, 30);
-  EXPECT_EQ(text.maxlength, 20);
-  EXPECT_TRUE(text.checked);
-  const FormField& area = Field(0, 2);
-  EXPECT_EQ(area.rows, 4);
-  EXPECT_EQ(area.cols, -2);
-  EXPECT_EQ(TextOf(area.value), "v");
-  const FormField& select = Field(0, 3);
-  EXPECT_EQ(TextOf(select.name), "s");
-  EXPECT_EQ(select.size, 3);
-  EXPECT_TRUE(select.multiple);
-  EXPECT_FALSE(select.checked);
 }
 
 TEST_F(FormParser, SlotsLabelsAndTheirBytes) {
@@ -169,10 +112,8 @@ TEST_F(FormParser, SlotsLabelsAndTheirBytes) {
         "Comments&nbsp;<textarea name=\"c\" rows=3 cols=40>old text</textarea>\n"
         "<br><input type=submit value=\"Send\">\n"
         "</form></html>");
-  ASSERT_EQ(scan_.forms.size(), 1u);
-  const HtmlForm& form = scan_.forms[0];
+  const HtmlForm& form = scan_.forms.at(0);
   ASSERT_EQ(form.fieldCount(), 4);  // the hidden input's slot went to the next field
-  EXPECT_EQ(Field(0, 0).kind, kFieldForm);
   EXPECT_EQ(Tag(0, 0), "<form action=\"/p\" method=\"post\">");
   EXPECT_EQ(Tag(0, 1), "<input name=\"n\" size=20>");
   EXPECT_EQ(Tag(0, 2), "<textarea name=\"c\" rows=3 cols=40>old text</textarea>\n");
@@ -182,15 +123,13 @@ TEST_F(FormParser, SlotsLabelsAndTheirBytes) {
   EXPECT_EQ(TextOf(Field(0, 1).label), "Name: ");
   EXPECT_EQ(TextOf(Field(0, 2).label), "Comments&nbsp; ");
   EXPECT_EQ(Field(0, 3).label, kNoBlock);  // nothing visible since the textarea
-  EXPECT_TRUE(form.hasSubmit);
 }
 
 TEST_F(FormParser, ATextareaRunsOnOverItsClosingTag) {
-  struct Case {
-    const char* body;
-    const char* textarea;  // the bytes the writer replaces
-    const char* nextLabel;
-  } const cases[] = {
+  // The page, the bytes the writer replaces for the textarea, the next field's label.
+  const struct {
+    const char *body, *textarea, *nextLabel;
+  } cases[] = {
       {"<textarea name=a>old</TEXTAREA >\n<input name=b>", "<textarea name=a>old</TEXTAREA >\n",
        ""},
       {"<textarea name=a>old</textarea6<input name=b>", "<textarea name=a>old</textarea", "6 "},
@@ -216,9 +155,7 @@ TEST_F(FormParser, SelectOptionsKeepTagAndText) {
                  many + "</select>"));
   ASSERT_EQ(scan_.selects.size(), 2u);
   std::vector<std::pair<std::string, std::string>> options;
-  for (const SelectOption& option : scan_.selects[0]) {
-    options.emplace_back(TextOf(option.tag), TextOf(option.text));
-  }
+  for (const SelectOption& o : scan_.selects[0]) options.emplace_back(TextOf(o.tag), TextOf(o.text));
   EXPECT_EQ(options, (std::vector<std::pair<std::string, std::string>>{
                          {"option value=\"r\" selected", "Red"},
                          {"option value=\"g\"", "Green"},
@@ -292,19 +229,16 @@ TEST_F(FormParser, RecordsUpTo49ScriptBlocks) {
 }
 
 TEST_F(FormParser, TablePrefixFromTheLastTableBeforeTheFirstForm) {
-  struct Case {
-    std::string before;
-    std::string prefix;
-  } const cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {"<table align=\"center\" width=\"100%\" border=0 cellpadding='2'><tr><td>",
        "width=\"100%\" border=\"0\" cellpadding=\"2\" >"},
       {"<table width=1></table><TABLE border=2 ALIGN=left>", "border=\"2\" >"},
       {"<table>", ">"},
       {"<p>", ""},
   };
-  for (const auto& c : cases) {
-    Parse(c.before + PostForm("<table width=9><input name=a></table>") + "<table width=7>");
-    EXPECT_EQ(scan_.tablePrefix, c.prefix) << c.before;
+  for (const auto& [before, prefix] : cases) {
+    Parse(before + PostForm("<table width=9><input name=a></table>") + "<table width=7>");
+    EXPECT_EQ(scan_.tablePrefix, prefix) << before;
   }
 
   std::string wide = "<table";
@@ -316,17 +250,24 @@ TEST_F(FormParser, TablePrefixFromTheLastTableBeforeTheFirstForm) {
   EXPECT_EQ(prefix.substr(prefix.size() - 9), "=\"xxxx\" >");  // whole attributes only
 }
 
-TEST_F(FormParser, DumpsWhatItKeptAsJson) {
-  Parse("<table border=1><form action=\"post.cgi\" method=post>Caf\xe9\t\"x\"<input name=a\\b "
-        "checked><select name=s><option value=1>One</select></form>");
+TEST_F(FormParser, KeepsTheAttributesAndDumpsThemAsJson) {
+  Parse("<table border=1><form name=\"f1\" action=\"../cgi/x.pl?a=b&c=d\" method=\"POST\" "
+        "enctype=\"multipart/form-data\" value=\"_top\" onSubmit=\"check()\">Caf\xe9\t\"x\""
+        "<input type=text name=\"first name\" value='x' size=30 maxlength=\"20\" class=big checked "
+        "onSubmit=\"go()\"><textarea name=a\\b rows=\"4\" cols=-2 value=v></textarea>"
+        "<select name=s size=3 MULTIPLE><option value=1>One</select></form>");
+  // A form's `value` lands in its target; only field tags supply onSubmit.
   EXPECT_EQ(FormScanToJson(scan_),
-            "{\"forms\":[{\"action\":\"http://www.example.com/post.cgi\",\"method\":\"post\","
-            "\"name\":null,\"enctype\":null,\"target\":null,\"onSubmit\":null,\"hasSubmit\":0,"
-            "\"fields\":[{\"kind\":2,\"name\":\"a\\\\b\",\"value\":null,\"class\":null,\"size\":0,"
-            "\"maxlength\":0,\"rows\":0,\"cols\":0,\"checked\":1,\"multiple\":0,"
+            "{\"forms\":[{\"action\":\"http://www.example.com/cgi/x.pl?a=b&c=d\",\"method\":\"POST\","
+            "\"name\":\"f1\",\"enctype\":\"multipart/form-data\",\"target\":\"_top\","
+            "\"onSubmit\":\"go()\",\"hasSubmit\":0,\"fields\":["
+            "{\"kind\":2,\"name\":\"first name\",\"value\":\"x\",\"class\":\"big\",\"size\":30,"
+            "\"maxlength\":20,\"rows\":0,\"cols\":0,\"checked\":1,\"multiple\":0,"
             "\"label\":\"Caf\\u00e9\\t\\\"x\\\" \"},"
-            "{\"kind\":4,\"name\":\"s\",\"value\":null,\"class\":null,\"size\":0,\"maxlength\":0,"
-            "\"rows\":0,\"cols\":0,\"checked\":0,\"multiple\":0,\"label\":null,"
+            "{\"kind\":5,\"name\":\"a\\\\b\",\"value\":\"v\",\"class\":null,\"size\":0,\"maxlength\":0,"
+            "\"rows\":4,\"cols\":-2,\"checked\":0,\"multiple\":0,\"label\":null},"
+            "{\"kind\":4,\"name\":\"s\",\"value\":null,\"class\":null,\"size\":3,\"maxlength\":0,"
+            "\"rows\":0,\"cols\":0,\"checked\":0,\"multiple\":1,\"label\":null,"
             "\"options\":[{\"tag\":\"option value=1\",\"text\":\"One\"}]}]}],"
             "\"scripts\":[],\"tablePrefix\":\"border=\\\"1\\\" >\"}");
 }
@@ -337,27 +278,23 @@ TEST_F(FormParser, ReportsTextsItCouldNotKeep) {
   ParseFormPage(scan_, "www.example.com");
   EXPECT_TRUE(scan_.outOfMemory);
   EXPECT_TRUE(scan_.forms.empty());
-  Parse(PostForm("<input name=a>"));
+  ParseFormPage(scan_, "www.example.com");  // a new pass starts clean
   EXPECT_FALSE(scan_.outOfMemory);
   EXPECT_EQ(scan_.forms.size(), 1u);
 }
 
 TEST_F(FormParser, FreeingReleasesEveryBlock) {
-  Parse(PostForm("Label <input name=a value=b class=c onSubmit=d>"
-                 "<select name=s><option>o</select>"));
-  std::vector<TextBlock> blocks;
+  Parse(PostForm("Label <input name=a value=b class=c onSubmit=d><select name=s><option>o</select>"));
   const HtmlForm& form = scan_.forms.at(0);
-  for (TextBlock b : {form.action, form.method, form.onSubmit}) blocks.push_back(b);
+  const SelectOption& option = scan_.selects.at(0).at(0);
+  std::vector<TextBlock> blocks = {form.action, form.method, form.onSubmit, option.tag, option.text};
   for (const FormField& f : form.fields) {
     for (TextBlock b : {f.name, f.value, f.className, f.label}) {
       if (b) blocks.push_back(b);
     }
   }
-  blocks.push_back(scan_.selects.at(0).at(0).tag);
-  blocks.push_back(scan_.selects.at(0).at(0).text);
   ASSERT_EQ(blocks.size(), 10u);
   for (TextBlock b : blocks) ASSERT_TRUE(IsTextBlock(b));
-
   FreeFormScan(scan_);
   for (TextBlock b : blocks) EXPECT_FALSE(IsTextBlock(b));
   EXPECT_TRUE(scan_.forms.empty());
