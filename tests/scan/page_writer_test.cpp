@@ -51,26 +51,20 @@ const std::vector<KeyTexts> kKeys = {
 
 class PageWriter : public ::testing::Test {
  protected:
-  PageWriter() {
-    UseKeys(kKeys);
-    session_->host = "www.example.com";
-    session_->currentKey = 0;
-    TakeUserMessages();
-  }
-  // A scan of its own for other keys: a scan's keys change only through its prompt.
-  void UseKeys(const std::vector<KeyTexts>& keys) {
-    keys_.Fill(keys);
-    auto fresh = std::make_unique<ScanSession>(*keys_, ScanOptions{}, false, false);
-    if (session_) {
-      fresh->host = session_->host;
-      fresh->currentKey = session_->currentKey;
-    }
-    session_ = std::move(fresh);
-  }
+  PageWriter() : keys_(kKeys) { TakeUserMessages(); }
 
-  std::string Fill(const std::string& html) {
-    EXPECT_TRUE(scan_.document.Assign(html));
+  // Every page gets a scan of its own, as in the program: while a scan runs its
+  // keys change only through its prompt.
+  void Parse(const std::string& html) {
+    session_ = std::make_unique<ScanSession>(*keys_, options_, promptAll_, false);
+    session_->host = "www.example.com";
+    session_->currentKey = currentKey_;
+    session_->prompt = prompt_.get();
+    ASSERT_TRUE(scan_.document.Assign(html));
     ParseFormPage(scan_, session_->host);
+  }
+  std::string Fill(const std::string& html) {
+    Parse(html);
     CheckRadioGroups(scan_, *session_);
     return FilledPage(scan_, *session_);
   }
@@ -83,15 +77,18 @@ class PageWriter : public ::testing::Test {
   std::string OneFieldForm(const std::string& field) {
     return Forms("<form action=/a method=post>" + field + "</form>");
   }
-  void Prompt(std::vector<PromptAnswer> answers, std::array<std::uint32_t, kScanKindCount> ask) {
-    prompt_ = std::make_unique<ScriptedPrompt>(std::move(answers));
-    session_->prompt = prompt_.get();
-    session_->options.askForSelect = ask;
+  void Prompt(std::vector<PromptAnswer> answers, std::array<std::uint32_t, kScanKindCount> ask,
+              KeyTable* learnInto = nullptr) {
+    prompt_ = std::make_unique<ScriptedPrompt>(std::move(answers), learnInto);
+    options_.askForSelect = ask;
   }
 
   OwnedTable keys_;
-  std::unique_ptr<ScanSession> session_;
+  ScanOptions options_;
+  bool promptAll_ = false;
+  int currentKey_ = 0;
   std::unique_ptr<ScriptedPrompt> prompt_;
+  std::unique_ptr<ScanSession> session_;
   FormScan scan_;
 };
 
@@ -126,18 +123,18 @@ TEST_F(PageWriter, WritesEachFieldKindFromItsKeyAndFromNone) {
   };
   const std::string formTag = "<form action=\"http://www.example.com/a\" method=post >\n";
   for (const Case& c : cases) {
-    UseKeys(kKeys);
+    keys_.Fill(kKeys);
     EXPECT_EQ(OneFieldForm(c.field), formTag + c.fromKey + "</form>");
-    UseKeys({kKeys[0]});
+    keys_.Fill({kKeys[0]});
     EXPECT_EQ(OneFieldForm(c.field), formTag + c.fromNone + "</form>");
   }
   EXPECT_TRUE(TakeUserMessages().empty());
 }
 
 TEST_F(PageWriter, TextFieldsNeedACurrentKeyWithADescription) {
-  const std::pair<int, const char*> cases[] = {{kNoKey, "mine"}, {3, "mine"}, {1, "Jane"}, {0, "Jane"}};
+  const std::pair<int, const char*> cases[] = {{kNoKey, "mine"}, {3, "mine"}, {1, "Jane"}};
   for (const auto& [currentKey, value] : cases) {
-    session_->currentKey = currentKey;
+    currentKey_ = currentKey;
     EXPECT_NE(OneFieldForm("<input name=name value=mine>").find(std::string("value=\"") + value + "\""),
               std::string::npos)
         << currentKey;
@@ -171,7 +168,7 @@ TEST_F(PageWriter, OptionTagsLoseTheirSelectedWordsAndOneIsAddedAtMost) {
   EXPECT_EQ(RebuildOptionTag("option selected=\"selected\""), "option selected=\"selected\" ");
   const std::string longWord(kMaxOptionWordBytes + 5, 'v');
   EXPECT_EQ(RebuildOptionTag("option " + longWord), "option " + longWord.substr(0, kMaxOptionWordBytes) + " vvvvv ");
-  UseKeys({{"Me", "me", "Red\r\nBlue", "x"}});
+  keys_.Fill({{"Me", "me", "Red\r\nBlue", "x"}});
   EXPECT_NE(OneFieldForm("<select name=me multiple><option selected>Green<option selected value=b>Blue"
                          "<option>Red</select>")
                 .find("<select multiple name=\"ME\" >\n<option >GREEN</option>\n<option value=b selected>BLUE"
@@ -180,8 +177,7 @@ TEST_F(PageWriter, OptionTagsLoseTheirSelectedWordsAndOneIsAddedAtMost) {
 }
 
 TEST_F(PageWriter, AnUnknownSlotKindIsReportedAndLeftOut) {
-  ASSERT_TRUE(scan_.document.Assign("<form action=/a method=post>A<input name=b>C</form>"));
-  ParseFormPage(scan_, "h");
+  Parse("<form action=/a method=post>A<input name=b>C</form>");
   scan_.forms[0].fields[1].kind = 7;
   EXPECT_NE(FilledPage(scan_, *session_).find("method=post >\nAC</form>"), std::string::npos);
   const std::vector<UserMessage> messages = TakeUserMessages();
@@ -193,8 +189,7 @@ TEST_F(PageWriter, AnUnknownSlotKindIsReportedAndLeftOut) {
 TEST_F(PageWriter, AFileThatCannotBeCreatedIsReportedAndNothingIsAsked) {
   test::TempDir dir;
   Prompt({}, {1, 1, 1, 1, 1});
-  ASSERT_TRUE(scan_.document.Assign("<form action=/a method=post><input name=a><input type=checkbox name=b></form>"));
-  ParseFormPage(scan_, "h");
+  Parse("<form action=/a method=post><input name=a><input type=checkbox name=b></form>");
   EXPECT_FALSE(WriteFilledPage(dir.File("missing") + "/page.htm", scan_, *session_));
   const std::vector<UserMessage> messages = TakeUserMessages();
   ASSERT_EQ(messages.size(), 1u);
@@ -227,9 +222,9 @@ TEST(PostRequest, EncodesValuesLightlyAndReplacesPairsOfTheSameName) {
 }
 
 TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
-  UseKeys({{"Me", "me", "", "Current"}, {"Pick", "", "", "From\r\nprompt"}, {"Agree", "agree", "", "yes"}});
+  keys_.Fill({{"Me", "me", "", "Current"}, {"Pick", "", "", "From\r\nprompt"}, {"Agree", "agree", "", "yes"}});
   Prompt({Ok(1), Ok(kNoMatch), {0, kNoMatch, -1, true}}, {0, 1, 0, 2, 2});
-  session_->promptAll = true;  // selects with Never still are not asked
+  promptAll_ = true;  // selects with Never still are not asked
   const std::string forms = Forms(
       "<form action=/a method=post><input name=unknown><input type=checkbox name=agree value=yes>"
       "<select name=s><option>x</select><input type=checkbox name=other value=v>"
@@ -266,12 +261,10 @@ TEST_F(PageWriter, PromptedSelectsAndRadioGroupsTakeTheChosenValue) {
 }
 
 TEST_F(PageWriter, ANameLearnedInAPromptMatchesTheNextField) {
-  UseKeys({{"Me", "me", "", "Current"}, {"Town", "town", "", "Springfield"}});
-  ScriptedPrompt learning({Ok(1)}, &*keys_);
-  session_->prompt = &learning;
-  session_->options.askForSelect[kPromptText] = kAskUnMatched;
+  keys_.Fill({{"Me", "me", "", "Current"}, {"Town", "town", "", "Springfield"}});
+  Prompt({Ok(1)}, {kAskNever, kAskNever, kAskNever, kAskUnMatched, kAskNever}, &*keys_);
   const std::string forms = OneFieldForm("<input name=city><input name=City>");
-  EXPECT_EQ(learning.requests.size(), 1u);
+  EXPECT_EQ(prompt_->requests.size(), 1u);
   EXPECT_NE(forms.find("name=\"City\" value=\"Springfield\""), std::string::npos);
   EXPECT_EQ(KeyFieldText(*keys_, 1, kSearchNames), "town,CITY");
 }

@@ -5,69 +5,41 @@
 namespace qb {
 namespace {
 
-ScanOptions AskAll(std::uint32_t ask) {
-  ScanOptions options;
-  options.askForSelect.fill(ask);
-  return options;
-}
+constexpr std::uint32_t kAsks[] = {kAskNever, kAskAllways, kAskUnMatched, 7};  // 7 reads as UnMatched
 
-// Columns: Never, Allways, UnMatched, a value no dialog stores (read as UnMatched).
-constexpr std::uint32_t kAsks[] = {kAskNever, kAskAllways, kAskUnMatched, 7};
-
-TEST(ScanOptions, TextFieldsAskInAPromptAllScanOrAsTheOptionSays) {
-  struct Row {
-    bool promptAll;
-    bool keyMatched;
-    bool asks[4];
-  } const rows[] = {
-      {false, true, {false, true, false, false}},
-      {false, false, {false, true, true, true}},
-      {true, true, {true, true, true, true}},
-      {true, false, {true, true, true, true}},
+// The expectations hold one character per value of kAsks: '1' where the scan asks
+// (for radio groups: where it checks them).
+TEST(ScanOptions, WhenEachFieldKindAsks) {
+  const struct {
+    bool promptAll, keyMatched, optionListed;
+    const char *text, *select, *radioAndCheckbox;
+  } rows[] = {
+      {false, true, true, "0100", "0100", "0111"},
+      {false, true, false, "0100", "0111", "0111"},
+      {false, false, false, "0111", "0111", "0111"},
+      {true, true, true, "1111", "0111", "1111"},  // Never holds a select even here
+      {true, false, false, "1111", "0111", "1111"},
   };
-  for (PromptKind kind : {kPromptText, kPromptTextarea}) {
-    for (const Row& row : rows) {
-      for (int a = 0; a < 4; ++a) {
-        EXPECT_EQ(PromptsTextField(AskAll(kAsks[a]), kind, row.promptAll, row.keyMatched), row.asks[a])
-            << kind << " " << row.promptAll << row.keyMatched << " ask " << kAsks[a];
-      }
-    }
-  }
-}
-
-TEST(ScanOptions, SelectsNeverAskWithNeverNotEvenInAPromptAllScan) {
-  struct Row {
-    bool promptAll;
-    bool keyMatched;
-    bool optionListed;
-    bool asks[4];
-  } const rows[] = {
-      {true, false, false, {false, true, true, true}},
-      {true, true, true, {false, true, true, true}},
-      {false, false, false, {false, true, true, true}},
-      {false, true, true, {false, true, false, false}},
-      {false, true, false, {false, true, true, true}},
-  };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     for (int a = 0; a < 4; ++a) {
+      ScanOptions options;
+      options.askForSelect.fill(kAsks[a]);
+      const auto asks = [&](const char* expected) { return expected[a] == '1'; };
+      SCOPED_TRACE(::testing::Message() << row.promptAll << row.keyMatched << row.optionListed
+                                        << " ask " << kAsks[a]);
+      for (PromptKind kind : {kPromptText, kPromptTextarea}) {
+        EXPECT_EQ(PromptsTextField(options, kind, row.promptAll, row.keyMatched), asks(row.text)) << kind;
+      }
       int lookUps = 0;
-      const bool asks = PromptsSelect(AskAll(kAsks[a]), row.promptAll, row.keyMatched, [&] {
+      const auto optionListed = [&] {
         ++lookUps;
         return row.optionListed;
-      });
-      EXPECT_EQ(asks, row.asks[a]) << row.promptAll << row.keyMatched << row.optionListed << " ask " << kAsks[a];
+      };
+      EXPECT_EQ(PromptsSelect(options, row.promptAll, row.keyMatched, optionListed), asks(row.select));
       // The options are looked up only for UnMatched with a matched key.
-      EXPECT_EQ(lookUps, (a >= 2 && row.keyMatched && !row.promptAll) ? 1 : 0);
-    }
-  }
-}
-
-TEST(ScanOptions, RadioGroupsAndCheckBoxesAreLeftAloneOnlyWithNever) {
-  for (std::uint32_t ask : kAsks) {
-    for (bool promptAll : {false, true}) {
-      const bool expected = promptAll || ask != kAskNever;
-      EXPECT_EQ(ChecksRadioGroups(AskAll(ask), promptAll), expected) << ask << promptAll;
-      EXPECT_EQ(PromptsCheckboxes(AskAll(ask), promptAll), expected) << ask << promptAll;
+      EXPECT_EQ(lookUps, a >= 2 && row.keyMatched && !row.promptAll ? 1 : 0);
+      EXPECT_EQ(ChecksRadioGroups(options, row.promptAll), asks(row.radioAndCheckbox));
+      EXPECT_EQ(PromptsCheckboxes(options, row.promptAll), asks(row.radioAndCheckbox));
     }
   }
 }
