@@ -16,21 +16,7 @@ void Check(bool condition) {
   if (!condition) std::abort();
 }
 
-std::vector<qb::RegistryEntry> ReadAll(std::FILE* in) {
-  std::vector<qb::RegistryEntry> entries;
-  qb::RegistryReader reader(in);
-  qb::RegistryEntry e;
-  while (reader.Next(e)) {
-    for (const std::string* line : {&e.url, &e.file}) {
-      Check(!line->empty() && line->size() <= qb::kRegistryLineMax);
-      Check(line->find('\n') == std::string::npos);
-    }
-    entries.push_back(e);
-  }
-  return entries;
-}
-
-// Memory-backed files for the round trip, one pair per fuzzing process.
+// Each input is written to a memory-backed file, read, renamed and read again.
 struct Files {
   const std::string base = "/dev/shm/fuzz_registry." + std::to_string(getpid());
   const std::string registry = base + ".cfg", temp = base + "2.cfg";
@@ -40,27 +26,33 @@ struct Files {
   }
 } g_files;
 
+std::vector<qb::RegistryEntry> ReadAll() {
+  std::vector<qb::RegistryEntry> entries;
+  std::FILE* in = std::fopen(g_files.registry.c_str(), "r");
+  Check(in != nullptr);
+  qb::RegistryReader reader(in);
+  for (qb::RegistryEntry e; reader.Next(e); entries.push_back(e))
+    for (const std::string* line : {&e.url, &e.file})
+      Check(!line->empty() && line->size() <= qb::kRegistryLineMax &&
+            line->find('\n') == line->npos);
+  std::fclose(in);
+  return entries;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::FILE* memory = fmemopen(const_cast<std::uint8_t*>(data), size, "r");
-  if (!memory) return 0;
-  const std::vector<qb::RegistryEntry> entries = ReadAll(memory);
-  std::fclose(memory);
-
-  // The rename prefix is the start of the first file line, so renames do happen.
-  const std::string oldPrefix = entries.empty() ? "C:\\" : entries[0].file.substr(0, 3);
-  const std::string newPrefix = "D:\\Renamed";
   std::FILE* out = std::fopen(g_files.registry.c_str(), "wb");
   if (!out) return 0;
   std::fwrite(data, 1, size, out);
   std::fclose(out);
-  qb::DocumentRegistry(g_files.registry, g_files.temp).RenamePrefix(oldPrefix, newPrefix);
+  const std::vector<qb::RegistryEntry> entries = ReadAll();
 
-  std::FILE* in = std::fopen(g_files.registry.c_str(), "r");
-  if (!in) std::abort();
-  const std::vector<qb::RegistryEntry> after = ReadAll(in);
-  std::fclose(in);
+  // The rename prefix is the start of the first file line, so renames do happen.
+  const std::string oldPrefix = entries.empty() ? "C:\\" : entries[0].file.substr(0, 3);
+  const std::string newPrefix = "D:\\Renamed";
+  qb::DocumentRegistry(g_files.registry, g_files.temp).RenamePrefix(oldPrefix, newPrefix);
+  const std::vector<qb::RegistryEntry> after = ReadAll();
   Check(after.size() == entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
     Check(after[i].url == entries[i].url);

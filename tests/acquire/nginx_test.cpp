@@ -36,14 +36,11 @@ std::string RawFetch(const std::string& request) {
   return response;
 }
 
-// The Date header is the only part that may change between two fetches: the
-// expected text takes the saved one's value.
-std::string WithDateOf(std::string expected, const std::string& saved) {
-  const std::string name = "\nDate: ";
-  const std::size_t e = expected.find(name), s = saved.find(name);
-  if (e == std::string::npos || s == std::string::npos) return expected;
-  const std::size_t eEnd = expected.find('\r', e + 1), sEnd = saved.find('\r', s + 1);
-  return expected.replace(e, eEnd - e, saved.substr(s, sEnd - s));
+// The Date header is the only part that may change between two fetches.
+std::string WithoutDate(std::string response) {
+  const std::size_t at = response.find("\nDate: ");
+  if (at != std::string::npos) response.erase(at, response.find('\n', at + 1) - at);
+  return response;
 }
 
 TEST(Nginx, SavedPageIsTheServedResponseInTextMode) {
@@ -57,7 +54,8 @@ TEST(Nginx, SavedPageIsTheServedResponseInTextMode) {
 
   ASSERT_EQ(DownloadPage(), 0);
   const std::string saved = ReadText(request.localFile);
-  EXPECT_EQ(saved, WithDateOf(TextMode(served), saved));
+  EXPECT_NE(saved.find("\nDate: "), std::string::npos);
+  EXPECT_EQ(WithoutDate(saved), WithoutDate(TextMode(served)));
   const std::string& status = LastDownloadStatus();
   EXPECT_EQ(status.substr(status.size() - 37), "Downloaded OK\nClosing connection.....");
 }

@@ -13,10 +13,10 @@
 
 namespace qb::test {
 
-// Records, on this thread, the dialog's caption when it opens and the text of its
-// status edit after each WM_SETTEXT (the dialog blocks in its sockets between
-// changes, so nothing else could read them). A paced server is let go on to its
-// next step each time a byte count is shown.
+// Records, on this thread, the text of the dialog's status edit after each
+// WM_SETTEXT (the dialog blocks in its sockets between changes, so nothing else
+// could read them). A paced server is let go on to its next step each time a byte
+// count is shown.
 class StatusRecorder {
  public:
   explicit StatusRecorder(LoopbackServer* paced = nullptr)
@@ -32,13 +32,11 @@ class StatusRecorder {
   StatusRecorder& operator=(const StatusRecorder&) = delete;
 
   std::vector<std::string> texts;
-  std::string caption;
 
  private:
   static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
     const auto* call = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
     StatusRecorder* self = code == HC_ACTION ? current_ : nullptr;
-    if (self && call->message == WM_INITDIALOG) self->caption = WindowText(call->hwnd);
     if (self && call->message == WM_SETTEXT && GetDlgCtrlID(call->hwnd) == IDC_DOWNLOAD_STATUS) {
       const std::string& text = self->texts.emplace_back(WindowText(call->hwnd));
       if (self->paced_ && text.size() > 6 && text.compare(text.size() - 6, 6, " Bytes") == 0)
