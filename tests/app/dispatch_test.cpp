@@ -1,48 +1,40 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "app/dispatch.h"
+#include "tests/support/gui_helper.h"
 
 namespace qb {
 namespace {
 
-struct Call {
-  int handler;
-  UINT message;
-  WPARAM wParam;
-  LPARAM lParam;
-};
+// Handler, message (or command id), wParam (or notification code), lParam.
+using Call = std::tuple<int, UINT, WPARAM, LPARAM>;
 std::vector<Call> g_calls;
 
-LRESULT First(HWND, UINT m, WPARAM w, LPARAM l) {
-  g_calls.push_back({1, m, w, l});
-  return 11;
+template <int N>
+LRESULT OnMessage(HWND, UINT m, WPARAM w, LPARAM l) {
+  g_calls.push_back({N, m, w, l});
+  return 10 * N;
 }
-LRESULT Second(HWND, UINT m, WPARAM w, LPARAM l) {
-  g_calls.push_back({2, m, w, l});
-  return 22;
-}
-LRESULT CmdFirst(HWND, WORD id, WORD code, LPARAM control) {
-  g_calls.push_back({1, id, code, control});
-  return 33;
-}
-LRESULT CmdSecond(HWND, WORD id, WORD code, LPARAM control) {
-  g_calls.push_back({2, id, code, control});
-  return 44;
+template <int N>
+LRESULT OnCommand(HWND, WORD id, WORD code, LPARAM control) {
+  g_calls.push_back({N, id, code, control});
+  return 10 * N + 1;
 }
 
 const MessageRow kRows[] = {
-    {WM_USER + 1, First},
-    {WM_USER + 2, Second},
-    {WM_USER + 1, Second},  // dead: the first row wins
+    {WM_USER + 1, OnMessage<1>},
+    {WM_USER + 2, OnMessage<2>},
+    {WM_USER + 1, OnMessage<2>},  // dead: the first row wins
 };
 
 const CommandRow kCommands[] = {
     {0,     nullptr},  // a row without a handler never matches
-    {50302, CmdFirst},
-    {50303, CmdSecond},
-    {50302, CmdSecond},  // dead duplicate
+    {50302, OnCommand<1>},
+    {50303, OnCommand<2>},
+    {50302, OnCommand<2>},  // dead duplicate
 };
 
 class Dispatch : public ::testing::Test {
@@ -57,80 +49,56 @@ class Dispatch : public ::testing::Test {
   HWND window_ = nullptr;
 };
 
-TEST_F(Dispatch, FirstMatchingRowWinsAndLaterDuplicatesAreDead) {
-  const MessageMap map = MakeMessageMap(kRows, kDefaultNone);
-  EXPECT_EQ(map.count, 3);
-  EXPECT_EQ(LookupMessage(map, window_, WM_USER + 1, 7, 8), 11);
-  EXPECT_EQ(LookupMessage(map, window_, WM_USER + 2, 0, 0), 22);
-  ASSERT_EQ(g_calls.size(), 2u);
-  EXPECT_EQ(g_calls[0].handler, 1);
-  EXPECT_EQ(g_calls[0].wParam, 7u);
-  EXPECT_EQ(g_calls[0].lParam, 8);
-  EXPECT_EQ(g_calls[1].handler, 2);
+TEST_F(Dispatch, FirstMatchingRowWinsAndCommandsKeepTheirHighWord) {
+  const MessageMap messages = MakeMessageMap(kRows, kDefaultNone);
+  EXPECT_EQ(LookupMessage(messages, window_, WM_USER + 1, 7, 8), 10);
+  EXPECT_EQ(LookupMessage(messages, window_, WM_USER + 2, 0, 0), 20);
+  const CommandMap commands = MakeCommandMap(kCommands, kDefaultNone);
+  EXPECT_EQ(LookupCommand(commands, window_, MAKEWPARAM(50302, 1), 99), 11);  // accelerator
+  EXPECT_EQ(LookupCommand(commands, window_, MAKEWPARAM(50303, 0), 0), 21);   // menu
+  EXPECT_EQ(LookupCommand(commands, window_, MAKEWPARAM(0, 0), 0), 0);        // handler-less row
+  EXPECT_EQ(g_calls, (std::vector<Call>{{1, WM_USER + 1, 7, 8},
+                                        {2, WM_USER + 2, 0, 0},
+                                        {1, 50302, 1, 99},
+                                        {2, 50303, 0, 0}}));
 }
 
 TEST_F(Dispatch, DefaultSelectorPicksTheDefaultProcedure) {
   // Selector 1 is DefWindowProc: WM_SETTEXT really sets the text.
-  const MessageMap windowMap = MakeMessageMap(kRows, kDefaultWindowProc);
-  EXPECT_TRUE(LookupMessage(windowMap, window_, WM_SETTEXT, 0,
-                            reinterpret_cast<LPARAM>("after")));
-  char text[16] = {};
-  GetWindowTextA(window_, text, sizeof(text));
-  EXPECT_STREQ(text, "after");
-
+  const auto setText = [&](std::uint32_t selector, const char* text) {
+    return LookupMessage(MakeMessageMap(kRows, selector), window_, WM_SETTEXT, 0,
+                         reinterpret_cast<LPARAM>(text));
+  };
+  EXPECT_TRUE(setText(kDefaultWindowProc, "after"));
   // Selector 0 and unknown selectors return 0 and do nothing.
   for (std::uint32_t selector : {0u, 3u, 0xFFFFFFFFu}) {
-    const MessageMap map = MakeMessageMap(kRows, selector);
-    EXPECT_EQ(LookupMessage(map, window_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("none")), 0);
-    GetWindowTextA(window_, text, sizeof(text));
-    EXPECT_STREQ(text, "after");
+    EXPECT_EQ(setText(selector, "none"), 0) << selector;
+    EXPECT_EQ(test::WindowText(window_), "after") << selector;
   }
   EXPECT_TRUE(g_calls.empty());
 }
 
-// A dialog whose procedure records what reaches it through DefDlgProc.
+// A dialog that records the commands DefDlgProc hands it.
 std::vector<Call> g_dialogCalls;
 INT_PTR CALLBACK RecordingDialog(HWND, UINT m, WPARAM w, LPARAM l) {
   if (m == WM_COMMAND) g_dialogCalls.push_back({0, m, w, l});
   return FALSE;
 }
 
-HWND CreateEmptyDialog() {
+TEST_F(Dispatch, SelectorTwoIsTheDialogDefaultProcedure) {
   // DLGTEMPLATE + empty menu, class and title, aligned to a DWORD.
   alignas(4) WORD tmpl[16] = {};
   auto* t = reinterpret_cast<DLGTEMPLATE*>(tmpl);
   t->style = WS_POPUP;
-  t->cx = 50;
-  t->cy = 20;
-  return CreateDialogIndirectParamA(GetModuleHandleA(nullptr), t, nullptr, RecordingDialog, 0);
-}
-
-TEST_F(Dispatch, SelectorTwoIsTheDialogDefaultProcedure) {
-  HWND dialog = CreateEmptyDialog();
+  HWND dialog =
+      CreateDialogIndirectParamA(GetModuleHandleA(nullptr), t, nullptr, RecordingDialog, 0);
   ASSERT_NE(dialog, nullptr);
   g_dialogCalls.clear();
-  const CommandMap map = MakeCommandMap(kCommands, kDefaultDialogProc);
   // An unknown command goes on as message 273 with wParam and lParam as received.
-  LookupCommand(map, dialog, MAKEWPARAM(1234, 1), 0x5678);
-  ASSERT_EQ(g_dialogCalls.size(), 1u);
-  EXPECT_EQ(g_dialogCalls[0].message, 273u);
-  EXPECT_EQ(g_dialogCalls[0].wParam, MAKEWPARAM(1234, 1));
-  EXPECT_EQ(g_dialogCalls[0].lParam, 0x5678);
+  LookupCommand(MakeCommandMap(kCommands, kDefaultDialogProc), dialog, MAKEWPARAM(1234, 1), 0x5678);
+  EXPECT_EQ(g_dialogCalls, (std::vector<Call>{{0, 273, MAKEWPARAM(1234, 1), 0x5678}}));
   EXPECT_TRUE(g_calls.empty());
   DestroyWindow(dialog);
-}
-
-TEST_F(Dispatch, CommandLookupSplitsWParamAndKeepsTheHighWord) {
-  const CommandMap map = MakeCommandMap(kCommands, kDefaultNone);
-  EXPECT_EQ(LookupCommand(map, window_, MAKEWPARAM(50302, 1), 99), 33);  // accelerator
-  EXPECT_EQ(LookupCommand(map, window_, MAKEWPARAM(50303, 0), 0), 44);   // menu
-  EXPECT_EQ(LookupCommand(map, window_, MAKEWPARAM(0, 0), 0), 0);        // handler-less row
-  ASSERT_EQ(g_calls.size(), 2u);
-  EXPECT_EQ(g_calls[0].handler, 1);  // the duplicate 50302 row is never reached
-  EXPECT_EQ(g_calls[0].message, 50302u);
-  EXPECT_EQ(g_calls[0].wParam, 1u);
-  EXPECT_EQ(g_calls[0].lParam, 99);
-  EXPECT_EQ(g_calls[1].wParam, 0u);
 }
 
 }  // namespace

@@ -2,142 +2,101 @@
 // docked bars and the two views go for each arrangement of bars and views.
 #include "tests/app/main_window_fixture.h"
 
-#include "resources/resource.h"
-
 namespace qb::test {
 namespace {
 
-struct Expect {
+struct Box {
   int x, y, w, h;
 };
 
-RECT ToRect(const Expect& e) { return RECT{e.x, e.y, e.x + e.w, e.y + e.h}; }
-
-class Layouts : public MainWindowTest {
- protected:
-  void ExpectAt(HWND child, const Expect& e, const char* what) {
-    const RECT r = ChildRect(child);
-    EXPECT_TRUE(SameRect(r, ToRect(e))) << what << " at " << Describe(r) << ", expected "
-                                        << Describe(ToRect(e));
-  }
-};
+enum Shown { kTool = 1, kDatabases = 2, kKeys = 4, kLinks = 8, kAll = 15 };
 
 struct LayoutCase {
   const char* name;
   std::uint8_t toolSide, databaseSide;
-  bool toolShown, databaseShown, keysShown, linksShown;
+  int shown;
   WORD arrangement;
-  int width, height;
-  // Expected rectangles, given the status bar's height s.
-  Expect (*tool)(int s);
-  Expect (*database)(int s);
-  Expect (*keys)(int s);
-  Expect (*links)(int s);
+  int width, room;  // the client area above the status bar
+  Box boxes[4];     // tool bar, databases bar, Keys view, Links view (when shown)
 };
 
 const LayoutCase kCases[] = {
-    {"both bars at the top", kSideTop, kSideTop, true, true, true, true, IDM_WINDOW_HORIZONTAL,
-     700, 400,
-     [](int) { return Expect{-4, 0, 706, 30}; },
-     [](int) { return Expect{-4, 30, 706, 30}; },
-     [](int s) { return Expect{0, 60, 350, 340 - s}; },
-     [](int s) { return Expect{350, 60, 350, 340 - s}; }},
-    {"tool bar left, databases bar top", kSideLeft, kSideTop, true, true, true, true,
-     IDM_WINDOW_HORIZONTAL, 700, 400,
-     [](int s) { return Expect{0, 30, 30, 400 - s - 30}; },
-     [](int) { return Expect{-4, 0, 706, 30}; },
-     [](int s) { return Expect{30, 30, 335, 370 - s}; },
-     [](int s) { return Expect{365, 30, 335, 370 - s}; }},
-    {"databases bar left yields to the tool bar at the top", kSideTop, kSideLeft, true, true,
-     true, true, IDM_WINDOW_HORIZONTAL, 700, 400,
-     [](int) { return Expect{-4, 0, 706, 30}; },
-     [](int s) { return Expect{0, 30, 30, 400 - s - 30}; },
-     [](int s) { return Expect{30, 30, 335, 370 - s}; },
-     [](int s) { return Expect{365, 30, 335, 370 - s}; }},
-    {"both at the bottom, the second above the first", kSideBottom, kSideBottom, true, true,
-     true, true, IDM_WINDOW_VERTICAL, 700, 401,
-     [](int s) { return Expect{-4, 401 - 30 - s, 706, 30}; },
-     [](int s) { return Expect{-4, 401 - 60 - s, 706, 30}; },
-     [](int s) { return Expect{0, 0, 700, (341 - s) / 2}; },
-     [](int s) { return Expect{0, (341 - s) / 2, 700, (341 - s) / 2}; }},
-    {"both at the right, the second inside the first", kSideRight, kSideRight, true, true, true,
-     true, IDM_WINDOW_HORIZONTAL, 700, 400,
-     [](int s) { return Expect{670, 0, 30, 400 - s}; },
-     [](int s) { return Expect{640, 0, 30, 400 - s}; },
-     [](int s) { return Expect{0, 0, 320, 400 - s}; },
-     [](int s) { return Expect{320, 0, 320, 400 - s}; }},
-    {"both at the left", kSideLeft, kSideLeft, true, true, true, true, IDM_WINDOW_HORIZONTAL,
-     700, 400,
-     [](int s) { return Expect{0, 0, 30, 400 - s}; },
-     [](int s) { return Expect{30, 0, 30, 400 - s}; },
-     [](int s) { return Expect{60, 0, 320, 400 - s}; },
-     [](int s) { return Expect{380, 0, 320, 400 - s}; }},
+    {"both bars at the top", kSideTop, kSideTop, kAll, IDM_WINDOW_HORIZONTAL, 700, 370,
+     {{-4, 0, 706, 30}, {-4, 30, 706, 30}, {0, 60, 350, 310}, {350, 60, 350, 310}}},
+    {"tool bar left, databases bar top", kSideLeft, kSideTop, kAll, IDM_WINDOW_HORIZONTAL, 700, 370,
+     {{0, 30, 30, 340}, {-4, 0, 706, 30}, {30, 30, 335, 340}, {365, 30, 335, 340}}},
+    {"databases bar left yields to the tool bar at the top", kSideTop, kSideLeft, kAll,
+     IDM_WINDOW_HORIZONTAL, 700, 370,
+     {{-4, 0, 706, 30}, {0, 30, 30, 340}, {30, 30, 335, 340}, {365, 30, 335, 340}}},
+    // An odd height leaves the last row uncovered.
+    {"both at the bottom, the second above the first", kSideBottom, kSideBottom, kAll,
+     IDM_WINDOW_VERTICAL, 700, 371,
+     {{-4, 341, 706, 30}, {-4, 311, 706, 30}, {0, 0, 700, 155}, {0, 155, 700, 155}}},
+    {"both at the right, the second inside the first", kSideRight, kSideRight, kAll,
+     IDM_WINDOW_HORIZONTAL, 700, 370,
+     {{670, 0, 30, 370}, {640, 0, 30, 370}, {0, 0, 320, 370}, {320, 0, 320, 370}}},
+    {"both at the left", kSideLeft, kSideLeft, kAll, IDM_WINDOW_HORIZONTAL, 700, 370,
+     {{0, 0, 30, 370}, {30, 0, 30, 370}, {60, 0, 320, 370}, {380, 0, 320, 370}}},
     // An odd width leaves the last column uncovered.
-    {"odd width, bars hidden", kSideTop, kSideTop, false, false, true, true,
-     IDM_WINDOW_HORIZONTAL, 601, 400, nullptr, nullptr,
-     [](int s) { return Expect{0, 0, 300, 400 - s}; },
-     [](int s) { return Expect{300, 0, 300, 400 - s}; }},
-    {"a hidden bar gives its room back", kSideTop, kSideTop, false, true, true, true,
-     IDM_WINDOW_HORIZONTAL, 700, 400, nullptr,
-     [](int) { return Expect{-4, 0, 706, 30}; },
-     [](int s) { return Expect{0, 30, 350, 370 - s}; },
-     [](int s) { return Expect{350, 30, 350, 370 - s}; }},
-    {"Links view alone fills the room", kSideTop, kSideBottom, true, true, false, true,
-     IDM_WINDOW_VERTICAL, 700, 400,
-     [](int) { return Expect{-4, 0, 706, 30}; },
-     [](int s) { return Expect{-4, 400 - 30 - s, 706, 30}; }, nullptr,
-     [](int s) { return Expect{0, 30, 700, 340 - s}; }},
-    {"Keys view alone fills the room", kSideRight, kSideTop, true, true, true, false,
-     IDM_WINDOW_HORIZONTAL, 700, 400,
-     [](int s) { return Expect{670, 30, 30, 370 - s}; },
-     [](int) { return Expect{-4, 0, 706, 30}; },
-     [](int s) { return Expect{0, 30, 670, 370 - s}; }, nullptr},
+    {"odd width, bars hidden", kSideTop, kSideTop, kKeys | kLinks, IDM_WINDOW_HORIZONTAL, 601, 370,
+     {{}, {}, {0, 0, 300, 370}, {300, 0, 300, 370}}},
+    {"a hidden bar gives its room back", kSideTop, kSideTop, kAll & ~kTool, IDM_WINDOW_HORIZONTAL,
+     700, 370, {{}, {-4, 0, 706, 30}, {0, 30, 350, 340}, {350, 30, 350, 340}}},
+    {"Links view alone fills the room", kSideTop, kSideBottom, kAll & ~kKeys, IDM_WINDOW_VERTICAL,
+     700, 370, {{-4, 0, 706, 30}, {-4, 340, 706, 30}, {}, {0, 30, 700, 310}}},
+    // A saved side out of range is the top.
+    {"Keys view alone fills the room", kSideRight, 9, kAll & ~kLinks, IDM_WINDOW_HORIZONTAL,
+     700, 370, {{670, 30, 30, 340}, {-4, 0, 706, 30}, {0, 30, 670, 340}, {}}},
 };
+
+void ExpectAt(const RECT& r, const Box& b, const char* what) {
+  EXPECT_EQ(Describe(r), Describe(RECT{b.x, b.y, b.x + b.w, b.y + b.h})) << what;
+}
+
+using Layouts = MainWindowTest;
 
 TEST_F(Layouts, PlacesBarsAndViewsForEachArrangement) {
   for (const LayoutCase& c : kCases) {
     SCOPED_TRACE(c.name);
     Settings().toolBarSide = c.toolSide;
     Settings().databaseBarSide = c.databaseSide;
-    ASSERT_NE(Open(c.width, c.height), nullptr);
-    if (!c.toolShown) Command(IDM_TOOL_BAR);
-    if (!c.databaseShown) Command(IDM_DATABASES_BAR);
-    if (!c.keysShown) Command(IDM_LINK_WINDOW);  // the items act on the other view
-    if (!c.linksShown) Command(IDM_KEY_WINDOW);
-    Command(c.arrangement);
-
+    ASSERT_NE(Open(), nullptr);
     const int s = StatusBar().height;
     ASSERT_GT(s, 0);
+    SetClientSize(c.width, c.room + s);
     RECT client;
     GetClientRect(window_, &client);
-    ASSERT_EQ(client.right, c.width);
-    ASSERT_EQ(client.bottom, c.height);
-    ExpectAt(StatusBar().window, Expect{0, c.height - s, c.width, s}, "status bar");
-    if (c.tool) ExpectAt(ToolBarDescriptor().window, c.tool(s), "tool bar");
-    EXPECT_EQ(IsWindowVisible(ToolBarDescriptor().window) != FALSE, c.toolShown);
-    if (c.database) ExpectAt(DatabaseBarDescriptor().window, c.database(s), "databases bar");
-    if (c.keys) ExpectAt(App().keysView, c.keys(s), "Keys view");
-    EXPECT_EQ(IsWindowVisible(App().keysView) != FALSE, c.keysShown);
-    if (c.links) ExpectAt(App().linksView, c.links(s), "Links view");
-    EXPECT_EQ(IsWindowVisible(App().linksView) != FALSE, c.linksShown);
-    DestroyWindow(window_);
-    Drain();
+    ASSERT_EQ(Describe(client), Describe(RECT{0, 0, c.width, c.room + s}));
+    // "&Key window" hides the Links view, "&Link window" the Keys view.
+    const WORD hide[] = {IDM_TOOL_BAR, IDM_DATABASES_BAR, IDM_LINK_WINDOW, IDM_KEY_WINDOW};
+    for (int i = 0; i < 4; ++i)
+      if (!(c.shown & 1 << i)) Command(hide[i]);
+    Command(c.arrangement);
+
+    ExpectAt(ChildRect(StatusBar().window), Box{0, c.room, c.width, s}, "status bar");
+    const HWND windows[] = {ToolBarDescriptor().window, DatabaseBarDescriptor().window,
+                            App().keysView, App().linksView};
+    const char* names[] = {"tool bar", "databases bar", "Keys view", "Links view"};
+    for (int i = 0; i < 4; ++i) {
+      const bool shown = c.shown & 1 << i;
+      EXPECT_EQ(Visible(windows[i]), shown) << names[i];
+      if (shown) ExpectAt(ChildRect(windows[i]), c.boxes[i], names[i]);
+    }
   }
 }
 
 TEST_F(Layouts, HiddenStatusBarGivesItsRoomToTheViews) {
   ASSERT_NE(Open(), nullptr);
   Command(IDM_STATUS_BAR);
-  EXPECT_FALSE(IsWindowVisible(StatusBar().window));
+  EXPECT_FALSE(Visible(StatusBar().window));
   EXPECT_FALSE(Checked(IDM_STATUS_BAR));
   EXPECT_EQ(ChildRect(App().keysView).bottom, 400);
   // Status texts wait while the bar is hidden.
   SetStatusText("while hidden");
   Command(IDM_STATUS_BAR);
-  EXPECT_TRUE(IsWindowVisible(StatusBar().window));
+  EXPECT_TRUE(Visible(StatusBar().window));
   EXPECT_TRUE(Checked(IDM_STATUS_BAR));
   EXPECT_EQ(StatusText(), "Quellbarrow");
-  EXPECT_EQ(ChildRect(StatusBar().window).top, 400 - StatusBar().height);
   EXPECT_EQ(ChildRect(App().keysView).bottom, 400 - StatusBar().height);
 }
 
@@ -149,7 +108,7 @@ TEST_F(Layouts, MinimizingLeavesTheLayoutAndTheSavedRectangleAlone) {
   Settings().arrangement = kVertical;
   SetWindowPos(window_, nullptr, 33, 44, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
   EXPECT_EQ(SendMessageA(window_, WM_SIZE, SIZE_MINIMIZED, 0), 0);
-  EXPECT_TRUE(SameRect(ChildRect(App().keysView), keys));
+  EXPECT_EQ(Describe(ChildRect(App().keysView)), Describe(keys));
   EXPECT_EQ(Settings().windowRect.left, saved.left);
 
   SendMessageA(window_, WM_SIZE, kRelayoutRequest, 0);
@@ -165,7 +124,7 @@ TEST_F(Layouts, SizeMessagesWaitWhileABarIsDragged) {
 
   const RECT keys = ChildRect(App().keysView);
   SetClientSize(500, 300);
-  EXPECT_TRUE(SameRect(ChildRect(App().keysView), keys));
+  EXPECT_EQ(Describe(ChildRect(App().keysView)), Describe(keys));
 
   // Dropped back at the top: docked there again, and laid out for the new size.
   DropAt(POINT{200, 5});
@@ -176,44 +135,18 @@ TEST_F(Layouts, SizeMessagesWaitWhileABarIsDragged) {
   EXPECT_EQ(ChildRect(App().keysView).right, 250);
 }
 
-TEST_F(Layouts, ViewCommandsAreCrossedAndChecked) {
-  ASSERT_NE(Open(), nullptr);
-  SendMessageA(window_, WM_INITMENU, reinterpret_cast<WPARAM>(GetMenu(window_)), 0);
-  EXPECT_TRUE(Checked(IDM_KEY_WINDOW));
-  EXPECT_TRUE(Checked(IDM_LINK_WINDOW));
-
-  Command(IDM_KEY_WINDOW);  // "&Key window" hides the Links view
-  EXPECT_FALSE(Layout().linksShown);
-  EXPECT_FALSE(IsWindowVisible(App().linksView));
-  EXPECT_TRUE(IsWindowVisible(App().keysView));
-  EXPECT_EQ(ChildRect(App().keysView).right, 700);
-  SendMessageA(window_, WM_INITMENU, reinterpret_cast<WPARAM>(GetMenu(window_)), 0);
-  EXPECT_FALSE(Checked(IDM_KEY_WINDOW));
-  EXPECT_TRUE(Checked(IDM_LINK_WINDOW));
-
-  Command(IDM_LINK_WINDOW);  // and "&Link window" the Keys view
-  EXPECT_FALSE(IsWindowVisible(App().keysView));
-  Command(IDM_KEY_WINDOW);
-  EXPECT_TRUE(IsWindowVisible(App().linksView));
-  EXPECT_TRUE(SameRect(ChildRect(App().linksView), RECT{0, 60, 700, 400 - StatusBar().height}));
-}
-
 TEST_F(Layouts, OnTopCommandsOrderTheMainWindowAndKeepHiddenViewsHidden) {
   ASSERT_NE(Open(), nullptr);
   Command(IDM_KEY_WINDOW);  // Links view hidden
   Command(IDM_WINDOW_ONTOP);
   EXPECT_EQ(Settings().onTop, 1);
-  EXPECT_TRUE(GetWindowLongA(window_, GWL_EXSTYLE) & WS_EX_TOPMOST);
-  EXPECT_FALSE(IsWindowVisible(App().linksView));
-  EXPECT_TRUE(IsWindowVisible(App().keysView));
-  SendMessageA(window_, WM_INITMENU, reinterpret_cast<WPARAM>(GetMenu(window_)), 0);
-  EXPECT_TRUE(Checked(IDM_WINDOW_ONTOP));
-  EXPECT_FALSE(Checked(IDM_WINDOW_NORMAL));
-
+  EXPECT_TRUE(Topmost(window_));
+  EXPECT_FALSE(Visible(App().linksView));
+  EXPECT_TRUE(Visible(App().keysView));
   Command(IDM_WINDOW_NORMAL);
   EXPECT_EQ(Settings().onTop, 0);
-  EXPECT_FALSE(GetWindowLongA(window_, GWL_EXSTYLE) & WS_EX_TOPMOST);
-  EXPECT_FALSE(IsWindowVisible(App().linksView));
+  EXPECT_FALSE(Topmost(window_));
+  EXPECT_FALSE(Visible(App().linksView));
 }
 
 }  // namespace

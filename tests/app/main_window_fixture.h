@@ -16,6 +16,7 @@
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
 #include "keys/key_table.h"
+#include "resources/resource.h"
 #include "tests/support/gui_helper.h"
 #include "tests/support/temp_dir.h"
 
@@ -55,10 +56,13 @@ class MainWindowTest : public ::testing::Test {
     SetDatabaseChanged(false);
   }
 
-  // Creates the main window with a client area of `width` x `height`.
+  // Creates the main window (a window left open before goes first); with a size,
+  // sized to a client area of `width` x `height`.
   HWND Open(int width = 700, int height = 400) {
+    if (window_ && IsWindow(window_)) DestroyWindow(window_);
+    Drain();
     window_ = CreateMainWindow(Instance(), SW_SHOWNORMAL);
-    if (window_) SetClientSize(width, height);
+    if (window_ && width) SetClientSize(width, height);
     return window_;
   }
 
@@ -88,14 +92,28 @@ class MainWindowTest : public ::testing::Test {
     return SendMessageA(window_, WM_COMMAND, MAKEWPARAM(id, code), 0);
   }
 
+  LRESULT InitMenu(HMENU menu = nullptr) {
+    return SendMessageA(window_, WM_INITMENU,
+                        reinterpret_cast<WPARAM>(menu ? menu : GetMenu(window_)), 0);
+  }
+
+  bool Checked(UINT id) const { return MenuState(id) & MF_CHECKED; }
+  bool Greyed(UINT id) const { return MenuState(id) & MF_GRAYED; }
   UINT MenuState(UINT id) const { return GetMenuState(GetMenu(window_), id, MF_BYCOMMAND); }
-  bool Checked(UINT id) const { return (MenuState(id) & MF_CHECKED) != 0; }
-  bool Greyed(UINT id) const { return (MenuState(id) & MF_GRAYED) != 0; }
+  static bool Visible(HWND w) { return IsWindowVisible(w) != FALSE; }
+  static bool Topmost(HWND w) { return (GetWindowLongA(w, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; }
 
   std::string StatusText() const {
     char text[300] = {};
     SendMessageA(StatusBar().window, SB_GETTEXTA, 0, reinterpret_cast<LPARAM>(text));
     return text;
+  }
+
+  // Closes the main window, which saves the settings, and returns the file's bytes.
+  std::vector<std::uint8_t> CloseAndReadSettings() {
+    SendMessageA(window_, WM_CLOSE, 0, 0);
+    Drain();
+    return ReadBytes(dir_.File("pellwick.cfg"));
   }
 
   static POINT Centre(const RECT& r) { return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2}; }
@@ -123,6 +141,12 @@ class MainWindowTest : public ::testing::Test {
     SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
   }
 
+  // Drags the bar by its grip and drops it at `p`.
+  void DragTo(DockBar& bar, POINT p) {
+    ASSERT_TRUE(StartDrag(bar));
+    DropAt(p);
+  }
+
   // Dispatches what is queued, a quit message included.
   static void Drain() {
     MSG msg;
@@ -133,10 +157,7 @@ class MainWindowTest : public ::testing::Test {
   HWND window_ = nullptr;
 };
 
-inline bool SameRect(const RECT& a, const RECT& b) {
-  return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
+// Rectangles compare as text, so that a failure shows both.
 inline std::string Describe(const RECT& r) {
   return "(" + std::to_string(r.left) + "," + std::to_string(r.top) + ")-(" +
          std::to_string(r.right) + "," + std::to_string(r.bottom) + ")";

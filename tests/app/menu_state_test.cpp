@@ -1,8 +1,6 @@
 // Menu greying and checking from the program's state, and the menu help line.
 #include "tests/app/main_window_fixture.h"
 
-#include "resources/resource.h"
-
 namespace qb::test {
 namespace {
 
@@ -11,13 +9,6 @@ class Menus : public MainWindowTest {
   void SetUp() override {
     MainWindowTest::SetUp();
     ASSERT_NE(Open(), nullptr);
-  }
-  LRESULT InitMenu(HMENU menu) {
-    return SendMessageA(window_, WM_INITMENU, reinterpret_cast<WPARAM>(menu), 0);
-  }
-  LRESULT Select(WORD item, WORD flags, HMENU menu) {
-    return SendMessageA(window_, WM_MENUSELECT, MAKEWPARAM(item, flags),
-                        reinterpret_cast<LPARAM>(menu));
   }
 };
 
@@ -50,42 +41,36 @@ TEST_F(Menus, GreysCommandsFromTheDatabaseState) {
     Keys().count = c.keys;
     SetDatabaseChanged(c.modified);
     SetCopiedKeyIndex(c.copied);
-    EXPECT_EQ(InitMenu(GetMenu(window_)), 0);
-    for (UINT id : c.enabled) {
-      EXPECT_FALSE(Greyed(id)) << id;
-      EXPECT_TRUE(CommandAvailable(static_cast<WORD>(id))) << id;
-    }
-    for (UINT id : c.greyed) {
-      EXPECT_TRUE(Greyed(id)) << id;
-      EXPECT_FALSE(CommandAvailable(static_cast<WORD>(id))) << id;
-    }
+    EXPECT_EQ(InitMenu(), 0);
+    // The menu and the tool bar (which asks CommandAvailable) agree.
+    const auto state = [&](UINT id) { return std::pair(Greyed(id), CommandAvailable(WORD(id))); };
+    for (UINT id : c.enabled) EXPECT_EQ(state(id), std::pair(false, true)) << id;
+    for (UINT id : c.greyed) EXPECT_EQ(state(id), std::pair(true, false)) << id;
   }
   Keys().count = 0;
 }
 
 TEST_F(Menus, ChecksFollowBarsViewsAndWindowOptions) {
-  InitMenu(GetMenu(window_));
-  for (UINT id : {IDM_TOOL_BAR, IDM_DATABASES_BAR, IDM_KEY_WINDOW, IDM_LINK_WINDOW, IDM_STATUS_BAR,
-                  IDM_WINDOW_NORMAL, IDM_WINDOW_HORIZONTAL})
-    EXPECT_TRUE(Checked(id)) << id;
-  for (UINT id : {IDM_WINDOW_ONTOP, IDM_WINDOW_VERTICAL}) EXPECT_FALSE(Checked(id)) << id;
+  const UINT ids[] = {IDM_TOOL_BAR,      IDM_DATABASES_BAR, IDM_KEY_WINDOW, IDM_LINK_WINDOW,
+                      IDM_STATUS_BAR,    IDM_WINDOW_NORMAL, IDM_WINDOW_ONTOP,
+                      IDM_WINDOW_HORIZONTAL, IDM_WINDOW_VERTICAL};
+  const auto checks = [&] {
+    InitMenu();
+    std::vector<bool> v;
+    for (UINT id : ids) v.push_back(Checked(id));
+    return v;
+  };
+  EXPECT_EQ(checks(), (std::vector<bool>{1, 1, 1, 1, 1, 1, 0, 1, 0}));
 
-  // Changed behind the menu's back; the next opening shows the truth.
+  // Changed behind the menu's back; the next opening shows the truth. "&Key window"
+  // is checked while the Links view shows.
   ToolBarDescriptor().state = kBarDockedHidden;
   DatabaseBarDescriptor().state = kBarFloatingHidden;
   Layout().keysShown = false;
   StatusBar().shown = false;
   Settings().onTop = 1;
   Settings().arrangement = kVertical;
-  InitMenu(GetMenu(window_));
-  for (UINT id : {IDM_TOOL_BAR, IDM_DATABASES_BAR, IDM_LINK_WINDOW, IDM_STATUS_BAR,
-                  IDM_WINDOW_NORMAL, IDM_WINDOW_HORIZONTAL})
-    EXPECT_FALSE(Checked(id)) << id;
-  for (UINT id : {IDM_KEY_WINDOW, IDM_WINDOW_ONTOP, IDM_WINDOW_VERTICAL})
-    EXPECT_TRUE(Checked(id)) << id;
-  ToolBarDescriptor().state = kBarDocked;
-  DatabaseBarDescriptor().state = kBarDocked;
-  StatusBar().shown = true;
+  EXPECT_EQ(checks(), (std::vector<bool>{0, 0, 1, 0, 0, 0, 1, 0, 1}));
 }
 
 TEST_F(Menus, APopUpMenuOfAViewIsLeftAlone) {
@@ -97,17 +82,24 @@ TEST_F(Menus, APopUpMenuOfAViewIsLeftAlone) {
 }
 
 TEST_F(Menus, HighlightedItemShowsItsHelpAndClosingShowsSeparator) {
-  HMENU menu = GetMenu(window_);
-  EXPECT_EQ(Select(IDM_NEW_DATABASE, MF_STRING, menu), 0);
-  EXPECT_EQ(StatusText(), "Create a new Quellbarrow database");
-  Select(IDM_KEY_WINDOW, MF_STRING | MF_CHECKED, menu);
-  EXPECT_EQ(StatusText(), "Show or hide list window");
-  Select(0, MF_SEPARATOR, menu);
-  EXPECT_EQ(StatusText(), "Separator");
-  Select(IDM_COMPACT_CONFIGHTML, MF_STRING, menu);
-  EXPECT_EQ(StatusText(), "Remove deleted links from a file ConfigHtml.cfg");
-  Select(0, 0xFFFF, nullptr);
-  EXPECT_EQ(StatusText(), "Separator");
+  const struct {
+    WORD item, flags;  // flags 0xFFFF: the menu closed
+    const char* text;
+  } rows[] = {
+      {IDM_NEW_DATABASE, MF_STRING, "Create a new Quellbarrow database"},
+      {IDM_EXIT, MF_STRING, "Exit this program"},
+      {IDM_KEY_WINDOW, MF_STRING | MF_CHECKED, "Show or hide list window"},
+      {0, MF_SEPARATOR, "Separator"},
+      {IDM_LINK_WINDOW, MF_STRING, "Show or hide tree window"},
+      {IDM_COMPACT_CONFIGHTML, MF_STRING, "Remove deleted links from a file ConfigHtml.cfg"},
+      {0, 0xFFFF, "Separator"},
+  };
+  for (const auto& r : rows) {
+    const HMENU menu = r.flags == 0xFFFF ? nullptr : GetMenu(window_);
+    EXPECT_EQ(SendMessageA(window_, WM_MENUSELECT, MAKEWPARAM(r.item, r.flags),
+                           reinterpret_cast<LPARAM>(menu)), 0);
+    EXPECT_EQ(StatusText(), r.text) << r.item;
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <tuple>
 
 #include "app/settings.h"
 #include "tests/support/temp_dir.h"
@@ -8,127 +9,78 @@
 namespace qb {
 namespace {
 
+// A file whose bytes all differ from their neighbours, reserved fields included.
+std::vector<std::uint8_t> Pattern() {
+  std::vector<std::uint8_t> bytes(kSettingsFileSize);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = std::uint8_t(i * 7 + i / 256 + 1);
+  return bytes;
+}
+
 std::uint32_t U32At(const std::vector<std::uint8_t>& b, std::size_t offset) {
   return b[offset] | b[offset + 1] << 8 | b[offset + 2] << 16 | std::uint32_t(b[offset + 3]) << 24;
 }
 
-// A record in which every field holds a value of its own, reserved fields included.
-AppSettings Patterned() {
+TEST(SettingsFile, EveryFieldComesFromItsOffsetAndGoesBackByteForByte) {
+  const auto bytes = Pattern();
   AppSettings s;
-  s.reservedWord = 0xA1B2C3D4;
-  for (std::size_t i = 0; i < s.reservedBlock.size(); ++i) s.reservedBlock[i] = std::uint8_t(255 - i);
-  s.windowRect = {-3, 17, 800, 600};
-  s.maximized = 1;
-  for (std::size_t i = 0; i < kSettingsSlotCount; ++i) {
-    std::snprintf(s.slotNames[i].data(), kSlotNameSize, "Slot%zu.dat", i);
-    s.slotNames[i][kSlotNameSize - 1] = char('a' + i);  // bytes after the NUL are kept too
-  }
-  for (std::size_t i = 0; i < 8; ++i) s.reserved2[i] = std::uint8_t(0x80 + i);
-  s.askForSelect = {0, 1, 2, 1, 0};
-  s.addKeys = {1, 0, 1, 0, 1};
-  s.browserKind = kBrowserOther;
-  std::strcpy(s.otherBrowserCaption.data(), "Opera");
-  std::strcpy(s.browserProgram.data(), "C:\\Opera\\opera.exe");
-  s.arrangement = 1;
-  s.onTop = 1;
-  s.copyDescription = 0;
-  s.toolBarSide = 2;
-  s.databaseBarSide = 3;
-  s.formStatistics = 1;
-  return s;
-}
+  // The file holds 256 of the browser texts' 260 bytes; the rest must not keep old text.
+  s.otherBrowserCaption.fill('x');
+  s.browserProgram.fill('y');
+  ParseSettings(bytes.data(), bytes.size(), s);
+  EXPECT_EQ(SerializeSettings(s), bytes);
 
-TEST(SettingsFile, LayoutPutsEachFieldAtItsOffset) {
-  const auto bytes = SerializeSettings(Patterned());
-  ASSERT_EQ(bytes.size(), 3419u);
-  EXPECT_EQ(U32At(bytes, 0), 0xA1B2C3D4u);
-  EXPECT_EQ(bytes[4], 255);
-  EXPECT_EQ(static_cast<std::int32_t>(U32At(bytes, 260)), -3);
-  EXPECT_EQ(U32At(bytes, 272), 600u);
-  EXPECT_EQ(U32At(bytes, 276), 1u);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&bytes[280])), "Slot0.dat");
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&bytes[280 + 9 * 256])), "Slot9.dat");
-  EXPECT_EQ(bytes[2840], 0x80);
-  EXPECT_EQ(U32At(bytes, 2848 + 4 * 2), 2u);
-  EXPECT_EQ(U32At(bytes, 2868), 1u);
-  EXPECT_EQ(U32At(bytes, 2888), 502u);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&bytes[2892])), "Opera");
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&bytes[3148])), "C:\\Opera\\opera.exe");
-  EXPECT_EQ(U32At(bytes, 3404), 1u);
-  EXPECT_EQ(bytes[3408], 1);
-  EXPECT_EQ(U32At(bytes, 3409), 0u);
-  EXPECT_EQ(bytes[3413], 2);
-  EXPECT_EQ(bytes[3414], 3);
-  EXPECT_EQ(U32At(bytes, 3415), 1u);
+  const std::pair<std::size_t, std::uint32_t> words[] = {
+      {0, s.reservedWord},     {260, std::uint32_t(s.windowRect.left)},
+      {272, std::uint32_t(s.windowRect.bottom)}, {276, s.maximized},
+      {2848, s.askForSelect[0]}, {2864, s.askForSelect[4]}, {2868, s.addKeys[0]},
+      {2888, s.browserKind},   {3404, s.arrangement}, {3409, s.copyDescription},
+      {3415, s.formStatistics}};
+  for (const auto& [offset, value] : words) EXPECT_EQ(U32At(bytes, offset), value) << offset;
+  const std::pair<std::size_t, std::uint8_t> singles[] = {
+      {4, s.reservedBlock[0]}, {259, s.reservedBlock[255]}, {280, std::uint8_t(s.slotNames[0][0])},
+      {280 + 9 * 256 + 255, std::uint8_t(s.slotNames[9][255])}, {2840, s.reserved2[0]},
+      {2892, std::uint8_t(s.otherBrowserCaption[0])}, {3148, std::uint8_t(s.browserProgram[0])},
+      {3408, s.onTop}, {3413, s.toolBarSide}, {3414, s.databaseBarSide}};
+  for (const auto& [offset, value] : singles) EXPECT_EQ(bytes[offset], value) << offset;
+  for (std::size_t i = kBrowserTextFileWidth; i < kBrowserTextSize; ++i) {
+    EXPECT_EQ(s.otherBrowserCaption[i], 0);
+    EXPECT_EQ(s.browserProgram[i], 0);
+  }
 }
 
 TEST(SettingsFile, SaveThenLoadRestoresEveryByte) {
   test::TempDir dir;
   const std::string path = dir.File("pellwick.cfg");
-  ASSERT_TRUE(WriteSettingsFile(path, Patterned()));
-  const auto written = test::ReadBytes(path);
-  ASSERT_EQ(written.size(), 3419u);
-
+  AppSettings s;
+  EXPECT_FALSE(ReadSettingsFile(path, s));
+  const auto bytes = Pattern();
+  ParseSettings(bytes.data(), bytes.size(), s);
+  ASSERT_TRUE(WriteSettingsFile(path, s));
+  EXPECT_EQ(test::ReadBytes(path), bytes);
   AppSettings loaded;
   ASSERT_TRUE(ReadSettingsFile(path, loaded));
-  EXPECT_EQ(SerializeSettings(loaded), written);
-  EXPECT_EQ(loaded.arrangement, 1u);  // "Vertical"
-  EXPECT_EQ(loaded.onTop, 1);         // "On The Top"
-}
-
-TEST(SettingsFile, MissingFileKeepsDefaults) {
-  test::TempDir dir;
-  AppSettings s;
-  EXPECT_FALSE(ReadSettingsFile(dir.File("pellwick.cfg"), s));
-  EXPECT_EQ(SerializeSettings(s), SerializeSettings(AppSettings{}));
-  EXPECT_EQ(s.browserKind, 500u);
-  EXPECT_EQ(s.copyDescription, 1u);
+  EXPECT_EQ(SerializeSettings(loaded), bytes);
 }
 
 TEST(SettingsFile, TruncatedFileRestoresOnlyWhatItHolds) {
-  auto bytes = SerializeSettings(Patterned());
-  bytes.resize(280);
+  const auto bytes = Pattern();
   AppSettings s;
-  ParseSettings(bytes.data(), bytes.size(), s);
-  EXPECT_EQ(s.windowRect.left, -3);
-  EXPECT_EQ(s.windowRect.bottom, 600);
-  EXPECT_EQ(s.maximized, 1u);
-  EXPECT_EQ(s.slotNames[0][0], 0);
-  EXPECT_EQ(s.browserKind, 500u);
-  EXPECT_EQ(s.copyDescription, 1u);
-  EXPECT_EQ(s.arrangement, 0u);
-}
+  s.otherBrowserCaption.fill('x');  // cleared even when the file ends before it
+  ParseSettings(bytes.data(), 280, s);
+  const auto read = SerializeSettings(s);
+  const auto defaults = SerializeSettings(AppSettings{});
+  EXPECT_TRUE(std::equal(read.begin(), read.begin() + 280, bytes.begin()));
+  EXPECT_TRUE(std::equal(read.begin() + 280, read.end(), defaults.begin() + 280));
 
-TEST(SettingsFile, FieldCutInTheMiddleKeepsTheBytesThatWereThere) {
-  auto bytes = SerializeSettings(Patterned());
-  bytes.resize(262);  // two bytes of the rectangle's left edge
-  AppSettings s;
+  // A field cut in the middle keeps the bytes that were there.
   s.windowRect.left = 0x11223344;
-  ParseSettings(bytes.data(), bytes.size(), s);
-  EXPECT_EQ(static_cast<std::uint32_t>(s.windowRect.left), 0x1122FFFDu);  // -3 is FD FF ...
-}
-
-TEST(SettingsFile, BrowserTextsAreClearedBeforeTheyAreRead) {
-  AppSettings s;
-  s.otherBrowserCaption.fill('x');
-  s.browserProgram.fill('y');
-  auto bytes = SerializeSettings(Patterned());
-  ParseSettings(bytes.data(), bytes.size(), s);
-  EXPECT_STREQ(s.otherBrowserCaption.data(), "Opera");
-  for (std::size_t i = kBrowserTextFileWidth; i < kBrowserTextSize; ++i) {
-    EXPECT_EQ(s.otherBrowserCaption[i], 0);
-    EXPECT_EQ(s.browserProgram[i], 0);
-  }
-  // Even a file that ends before them leaves them empty.
-  s.otherBrowserCaption.fill('x');
-  ParseSettings(bytes.data(), 100, s);
-  EXPECT_EQ(s.otherBrowserCaption[0], 0);
+  ParseSettings(bytes.data(), 262, s);
+  EXPECT_EQ(std::uint32_t(s.windowRect.left), 0x11220000u | bytes[261] << 8 | bytes[260]);
 }
 
 TEST(WindowRectClamp, KeepsTheStoredQuirks) {
-  struct Case {
-    WindowRect in;
-    WindowRect out;
+  const struct {
+    WindowRect in, out;
   } cases[] = {
       {{5000, 10, 5600, 400}, {0, 10, 1024, 400}},  // off-screen left; right becomes a width
       {{200, 10, 1500, 400}, {200, 10, 824, 400}},   // width stored into the right edge
@@ -137,13 +89,8 @@ TEST(WindowRectClamp, KeepsTheStoredQuirks) {
       {{10, 900, 500, 1000}, {10, 0, 500, 768}},     // bottom edge gets a height
       {{10, 10, 500, 25}, {10, 0, 500, 100}},        // too low
   };
-  for (const auto& c : cases) {
-    WindowRect r = ClampWindowRect(c.in, 1024, 768);
-    EXPECT_EQ(r.left, c.out.left);
-    EXPECT_EQ(r.top, c.out.top);
-    EXPECT_EQ(r.right, c.out.right);
-    EXPECT_EQ(r.bottom, c.out.bottom);
-  }
+  const auto edges = [](const WindowRect& r) { return std::tie(r.left, r.top, r.right, r.bottom); };
+  for (const auto& c : cases) EXPECT_EQ(edges(ClampWindowRect(c.in, 1024, 768)), edges(c.out));
 }
 
 }  // namespace

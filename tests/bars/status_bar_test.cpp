@@ -2,15 +2,14 @@
 // into it.
 #include "tests/app/main_window_fixture.h"
 
-#include "resources/resource.h"
-
 namespace qb::test {
 namespace {
 
 class Status : public MainWindowTest {
  protected:
-  // Sizes the main window so that the status bar's client area is `width` wide.
-  void StatusClientWidth(int width) {
+  // Opens the main window sized so that the status bar's client area is `width` wide.
+  void OpenWithStatusWidth(int width) {
+    ASSERT_NE(Open(), nullptr);
     RECT outer, inner;
     GetWindowRect(StatusBar().window, &outer);
     GetClientRect(StatusBar().window, &inner);
@@ -27,68 +26,39 @@ class Status : public MainWindowTest {
   }
 };
 
-TEST_F(Status, StartsWithTheProgramNameAndShowsTexts) {
-  ASSERT_NE(Open(), nullptr);
-  EXPECT_EQ(GetDlgCtrlID(StatusBar().window), IDC_STATUS_BAR);
-  EXPECT_EQ(StatusText(), "Quellbarrow");
-  SetStatusText("Scanning");
-  EXPECT_EQ(StatusText(), "Scanning");
-  SetStatusText(nullptr);
-  EXPECT_EQ(StatusText(), "");
-}
-
-TEST_F(Status, HalfAPixelPerStepPaintsEverySecondStep) {
-  ASSERT_NE(Open(), nullptr);
-  StatusClientWidth(700);
-  ProgressBegin(1100);
-  EXPECT_EQ(CurrentProgressPlan().extent, 550);
-  EXPECT_EQ(CurrentProgressPlan().perStep, 0);
-  EXPECT_EQ(CurrentProgressPlan().digits[0], 5);
-  EXPECT_EQ(StatusText(), "");
-  ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 0);
-  ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 1);
-  EXPECT_TRUE(Blue(0));
-  EXPECT_FALSE(Blue(1));
-  for (int i = 0; i < 10; ++i) ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 6);
-  EXPECT_TRUE(Blue(5));
-  ProgressEnd();
-  EXPECT_EQ(StatusText(), "Quellbarrow");
-}
-
-TEST_F(Status, WholePixelsPaintFromTheSecondStepWithTheCarryAtTheFourth) {
-  ASSERT_NE(Open(), nullptr);
-  StatusClientWidth(700);
-  ProgressBegin(3);
-  EXPECT_EQ(CurrentProgressPlan().perStep, 183);
-  EXPECT_EQ(CurrentProgressPlan().digits, (std::array<int, 4>{3, 3, 3, 3}));
-  ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 0);
-  ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 183);
-  EXPECT_TRUE(Blue(182));
-  EXPECT_FALSE(Blue(183));
-  ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 366);
-  // 184 more: 549 columns fit (0..548), then the strip starts over at 0.
-  ProgressStep();
-  EXPECT_EQ(ProgressNextColumn(), 1);
-  ProgressEnd();
-}
-
-TEST_F(Status, NarrowBarKeepsSixteenPixelsFree) {
-  ASSERT_NE(Open(), nullptr);
-  StatusClientWidth(160);
-  ProgressBegin(10);
-  EXPECT_EQ(CurrentProgressPlan().extent, 144);
-  ProgressEnd();
+TEST_F(Status, StripIsPaintedColumnByColumnWithinItsExtent) {
+  const struct {
+    const char* name;
+    int width, steps, extent;
+    int taken, next;  // after `taken` steps the next column is `next`
+    bool edge;        // columns from `next` on are still unpainted
+  } cases[] = {
+      {"half a pixel per step", 700, 1100, 550, 12, 6, true},
+      {"whole pixels from the second step", 700, 3, 550, 2, 183, true},
+      {"549 columns, then the strip starts over", 700, 3, 550, 4, 1, false},
+      {"a narrow bar keeps sixteen pixels free", 160, 10, 144, 0, 0, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    OpenWithStatusWidth(c.width);
+    ProgressBegin(c.steps);
+    EXPECT_EQ(CurrentProgressPlan().extent, c.extent);
+    EXPECT_EQ(StatusText(), "");
+    for (int i = 0; i < c.taken; ++i) ProgressStep();
+    EXPECT_EQ(ProgressNextColumn(), c.next);
+    if (c.next > 0) {
+      EXPECT_TRUE(Blue(c.next - 1));
+    }
+    if (c.edge) {
+      EXPECT_FALSE(Blue(c.next));
+    }
+    ProgressEnd();
+    EXPECT_EQ(StatusText(), "Quellbarrow");
+  }
 }
 
 TEST_F(Status, HiddenBarTakesNoProgress) {
-  ASSERT_NE(Open(), nullptr);
-  StatusClientWidth(700);
+  OpenWithStatusWidth(700);
   ProgressBegin(7);
   ProgressStep();
   ProgressStep();
