@@ -16,16 +16,12 @@ void Check(bool ok) {
 
 void CheckTable(const qb::KeyTable& table, int keys) {
   Check(table.count == keys && keys >= 0 && keys <= qb::kMaxKeys);
-  for (int f = 0; f < qb::kKeyFieldCount; ++f) {
+  for (const auto& field : table.fields) {
     for (int i = 0; i < qb::kMaxKeys; ++i) {
-      const qb::TextBlock block = table.fields[f][i];
-      if (i >= keys) {
-        Check(block == qb::kNoBlock);
-      } else if (block != qb::kNoBlock) {
-        qb::TextLock lock(block);
-        Check(lock.text().size() + 2 <= qb::TextBlockSize(block));
-        Check(lock.text().size() < qb::kFieldLengthLimit);
-      }
+      if (field[i] == qb::kNoBlock) continue;
+      qb::TextLock lock(field[i]);
+      Check(i < keys && lock.text().size() + 2 <= qb::TextBlockSize(field[i]) &&
+            lock.text().size() < qb::kFieldLengthLimit);
     }
   }
 }
@@ -40,12 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<std::uint8_t> image = qb::DatabaseBytes(g_table);
     const qb::LoadResult again = qb::ReadDatabaseBytes(image.data(), image.size(), g_again);
     Check(again.loaded() && !again.damaged() && again.keysRead == r.keysRead);
-    for (int i = 0; i < r.keysRead; ++i) {
-      for (int f = 0; f < qb::kKeyFieldCount; ++f) {
-        const auto field = static_cast<qb::KeyField>(f);
-        Check(qb::KeyFieldText(g_table, i, field) == qb::KeyFieldText(g_again, i, field));
-      }
-    }
+    // Every length is below the limit (checked above), so equal images mean equal keys.
     Check(qb::DatabaseBytes(g_again) == image);
   } else {
     CheckTable(g_table, 0);

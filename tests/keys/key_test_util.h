@@ -2,6 +2,8 @@
 // plain strings.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <memory>
 #include <string>
@@ -17,8 +19,10 @@ using KeyTexts = std::array<std::string, kKeyFieldCount>;
 // A key table on the heap that frees its blocks when it goes.
 class OwnedTable {
  public:
-  OwnedTable() : table_(std::make_unique<KeyTable>()) {}
-  explicit OwnedTable(const std::vector<KeyTexts>& keys) : OwnedTable() { Fill(keys); }
+  explicit OwnedTable(const std::vector<KeyTexts>& keys = {})
+      : table_(std::make_unique<KeyTable>()) {
+    Fill(keys);
+  }
   ~OwnedTable() { ClearAllKeys(*table_); }
   OwnedTable(const OwnedTable&) = delete;
   OwnedTable& operator=(const OwnedTable&) = delete;
@@ -36,21 +40,25 @@ class OwnedTable {
   std::vector<KeyTexts> Texts() const {
     std::vector<KeyTexts> out(KeysInUse(*table_));
     for (std::size_t i = 0; i < out.size(); ++i) {
-      for (int f = 0; f < kKeyFieldCount; ++f) {
-        out[i][f] = KeyFieldText(*table_, static_cast<int>(i), static_cast<KeyField>(f));
-      }
+      for (int f = 0; f < kKeyFieldCount; ++f) out[i][f] = TextOf(table_->fields[f][i]);
     }
-    return out;
-  }
-  std::vector<std::string> Names() const {
-    std::vector<std::string> out;
-    for (const KeyTexts& k : Texts()) out.push_back(k[kName]);
     return out;
   }
 
  private:
   std::unique_ptr<KeyTable> table_;
 };
+
+// The one message the last operation gave the user, checked for its caption and
+// icon; "" when there was none.
+inline std::string OneMessage(const char* caption = "", MessageIcon icon = MessageIcon::kNone) {
+  const std::vector<UserMessage> messages = TakeUserMessages();
+  if (messages.empty()) return "";
+  EXPECT_EQ(messages.size(), 1u);
+  EXPECT_EQ(messages[0].caption, caption);
+  EXPECT_EQ(messages[0].icon, icon);
+  return messages[0].text;
+}
 
 // Keys named by `names`, their other fields derived from the name.
 inline std::vector<KeyTexts> NamedKeys(const std::vector<std::string>& names) {
