@@ -2,6 +2,11 @@
 
 namespace qb {
 
+LRESULT EndDialogCancelled(HWND dialog, WORD, WORD, LPARAM) {
+  EndDialog(dialog, 0);
+  return 1;
+}
+
 LRESULT DefaultProcedure(std::uint32_t selector, HWND window, UINT message, WPARAM wParam,
                          LPARAM lParam) {
   switch (selector) {

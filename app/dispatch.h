@@ -51,6 +51,9 @@ constexpr CommandMap MakeCommandMap(const CommandRow (&rows)[N], std::uint32_t s
   return CommandMap{static_cast<std::int32_t>(N), rows, selector};
 }
 
+// The Cancel row modal dialogs share: ends the dialog with 0, nothing changed.
+LRESULT EndDialogCancelled(HWND dialog, WORD id, WORD code, LPARAM control);
+
 LRESULT DefaultProcedure(std::uint32_t selector, HWND window, UINT message, WPARAM wParam,
                          LPARAM lParam);
 LRESULT LookupMessage(const MessageMap& map, HWND window, UINT message, WPARAM wParam,

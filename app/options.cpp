@@ -24,11 +24,6 @@ LRESULT OnOptionsOk(HWND dialog, WORD, WORD, LPARAM) {
   return 1;
 }
 
-LRESULT OnOptionsCancel(HWND dialog, WORD, WORD, LPARAM) {
-  EndDialog(dialog, 0);
-  return 1;
-}
-
 LRESULT OnOptionsHelp(HWND, WORD, WORD, LPARAM) {
   ShowHelpTopic(kOptionsHelpContext);
   return 1;
@@ -36,7 +31,7 @@ LRESULT OnOptionsHelp(HWND, WORD, WORD, LPARAM) {
 
 const CommandRow kOptionsCommands[] = {
     {IDOK,                OnOptionsOk},
-    {IDCANCEL,            OnOptionsCancel},
+    {IDCANCEL,            EndDialogCancelled},
     {IDC_HELP_BUTTON,     OnOptionsHelp},
 };
 const CommandMap kOptionsCommandMap = MakeCommandMap(kOptionsCommands, kDefaultNone);

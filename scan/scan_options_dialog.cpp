@@ -56,11 +56,6 @@ LRESULT OnScanOptionsOk(HWND dialog, WORD, WORD, LPARAM) {
   return 1;
 }
 
-LRESULT OnScanOptionsCancel(HWND dialog, WORD, WORD, LPARAM) {
-  EndDialog(dialog, 0);
-  return 1;
-}
-
 LRESULT OnScanOptionsHelp(HWND, WORD, WORD, LPARAM) {
   ShowHelpTopic(kScanOptionsHelpContext);
   return 1;
@@ -68,7 +63,7 @@ LRESULT OnScanOptionsHelp(HWND, WORD, WORD, LPARAM) {
 
 const CommandRow kScanOptionsCommands[] = {
     {IDOK,                OnScanOptionsOk},
-    {IDCANCEL,            OnScanOptionsCancel},
+    {IDCANCEL,            EndDialogCancelled},
     {IDC_HELP_BUTTON,     OnScanOptionsHelp},
 };
 const CommandMap kScanOptionsCommandMap = MakeCommandMap(kScanOptionsCommands, kDefaultNone);
