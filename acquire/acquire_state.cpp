@@ -1,6 +1,6 @@
 #include "acquire/acquire_state.h"
 
-#include "app/app_state.h"
+#include "base/app_state.h"
 
 namespace qb {
 namespace {

@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "acquire/acquire_state.h"
-#include "app/app_state.h"
-#include "app/dispatch.h"
+#include "base/app_state.h"
+#include "base/dispatch.h"
 #include "resources/resource.h"
 
 namespace qb {

@@ -5,7 +5,8 @@
 
 #include <string>
 
-#include "app/dispatch.h"
+#include "app/settings_file.h"
+#include "base/dispatch.h"
 
 namespace qb {
 
@@ -17,11 +18,7 @@ void LoadOrSaveSettings(int flag);
 
 // The registry's App Paths value "Path", else the current directory.
 std::string FindProgramDirectory();
-// Sets the program directory and the paths derived from it.
-void SetProgramDirectory(const std::string& dir);
 
-// Messages of platform-free code become message boxes owned by the main window.
-void UseMessageBoxes();
 
 bool RegisterMainClass(HINSTANCE instance);
 // Registers "ToolBar" and "DatabaseBar"; tells the user which one failed.
@@ -35,8 +32,6 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
 extern const MessageMap kMainMessageMap;
 extern const CommandMap kMainCommandMap;
 
-// Orders the main window above all windows that are not topmost, or among them.
-void OrderMainWindow(HWND main, bool onTop, UINT flags = 0);
 // Sets the on-top option and orders the main window by it; with `withViews` the
 // two list views are ordered the same way.
 void SetOnTop(HWND main, bool onTop, bool withViews);

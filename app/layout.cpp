@@ -4,11 +4,11 @@
 
 #include <windowsx.h>
 
-#include "app/app_state.h"
 #include "app/frame.h"
-#include "app/frame_gdi.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "base/app_state.h"
+#include "base/frame_gdi.h"
 
 namespace qb {
 namespace {
@@ -29,8 +29,6 @@ LayoutState& Layout() {
   static LayoutState state;
   return state;
 }
-
-void RequestRelayout(HWND main) { SendMessageA(main, WM_SIZE, kRelayoutRequest, 0); }
 
 LRESULT OnMainSize(HWND window, UINT, WPARAM sizeType, LPARAM) {
   LayoutState& layout = Layout();

@@ -5,13 +5,9 @@
 #include <windows.h>
 
 #include "app/layout_math.h"
+#include "base/relayout.h"
 
 namespace qb {
-
-// WM_SIZE with this wParam (and lParam 0) asks the main window to lay itself out again.
-constexpr WPARAM kRelayoutRequest = 26847;
-// The notification code of a command sent by the program itself (no re-layout).
-constexpr WORD kInternalCommand = 2;
 
 struct LayoutState {
   bool keysShown = true;   // not persisted: both views are shown at every start
@@ -21,7 +17,5 @@ struct LayoutState {
 };
 
 LayoutState& Layout();
-
-void RequestRelayout(HWND main);
 
 }  // namespace qb

@@ -5,21 +5,11 @@
 #include <array>
 #include <optional>
 
+#include "bars/dock_side.h"
+
 namespace qb {
 
-// Docking sides and bar states, as the settings file and the menus know them.
-enum BarSide : int { kSideTop = 0, kSideBottom = 1, kSideLeft = 2, kSideRight = 3 };
-enum BarState : int {
-  kBarDockedHidden = 0,
-  kBarDocked = 1,
-  kBarFloating = 2,
-  kBarFloatingHidden = 3,
-};
 enum Arrangement : int { kHorizontal = 0, kVertical = 1 };
-
-// Horizontal bars reach past the client area so that their side borders are hidden.
-constexpr int kBarOverhangLeft = 4;
-constexpr int kBarOverhangRight = 2;
 
 struct Box {
   int x = 0, y = 0, width = 0, height = 0;

@@ -3,12 +3,13 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "app/app_state.h"
 #include "app/frame.h"
-#include "app/frame_gdi.h"
 #include "app/layout.h"
+#include "app/menu_state.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "base/app_state.h"
+#include "base/frame_gdi.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -61,6 +62,7 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   SetBarTipWindow(CreateWindowExA(WS_EX_TOPMOST, "static", "", kTipStyle, 0, 0, 0, 0, window,
                                   nullptr, instance, nullptr));
 
+  SetBarFrameHooks(BarFrameHooks{CommandAvailable, ApplyMenuState});
   InitToolBarDescriptor(Settings().toolBarSide);
   if (!CreateBar(ToolBarDescriptor(), window, IDB_TOOLBAR, IDB_TOOLBAR_MASK))
     return Quit(kToolBarFailed);

@@ -2,11 +2,11 @@
 
 #include <array>
 
-#include "app/app_state.h"
 #include "app/frame.h"
 #include "app/layout.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "base/app_state.h"
 #include "keys/key_table.h"
 #include "resources/resource.h"
 

@@ -1,9 +1,9 @@
 #include "app/options.h"
 
-#include "app/app_state.h"
-#include "app/dispatch.h"
 #include "app/frame.h"
-#include "app/help.h"
+#include "base/app_state.h"
+#include "base/dispatch.h"
+#include "base/help.h"
 #include "resources/resource.h"
 
 namespace qb {

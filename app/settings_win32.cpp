@@ -1,6 +1,6 @@
-#include "app/app_state.h"
 #include "app/frame.h"
 #include "bars/dock_bar.h"
+#include "base/app_state.h"
 
 namespace qb {
 

@@ -2,9 +2,10 @@
 // itself and the message loop.
 #include <array>
 
-#include "app/app_state.h"
 #include "app/frame.h"
 #include "bars/dock_bar.h"
+#include "base/app_state.h"
+#include "base/user_message.h"
 
 namespace qb {
 
@@ -23,12 +24,6 @@ std::string FindProgramDirectory() {
   DWORD n = GetCurrentDirectoryA(kProgramDirMax, dir.data());
   if (n == 0 || n > kProgramDirMax) return std::string();
   return std::string(dir.data());
-}
-
-void SetProgramDirectory(const std::string& dir) {
-  AppState& app = App();
-  app.programDir = dir.substr(0, kProgramDirMax);
-  app.helpPath = app.programDir + kHelpFileName;
 }
 
 bool RegisterMainClass(HINSTANCE instance) {

@@ -1,7 +1,7 @@
 // The Tools menu. Each command id has its branch; ids without one do nothing.
 #include "acquire/acquire_state.h"
-#include "app/app_state.h"
 #include "app/frame.h"
+#include "base/app_state.h"
 #include "resources/resource.h"
 #include "scan/scan_options_dialog.h"
 

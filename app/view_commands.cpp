@@ -2,40 +2,14 @@
 // top of other windows, and the arrangement of the two views.
 #include <vector>
 
-#include "app/app_state.h"
 #include "app/frame.h"
 #include "app/layout.h"
 #include "bars/dock_bar.h"
+#include "base/app_state.h"
+#include "base/help.h"
 #include "resources/resource.h"
 
 namespace qb {
-namespace {
-
-BOOL CALLBACK AddOwned(HWND window, LPARAM param) {
-  auto* list = reinterpret_cast<std::pair<HWND, std::vector<HWND>>*>(param);
-  if (GetWindow(window, GW_OWNER) == list->first) list->second.push_back(window);
-  return TRUE;
-}
-
-}  // namespace
-
-void OrderMainWindow(HWND main, bool onTop, UINT flags) {
-  const UINT keep = SWP_NOMOVE | SWP_NOSIZE | flags;
-  if (!onTop) {
-    SetWindowPos(main, HWND_NOTOPMOST, 0, 0, 0, 0, keep);
-    return;
-  }
-  // Under Wine an owner stays below the windows it owns (the tool tip, floating
-  // bars) and so never becomes topmost; they let go of it for the moment.
-  std::pair<HWND, std::vector<HWND>> owned{main, {}};
-  EnumThreadWindows(GetCurrentThreadId(), AddOwned, reinterpret_cast<LPARAM>(&owned));
-  for (HWND w : owned.second) SetWindowLongPtrA(w, GWLP_HWNDPARENT, 0);
-  SetWindowPos(main, HWND_TOPMOST, 0, 0, 0, 0, keep);
-  for (HWND w : owned.second) {
-    SetWindowLongPtrA(w, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(main));
-    SetWindowPos(w, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-  }
-}
 
 void SetOnTop(HWND main, bool onTop, bool withViews) {
   Settings().onTop = onTop ? 1 : 0;
@@ -89,6 +63,14 @@ LRESULT OnWindowCommand(HWND window, WORD id, WORD, LPARAM) {
     default:
       break;
   }
+  return 0;
+}
+
+// "&Help Topics": the main window stops being on top first, so the help window
+// can come to the front, and stays so.
+LRESULT OnHelpCommand(HWND window, WORD, WORD, LPARAM) {
+  SetOnTop(window, false, /*withViews=*/false);
+  WinHelpA(window, App().helpPath.c_str(), HELP_CONTEXT, kHelpTopicsContext);
   return 0;
 }
 

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/menu_state.h"
 
 namespace qb {
 namespace {
@@ -96,7 +95,7 @@ void FillChecked(HDC dc, const RECT& r) {
 
 void PaintButton(HDC dc, const DockBar& bar, int i, RECT r) {
   const BarButton& b = bar.kind->buttons[i];
-  const bool enabled = CommandAvailable(b.command);
+  const bool enabled = BarCommandAvailable(b.command);
   const bool checked = bar.rows[RowOfButton(i)].pressed;
   const bool down = bar.held == i && bar.heldInside;
   const bool hot = bar.hot == i && enabled && bar.held < 0 && !bar.suppressPaint;

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <string>
 
-#include "app/app_state.h"
-#include "app/dispatch.h"
 #include "bars/dock_bar.h"
+#include "base/app_state.h"
+#include "base/dispatch.h"
 #include "resources/resource.h"
 
 namespace qb {

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "app/layout_math.h"
+#include "bars/dock_side.h"
 
 namespace qb {
 
@@ -93,6 +93,18 @@ struct DockBar {
   RECT frameRect{};
   int frameWidth = 0;
 };
+
+// What the bars ask of the frame above them: whether a command can be given now (a
+// greyed button ignores presses) and the menu state to apply before the tool bar's
+// pop-up menu opens. The main window hands them over when it creates the bars;
+// until then every command counts as available.
+struct BarFrameHooks {
+  bool (*commandAvailable)(WORD id) = nullptr;
+  void (*applyMenuState)(HMENU menu) = nullptr;
+};
+void SetBarFrameHooks(const BarFrameHooks& hooks);
+bool BarCommandAvailable(WORD id);
+void ApplyFrameMenuState(HMENU menu);
 
 DockBar& ToolBarDescriptor();
 DockBar& DatabaseBarDescriptor();

@@ -2,7 +2,7 @@
 
 #include <commctrl.h>
 
-#include "app/layout.h"
+#include "base/relayout.h"
 #include "resources/resource.h"
 
 namespace qb {

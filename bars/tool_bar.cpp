@@ -1,8 +1,7 @@
 // The tool bar: the commands a user reaches for most, as picture buttons.
-#include "app/app_state.h"
-#include "app/dispatch.h"
-#include "app/menu_state.h"
 #include "bars/dock_bar.h"
+#include "base/app_state.h"
+#include "base/dispatch.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -59,7 +58,7 @@ LRESULT OnToolBarRButtonDown(HWND window, UINT, WPARAM, LPARAM lParam) {
   HMENU menu = GetMenu(main);
   HMENU view = ViewMenu(menu);
   if (!view) return 0;
-  ApplyMenuState(menu);
+  ApplyFrameMenuState(menu);
   POINT p{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
   ClientToScreen(window, &p);
   TrackPopupMenu(view, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, p.x, p.y, 0, main, nullptr);

@@ -12,7 +12,7 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/download_dialog.h"
-#include "app/app_state.h"
+#include "base/app_state.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "keys/key_file.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "keys/durable_file.h"
 
 namespace qb {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 
 namespace qb {
 namespace {

@@ -14,8 +14,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/settings.h"
-#include "app/textblock.h"
+#include "base/settings.h"
+#include "base/textblock.h"
 
 namespace qb {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/textblock.h"
+#include "base/textblock.h"
 #include "scan/html_scanner.h"
 
 namespace qb {

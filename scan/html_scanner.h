@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/textblock.h"
+#include "base/textblock.h"
 
 namespace qb {
 

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "app/textblock.h"
+#include "base/textblock.h"
 #include "keys/key_table.h"
 
 namespace qb {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "scan/matcher.h"
 #include "scan/post_request.h"
 

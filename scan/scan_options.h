@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "app/settings.h"
+#include "base/settings.h"
 
 namespace qb {
 

@@ -1,8 +1,8 @@
 #include "scan/scan_options_dialog.h"
 
-#include "app/app_state.h"
-#include "app/dispatch.h"
-#include "app/help.h"
+#include "base/app_state.h"
+#include "base/dispatch.h"
+#include "base/help.h"
 #include "resources/resource.h"
 #include "scan/scan_options.h"
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/textblock.h"
+#include "base/textblock.h"
 #include "scan/html_scanner.h"
 
 namespace qb {

@@ -19,8 +19,8 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/download_dialog.h"
-#include "app/app_state.h"
 #include "app/frame.h"
+#include "base/app_state.h"
 
 namespace {
 

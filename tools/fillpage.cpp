@@ -22,7 +22,7 @@
 #include <io.h>
 #endif
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "scan/saved_page_fill.h"
 
 namespace {

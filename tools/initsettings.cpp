@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "app/settings.h"
+#include "app/settings_file.h"
 
 int main(int argc, char** argv) {
   if (argc < 2 || argc > 3) {

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "keys/key_file.h"
 #include "keys/key_text.h"
 

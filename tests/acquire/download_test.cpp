@@ -11,9 +11,9 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/download_dialog.h"
-#include "app/app_state.h"
-#include "app/frame.h"
+#include "base/app_state.h"
 #include "tests/acquire/transfer_helpers.h"
+#include "tests/support/main_window.h"
 #include "tests/support/temp_dir.h"
 
 namespace qb::test {

@@ -2,8 +2,8 @@
 
 #include <tuple>
 
-#include "app/frame_gdi.h"
-#include "tests/app/main_window_fixture.h"
+#include "base/frame_gdi.h"
+#include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
 namespace {

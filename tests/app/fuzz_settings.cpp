@@ -2,7 +2,7 @@
 // a re-serialised record is exactly the layout's size.
 #include <cstdlib>
 
-#include "app/settings.h"
+#include "app/settings_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   qb::AppSettings s;

@@ -1,6 +1,6 @@
 // The main window's layout, through the real windows: where the status bar, the
 // docked bars and the two views go for each arrangement of bars and views.
-#include "tests/app/main_window_fixture.h"
+#include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
 namespace {

@@ -1,5 +1,5 @@
 // Menu greying and checking from the program's state, and the menu help line.
-#include "tests/app/main_window_fixture.h"
+#include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
 namespace {

@@ -1,5 +1,5 @@
 // The options dialog through its real controls.
-#include "tests/app/main_window_fixture.h"
+#include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
-#include "app/settings.h"
+#include "app/settings_file.h"
 #include "tests/support/temp_dir.h"
 
 namespace qb {

@@ -1,6 +1,6 @@
 // The two docking bars through their real windows: showing and hiding in each
 // state, dragging between docked and floating, tool tips and button commands.
-#include "tests/app/main_window_fixture.h"
+#include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
 namespace {

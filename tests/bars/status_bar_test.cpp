@@ -1,6 +1,6 @@
 // The status bar in the real main window: its text and the progress strip painted
 // into it.
-#include "tests/app/main_window_fixture.h"
+#include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
 namespace {

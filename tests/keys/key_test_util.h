@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "keys/key_table.h"
 
 namespace qb::test {

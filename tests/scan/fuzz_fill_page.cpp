@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "acquire/http_request.h"
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "scan/page_writer.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "acquire/http_request.h"
-#include "app/user_message.h"
+#include "base/user_message.h"
 #include "scan/post_request.h"
 #include "tests/keys/key_test_util.h"
 #include "tests/support/temp_dir.h"

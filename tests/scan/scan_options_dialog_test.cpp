@@ -7,11 +7,11 @@
 #include <array>
 #include <string>
 
-#include "app/app_state.h"
-#include "app/frame.h"
+#include "base/app_state.h"
 #include "resources/resource.h"
 #include "scan/scan_options.h"
 #include "tests/support/gui_helper.h"
+#include "tests/support/main_window.h"
 
 namespace qb {
 namespace {

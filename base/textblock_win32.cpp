@@ -2,7 +2,7 @@
 // (the clipboard takes such a block as it stands).
 #include <windows.h>
 
-#include "app/textblock.h"
+#include "base/textblock.h"
 
 namespace qb {
 namespace {

@@ -25,6 +25,9 @@ void TellUser(std::string_view text, const char* caption = nullptr,
 
 // Replaces where messages go; null restores the recording default.
 void SetUserMessageSink(UserMessageSink sink);
+// Product only: messages become message boxes owned by the main window.
+void UseMessageBoxes();
+
 // Messages recorded by the default sink since the last call, oldest first.
 std::vector<UserMessage> TakeUserMessages();
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <unordered_map>
 
-#include "app/textblock.h"
+#include "base/textblock.h"
 
 namespace qb {
 namespace {

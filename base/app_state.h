@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "app/settings.h"
+#include "base/settings.h"
 
 namespace qb {
 
@@ -38,10 +38,16 @@ struct AppState {
 AppState& App();
 AppSettings& Settings();
 
+// Sets the program directory and the paths derived from it.
+void SetProgramDirectory(const std::string& dir);
+
 // printf-style composition bounded to the shared scratch size (511 characters).
 std::string FormatText(const char* format, ...);
 
 // A message box owned by the main window (which may not exist yet).
 int ShowMessage(const std::string& text, const char* caption, UINT flags);
+
+// Orders the main window above all windows that are not topmost, or among them.
+void OrderMainWindow(HWND main, bool onTop, UINT flags = 0);
 
 }  // namespace qb

@@ -1,22 +1,17 @@
-// The settings record and its file "pellwick.cfg": the raw little-endian bytes of
-// the fields in a fixed order, 3419 bytes, no header, no version. Platform-free.
+// The settings record: the options and window placement the program keeps between
+// runs. Its file form lives with the application frame.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace qb {
 
-constexpr std::size_t kSettingsFileSize = 3419;
 constexpr std::size_t kSettingsSlotCount = 10;    // slot names kept in the file
 constexpr std::size_t kSlotNameSize = 256;
 constexpr std::size_t kBrowserTextSize = 260;     // in memory
-constexpr std::size_t kBrowserTextFileWidth = 256;  // in the file
 constexpr std::size_t kScanKindCount = 5;
-constexpr char kSettingsFileName[] = "\\pellwick.cfg";
 
 enum BrowserKind : std::uint32_t {
   kBrowserExplorer = 500,
@@ -47,21 +42,5 @@ struct AppSettings {
   std::uint8_t databaseBarSide = 0;
   std::uint32_t formStatistics = 0;
 };
-
-// Reads the fields in file order from `bytes`. A short input leaves every field
-// after the point where it ended as it was (a field cut in the middle gets the
-// bytes that were there); bytes past the layout are ignored.
-void ParseSettings(const std::uint8_t* bytes, std::size_t size, AppSettings& settings);
-// The 3419 bytes of the file.
-std::vector<std::uint8_t> SerializeSettings(const AppSettings& settings);
-
-// File level: false when the file cannot be opened (the caller tells the user).
-bool ReadSettingsFile(const std::string& path, AppSettings& settings);
-bool WriteSettingsFile(const std::string& path, const AppSettings& settings);
-
-// Start-up clamping of the saved window rectangle to a screen of width x height.
-// The right and bottom edges may receive a width and a height; that is how the
-// program has always restored it.
-WindowRect ClampWindowRect(WindowRect r, int width, int height);
 
 }  // namespace qb

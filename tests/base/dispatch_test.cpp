@@ -3,7 +3,7 @@
 #include <tuple>
 #include <vector>
 
-#include "app/dispatch.h"
+#include "base/dispatch.h"
 #include "tests/support/gui_helper.h"
 
 namespace qb {

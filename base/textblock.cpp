@@ -1,4 +1,4 @@
-#include "app/textblock.h"
+#include "base/textblock.h"
 
 #include <cstring>
 

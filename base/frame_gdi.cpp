@@ -1,4 +1,4 @@
-#include "app/frame_gdi.h"
+#include "base/frame_gdi.h"
 
 namespace qb {
 namespace {

@@ -1,8 +1,7 @@
 #include <windows.h>
 
-#include "app/app_state.h"
-#include "app/frame.h"
-#include "app/user_message.h"
+#include "base/app_state.h"
+#include "base/user_message.h"
 
 namespace qb {
 namespace {

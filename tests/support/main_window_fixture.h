@@ -8,13 +8,13 @@
 #include <cstring>
 #include <string>
 
-#include "app/app_state.h"
 #include "app/frame.h"
 #include "app/layout.h"
 #include "app/menu_state.h"
 #include "app/options.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "base/app_state.h"
 #include "keys/key_table.h"
 #include "resources/resource.h"
 #include "tests/support/gui_helper.h"
