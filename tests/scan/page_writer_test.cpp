@@ -120,6 +120,9 @@ TEST_F(PageWriter, WritesEachFieldKindFromItsKeyAndFromNone) {
       {"<input type=submit name=go value=Send>", "<input type=\"submit\" name=\"go\" value=\"Send\" >\n",
        "<input type=\"submit\" name=\"go\" value=\"Send\" >\n"},
       {"<input value=mine>", "<input type=\"text\" >\n", "<input type=\"text\" >\n"},  // no name, no value
+      {"<select name=country><option>Both</td>",  // unclosed: the cell's end follows it once
+       "<select name=\"COUNTRY\" >\n<option >BOTH</option>\n</select>\n</td>",
+       "<select name=\"COUNTRY\" >\n<option >Both</option>\n</select>\n</td>"},
   };
   const std::string formTag = "<form action=\"http://www.example.com/a\" method=post >\n";
   for (const Case& c : cases) {
