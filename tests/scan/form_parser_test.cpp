@@ -178,7 +178,7 @@ TEST_F(FormParser, AnUnclosedSelectEndsAtItsTableCell) {
     const std::string closing = c.closing;
     const std::string shown = c.option + closing;
     Parse(PostForm("<table><tr><td><select name=s><option>" + std::string(c.option) + closing +
-                   "<td>Next <input name=n></td></tr></table>"));
+                   "<td>Next<input name=n></td></tr></table>"));
     ASSERT_EQ(scan_.forms.size(), 1u) << shown;
     ASSERT_EQ(scan_.forms[0].fieldCount(), 3) << shown;
     EXPECT_EQ(TextOf(scan_.selects.at(0).at(0).text), c.text) << shown;
