@@ -200,7 +200,7 @@ TEST_F(PageWriter, AFileThatCannotBeCreatedIsReportedAndNothingIsAsked) {
   EXPECT_TRUE(prompt_->requests.empty());
 }
 
-TEST(PostRequest, EncodesValuesLightlyAndReplacesPairsOfTheSameName) {
+TEST(PostRequest, EncodesValuesLightlyAndMeetsEarlierPairsThatBeginWithTheName) {
   const std::pair<const char*, const char*> values[] = {
       {"a b", "a+b"},       {"line\r\nnext", "line%0D%0D%0Anext"}, {"me@x.com", "me%40x.com"},
       {"a=b", "a%3Db"},     {"say \"hi\"", "say+\\\"hi\\\""},     {"50% & more?", "50%+&+more?"},
@@ -210,13 +210,34 @@ TEST(PostRequest, EncodesValuesLightlyAndReplacesPairsOfTheSameName) {
 
   EXPECT_EQ(StartPostRequest("http://h/a.cgi"), "POST http://h/a.cgi?");
   std::string request = StartPostRequest("http://h/a.cgi?step=1");
-  EXPECT_TRUE(AddRequestPair(request, "name", "Jane", PairRule::kReplaces));
-  EXPECT_TRUE(AddRequestPair(request, "city", "Rome", PairRule::kReplaces));
-  EXPECT_TRUE(AddRequestPair(request, "nam", "x", PairRule::kKeepsFirst));  // only a whole name is the same
-  EXPECT_FALSE(AddRequestPair(request, "CITY", "Oslo", PairRule::kKeepsFirst));
-  EXPECT_EQ(request, "POST http://h/a.cgi?step=1&name=Jane&city=Rome&nam=x&");
-  EXPECT_TRUE(AddRequestPair(request, "NAME", "Joe", PairRule::kReplaces));  // cut at the earlier pair
-  EXPECT_EQ(request, "POST http://h/a.cgi?step=1&NAME=Joe&");
+  for (const char* name : {"name", "NEWSLETTER", "city"}) {
+    EXPECT_TRUE(AddRequestPair(request, name, "x", PairRule::kReplaces)) << name;
+  }
+  const std::string earlier = request;
+  const std::string address = "POST http://h/a.cgi?";
+  ASSERT_EQ(earlier, address + "step=1&name=x&NEWSLETTER=x&city=x&");
+  // An earlier pair is one that begins with the name, over the name's length;
+  // a replacing pair cuts the request there, later pairs included.
+  const struct {
+    const char* name;
+    PairRule rule;
+    bool appended;
+    const char* query;  // after the pair was offered
+  } cases[] = {
+      {"NAME", PairRule::kReplaces, true, "step=1&NAME=v&"},
+      {"CITY", PairRule::kKeepsFirst, false, "step=1&name=x&NEWSLETTER=x&city=x&"},
+      {"news", PairRule::kReplaces, true, "step=1&name=x&news=v&"},
+      {"nam", PairRule::kKeepsFirst, false, "step=1&name=x&NEWSLETTER=x&city=x&"},
+      {"s", PairRule::kReplaces, true, "s=v&"},
+      {"names", PairRule::kKeepsFirst, true, "step=1&name=x&NEWSLETTER=x&city=x&names=v&"},
+      {"ity", PairRule::kKeepsFirst, true, "step=1&name=x&NEWSLETTER=x&city=x&ity=v&"},
+      {"http", PairRule::kKeepsFirst, true, "step=1&name=x&NEWSLETTER=x&city=x&http=v&"},
+  };
+  for (const auto& c : cases) {
+    request = earlier;
+    EXPECT_EQ(AddRequestPair(request, c.name, "v", c.rule), c.appended) << c.name;
+    EXPECT_EQ(request, address + c.query) << c.name;
+  }
 
   std::string full = "POST x?" + std::string(kRequestTextMax - 12, 'a');
   EXPECT_FALSE(AddRequestPair(full, "b", "cde", PairRule::kReplaces));  // would pass the limit
