@@ -56,7 +56,7 @@ class PageWriter : public ::testing::Test {
   // Every page gets a scan of its own, as in the program: while a scan runs its
   // keys change only through its prompt.
   void Parse(const std::string& html) {
-    session_ = std::make_unique<ScanSession>(*keys_, options_, promptAll_, false);
+    session_ = std::make_unique<ScanSession>(*keys_, options_, promptAll_, directPost_);
     session_->host = "www.example.com";
     session_->currentKey = currentKey_;
     session_->prompt = prompt_.get();
@@ -86,6 +86,7 @@ class PageWriter : public ::testing::Test {
   OwnedTable keys_;
   ScanOptions options_;
   bool promptAll_ = false;
+  bool directPost_ = false;
   int currentKey_ = 0;
   std::unique_ptr<ScriptedPrompt> prompt_;
   std::unique_ptr<ScanSession> session_;
@@ -243,6 +244,27 @@ TEST(PostRequest, EncodesValuesLightlyAndMeetsEarlierPairsThatBeginWithTheName) 
   EXPECT_FALSE(AddRequestPair(full, "b", "cde", PairRule::kReplaces));  // would pass the limit
   EXPECT_TRUE(AddRequestPair(full, "b", "cd", PairRule::kReplaces));
   EXPECT_EQ(full.size(), kRequestTextMax);
+}
+
+TEST_F(PageWriter, DirectPostPairsTakeTheNameAsMatchingLeftIt) {
+  directPost_ = true;
+  // Looked-up names are upper case by the time their pair is added, text fields
+  // too; "nick" then meets the earlier pair "NICKNAME" and replaces it.
+  const std::pair<int, const char*> cases[] = {
+      {0, "POST http://www.example.com/a?NAME=Jane&ADDRESS=12+Market+St%0D%0ASpringfield&NICK=me&"
+          "COLOUR=BLUE&go=Send&"},
+      {kNoKey, "POST http://www.example.com/a?Name=old&Address=&nick=me&COLOUR=BLUE&go=Send&"},
+  };
+  for (const auto& [currentKey, request] : cases) {
+    currentKey_ = currentKey;
+    const std::string forms = OneFieldForm(
+        "<input name=Name value=old><textarea name=Address></textarea>"
+        "<input name=nickname value=again><input name=nick value=me>"
+        "<input type=radio name=colour value=blue><input type=submit name=go value=Send>");
+    EXPECT_EQ(session_->requestText, request) << currentKey;
+    // The page itself keeps the text field's case.
+    EXPECT_NE(forms.find("name=\"Name\" value=\""), std::string::npos) << currentKey;
+  }
 }
 
 TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
