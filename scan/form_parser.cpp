@@ -113,6 +113,10 @@ void FreeOptions(std::vector<SelectOption>& options) {
   options.clear();
 }
 
+// "</td>", "</tr>" and "</table>": what an unclosed select steps back over.
+constexpr std::size_t kCellCloseBytes = 5;
+constexpr std::size_t kTableCloseBytes = 8;
+
 class PagePass {
  public:
   PagePass(FormScan& scan, std::string_view host)
@@ -327,13 +331,13 @@ class PagePass {
         return;
       }
       // An unclosed select ends with its table cell, row or table; the pass
-      // then reads that closing tag again.
+      // then reads that closing tag again, from its '<'.
       if (StartsNoCase(value_, "/td") || StartsNoCase(value_, "/tr")) {
-        StepBack(5, field.tagStart);
+        StepBackOverClosingTag(kCellCloseBytes, field.tagStart);
         return;
       }
       if (StartsNoCase(value_, "/table")) {
-        StepBack(8, field.tagStart);
+        StepBackOverClosingTag(kTableCloseBytes, field.tagStart);
         return;
       }
       if (StartsNoCase(value_, "option")) {
@@ -385,10 +389,13 @@ class PagePass {
     if (document_.At(pos_) == '>') ++pos_;
   }
 
-  // Never back to or before the select's own '<', so the pass always moves on.
-  void StepBack(std::size_t bytes, ScanPosition selectStart) {
+  // ReadTagText leaves the position on the closing tag's '>' (or where its text
+  // stopped without one); the count starts one byte further. Never back to or
+  // before the select's own '<', so the pass always moves on.
+  void StepBackOverClosingTag(std::size_t bytes, ScanPosition selectStart) {
+    const ScanPosition pastTag = pos_ + 1;
     const ScanPosition floor = selectStart + 1;
-    pos_ = (pos_ >= floor + bytes) ? pos_ - bytes : floor;
+    pos_ = (pastTag >= floor + bytes) ? pastTag - bytes : floor;
   }
 
   TextBlock Keep(std::string_view text, TextBlock old) {

@@ -194,11 +194,10 @@ int CollectFieldLabel(const ScanDocument& document, LabelBuffer& label, WordBuff
       if (c == ' ' && !label.empty() && label.back() == ' ') continue;
       label.push_back(c);
     }
-    // One blank between the texts of separate runs (table cells, lines),
-    // collapsed like any other.
-    if (label.size() > before && label.size() < kMaxLabelBytes && label.back() != ' ') {
-      label.push_back(' ');
-    }
+    // One blank after every run that copied something (table cells, lines),
+    // also after a run that ended in a blank of its own: the collapsing above
+    // is for the text, not for this separator. Never past the label's limit.
+    if (label.size() > before && label.size() < kMaxLabelBytes) label.push_back(' ');
 
     if (pos >= length || label.size() >= kMaxLabelBytes) {
       tagName = " ";

@@ -160,29 +160,31 @@ class PageWriter {
   }
 
   // Text fields are written up to their name before they are matched, so the
-  // name keeps its case. Returns the name.
-  std::string WriteUpToName(std::string_view start, const FormField& field) {
+  // name in the page keeps its case; their pair is collected after matching and
+  // so has the name as matching left it (upper case once it was looked up).
+  // Returns whether the field has a name.
+  bool WriteUpToName(std::string_view start, const FormField& field) {
     out_ += start;
     Numbers(field);
     Attribute("class", field.className);
-    std::string name = TextOf(field.name);
+    const std::string name = TextOf(field.name);
     Attribute("name", name);
-    return name;
+    return !name.empty();
   }
 
   void WriteText(FormField& field) {
-    const std::string name = WriteUpToName("<input type=\"text\" ", field);
+    const bool named = WriteUpToName("<input type=\"text\" ", field);
     const std::string value = FilledText(field, kPromptText);
-    if (!name.empty()) out_.append("value=\"").append(value).append("\" ");
+    if (named) out_.append("value=\"").append(value).append("\" ");
     out_ += ">\n";
-    Collect(name, value, PairRule::kReplaces);
+    Collect(TextOf(field.name), value, PairRule::kReplaces);
   }
 
   void WriteTextarea(FormField& field) {
-    const std::string name = WriteUpToName("<textarea ", field);
+    WriteUpToName("<textarea ", field);
     const std::string content = FilledText(field, kPromptTextarea);
     out_.append(">").append(content).append("</textarea>\n");
-    Collect(name, content, PairRule::kReplaces);
+    Collect(TextOf(field.name), content, PairRule::kReplaces);
   }
 
   // The page's own value unless the current key has a Description and a key or

@@ -17,19 +17,19 @@ constexpr Escape kEscapes[] = {
     {' ', "+"}, {'\r', "%0D"}, {'\n', "%0D%0A"}, {'@', "%40"}, {'=', "%3D"}, {'"', "\\\""},
 };
 
-// Where the earlier pair named `name` starts in the query, or npos.
+// Where the earlier pair for `name` starts in the query, or npos. A pair counts
+// when it begins with the name, compared over the name's length only: "a" finds
+// "abc=1" and "NEWS" finds "NEWSLETTER=YES", as the program always has.
 std::size_t EarlierPair(const std::string& request, std::string_view name) {
   const std::size_t question = request.rfind('?');
   if (question == std::string::npos) return std::string::npos;
-  std::size_t pos = question + 1;
-  while (pos < request.size()) {
-    std::size_t end = request.find('&', pos);
-    if (end == std::string::npos) end = request.size();
-    const std::string_view pair(request.data() + pos, end - pos);
-    if (pair.size() > name.size() && pair[name.size()] == '=' &&
-        CompareNoCase(pair.substr(0, name.size()), name) == 0) {
+  for (std::size_t pos = question + 1; pos < request.size();) {
+    if (request.size() - pos >= name.size() &&
+        CompareNoCase(std::string_view(request).substr(pos, name.size()), name) == 0) {
       return pos;
     }
+    const std::size_t end = request.find('&', pos);
+    if (end == std::string::npos) break;
     pos = end + 1;
   }
   return std::string::npos;

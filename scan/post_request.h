@@ -20,10 +20,11 @@ enum class PairRule {
 };
 
 // Appends `name`=`value`&. The query (after the last "?") is searched for an
-// earlier pair of the same name, ignoring case: kReplaces cuts the request there,
-// dropping that pair and every pair after it, as the program always has;
-// kKeepsFirst appends nothing. A pair that would take the text past
-// kRequestTextMax is not appended. False when nothing was appended.
+// earlier pair that begins with the name, ignoring case (so "a" finds "abc=1"):
+// kReplaces cuts the request there, dropping that pair and every pair after it,
+// as the program always has; kKeepsFirst appends nothing. A pair that would
+// take the text past kRequestTextMax is not appended. False when nothing was
+// appended.
 bool AddRequestPair(std::string& request, std::string_view name, std::string_view value, PairRule rule);
 
 // Trailing spaces and LFs dropped, the bytes encoded, trailing "+" signs dropped.

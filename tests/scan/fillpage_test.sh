@@ -27,7 +27,8 @@ check "default scan status" 0 $?
 cmp "$pages/order_form.filled.htm" "$work/filled.htm" || failed=1
 check "default scan prints nothing" "" "$(cat "$work/stdout" "$work/stderr")"
 
-# Direct post: the request text on stdout, the check box ticked by its match.
+# Direct post: the request text on stdout, with every name that was looked up
+# in capitals (the text fields' too), and the check box ticked by its match.
 "${run[@]}" "$fillpage" --direct-post "$pages/order_form.htm" www.example.com/shop/order.htm "$work/order.dat" \
   "$work/posted.htm" --current-key 0 >"$work/request.txt"
 check "direct post status" 0 $?

@@ -166,16 +166,26 @@ TEST_F(FormParser, SelectOptionsKeepTagAndText) {
 }
 
 TEST_F(FormParser, AnUnclosedSelectEndsAtItsTableCell) {
-  for (const std::string closing : {"</td>", "</TR>", "</table>"}) {
-    Parse(PostForm("<table><tr><td><select name=s><option>One\n" + closing +
-                   "<td>Next <input name=n></td></tr></table>"));
-    ASSERT_EQ(scan_.forms.size(), 1u) << closing;
-    ASSERT_EQ(scan_.forms[0].fieldCount(), 3) << closing;
-    EXPECT_EQ(TextOf(scan_.selects.at(0).at(0).text), "One") << closing;
-    // The pass steps back to just before the closing tag and reads it again.
-    EXPECT_EQ(Field(0, 1).tagEnd, page_.find(closing) - 1) << closing;
-    EXPECT_EQ(TextOf(Field(0, 2).name), "n") << closing;
-    EXPECT_EQ(TextOf(Field(0, 2).label), "Next ") << closing;
+  const struct {
+    const char *option, *closing, *text;
+  } cases[] = {
+      {"One\n", "</td>", "One"},
+      {"Both", "</td>", "Both"},  // no byte of the option's text is left over
+      {"Both", "</TR>", "Both"},
+      {"Both", "</table>", "Both"},
+  };
+  for (const auto& c : cases) {
+    const std::string closing = c.closing;
+    const std::string shown = c.option + closing;
+    Parse(PostForm("<table><tr><td><select name=s><option>" + std::string(c.option) + closing +
+                   "<td>Next<input name=n></td></tr></table>"));
+    ASSERT_EQ(scan_.forms.size(), 1u) << shown;
+    ASSERT_EQ(scan_.forms[0].fieldCount(), 3) << shown;
+    EXPECT_EQ(TextOf(scan_.selects.at(0).at(0).text), c.text) << shown;
+    // The select's bytes end on the closing tag's '<'; the pass reads that tag again.
+    EXPECT_EQ(Field(0, 1).tagEnd, page_.find(closing)) << shown;
+    EXPECT_EQ(TextOf(Field(0, 2).name), "n") << shown;
+    EXPECT_EQ(TextOf(Field(0, 2).label), "Next ") << shown;
   }
 }
 

@@ -88,11 +88,14 @@ TEST_F(Reader, CollectFieldLabelGathersTheVisibleTextBeforeTheNextFormTag) {
       {"Your&nbsp;&nbsp;Name:<input>", 1, "Your&nbsp;&nbsp;Name: ", "input"},  // only leading ones
       {"First  line\n\n  second<SELECT name=a>", 1, "First line second ", "SELECT"},
       {"A\r\nB<textarea>", 1, "A\r B ", "textarea"},  // CR is not a blank inside a run
-      {"/textarea>\n Label <b>bold</b><input>", 1, "Label bold ", "input"},
+      {"/textarea>\n Label <b>bold</b><input>", 1, "Label  bold ", "input"},
       {"x< =\"&nbsp; script>", 1, "x ", "script"},
       {"<p>Thanks</p></form>", 1, "Thanks ", "/form"},
+      // A run's own closing blank stays; the separator comes after it.
+      {"<td>Name </td><td><input>", 1, "Name  ", "input"},
+      {"First\n<br>\n  second<input>", 1, "First  second ", "input"},
       {"text only", 0, "text only ", " "},
-      {"a <b", 0, "a ", " "},
+      {"a <b", 0, "a  ", " "},
   };
   for (const auto& c : cases) {
     const std::string input = c.input;
@@ -118,6 +121,18 @@ TEST_F(Reader, ALabelIsCutAt1023BytesAndTheRestStartsAnew) {
   EXPECT_EQ(CollectFieldLabel(document_, label, word_, pos_, tagStart_), 1);
   EXPECT_EQ(label, std::string(2000 - kMaxLabelBytes, 'x') + " ");
   EXPECT_EQ(tagStart_, 2000u);
+
+  // Four bytes a run ("ab", its blank, the separator): the 256th run is cut.
+  std::string runs;
+  for (int i = 0; i < 400; ++i) runs += "ab <i>";
+  Load(runs + "<input>");
+  std::string expected;
+  for (int i = 0; i < 255; ++i) expected += "ab  ";
+  EXPECT_EQ(CollectFieldLabel(document_, label, word_, pos_, tagStart_), 0);
+  EXPECT_EQ(label, expected + "ab ");
+  EXPECT_EQ(CollectFieldLabel(document_, label, word_, pos_, tagStart_), 1);
+  EXPECT_EQ(label, expected.substr(0, 144 * 4));
+  EXPECT_EQ(tagStart_, runs.size());
 }
 
 TEST(StoreText, ReplacesTheOldBlock) {

@@ -56,7 +56,7 @@ class PageWriter : public ::testing::Test {
   // Every page gets a scan of its own, as in the program: while a scan runs its
   // keys change only through its prompt.
   void Parse(const std::string& html) {
-    session_ = std::make_unique<ScanSession>(*keys_, options_, promptAll_, false);
+    session_ = std::make_unique<ScanSession>(*keys_, options_, promptAll_, directPost_);
     session_->host = "www.example.com";
     session_->currentKey = currentKey_;
     session_->prompt = prompt_.get();
@@ -86,6 +86,7 @@ class PageWriter : public ::testing::Test {
   OwnedTable keys_;
   ScanOptions options_;
   bool promptAll_ = false;
+  bool directPost_ = false;
   int currentKey_ = 0;
   std::unique_ptr<ScriptedPrompt> prompt_;
   std::unique_ptr<ScanSession> session_;
@@ -120,6 +121,9 @@ TEST_F(PageWriter, WritesEachFieldKindFromItsKeyAndFromNone) {
       {"<input type=submit name=go value=Send>", "<input type=\"submit\" name=\"go\" value=\"Send\" >\n",
        "<input type=\"submit\" name=\"go\" value=\"Send\" >\n"},
       {"<input value=mine>", "<input type=\"text\" >\n", "<input type=\"text\" >\n"},  // no name, no value
+      {"<select name=country><option>Both</td>",  // unclosed: the cell's end follows it once
+       "<select name=\"COUNTRY\" >\n<option >BOTH</option>\n</select>\n</td>",
+       "<select name=\"COUNTRY\" >\n<option >Both</option>\n</select>\n</td>"},
   };
   const std::string formTag = "<form action=\"http://www.example.com/a\" method=post >\n";
   for (const Case& c : cases) {
@@ -197,7 +201,7 @@ TEST_F(PageWriter, AFileThatCannotBeCreatedIsReportedAndNothingIsAsked) {
   EXPECT_TRUE(prompt_->requests.empty());
 }
 
-TEST(PostRequest, EncodesValuesLightlyAndReplacesPairsOfTheSameName) {
+TEST(PostRequest, EncodesValuesLightlyAndMeetsEarlierPairsThatBeginWithTheName) {
   const std::pair<const char*, const char*> values[] = {
       {"a b", "a+b"},       {"line\r\nnext", "line%0D%0D%0Anext"}, {"me@x.com", "me%40x.com"},
       {"a=b", "a%3Db"},     {"say \"hi\"", "say+\\\"hi\\\""},     {"50% & more?", "50%+&+more?"},
@@ -207,18 +211,60 @@ TEST(PostRequest, EncodesValuesLightlyAndReplacesPairsOfTheSameName) {
 
   EXPECT_EQ(StartPostRequest("http://h/a.cgi"), "POST http://h/a.cgi?");
   std::string request = StartPostRequest("http://h/a.cgi?step=1");
-  EXPECT_TRUE(AddRequestPair(request, "name", "Jane", PairRule::kReplaces));
-  EXPECT_TRUE(AddRequestPair(request, "city", "Rome", PairRule::kReplaces));
-  EXPECT_TRUE(AddRequestPair(request, "nam", "x", PairRule::kKeepsFirst));  // only a whole name is the same
-  EXPECT_FALSE(AddRequestPair(request, "CITY", "Oslo", PairRule::kKeepsFirst));
-  EXPECT_EQ(request, "POST http://h/a.cgi?step=1&name=Jane&city=Rome&nam=x&");
-  EXPECT_TRUE(AddRequestPair(request, "NAME", "Joe", PairRule::kReplaces));  // cut at the earlier pair
-  EXPECT_EQ(request, "POST http://h/a.cgi?step=1&NAME=Joe&");
+  for (const char* name : {"name", "NEWSLETTER", "city"}) {
+    EXPECT_TRUE(AddRequestPair(request, name, "x", PairRule::kReplaces)) << name;
+  }
+  const std::string earlier = request;
+  const std::string address = "POST http://h/a.cgi?";
+  ASSERT_EQ(earlier, address + "step=1&name=x&NEWSLETTER=x&city=x&");
+  // An earlier pair is one that begins with the name, over the name's length;
+  // a replacing pair cuts the request there, later pairs included.
+  const struct {
+    const char* name;
+    PairRule rule;
+    bool appended;
+    const char* query;  // after the pair was offered
+  } cases[] = {
+      {"NAME", PairRule::kReplaces, true, "step=1&NAME=v&"},
+      {"CITY", PairRule::kKeepsFirst, false, "step=1&name=x&NEWSLETTER=x&city=x&"},
+      {"news", PairRule::kReplaces, true, "step=1&name=x&news=v&"},
+      {"nam", PairRule::kKeepsFirst, false, "step=1&name=x&NEWSLETTER=x&city=x&"},
+      {"s", PairRule::kReplaces, true, "s=v&"},
+      {"names", PairRule::kKeepsFirst, true, "step=1&name=x&NEWSLETTER=x&city=x&names=v&"},
+      {"ity", PairRule::kKeepsFirst, true, "step=1&name=x&NEWSLETTER=x&city=x&ity=v&"},
+      {"http", PairRule::kKeepsFirst, true, "step=1&name=x&NEWSLETTER=x&city=x&http=v&"},
+  };
+  for (const auto& c : cases) {
+    request = earlier;
+    EXPECT_EQ(AddRequestPair(request, c.name, "v", c.rule), c.appended) << c.name;
+    EXPECT_EQ(request, address + c.query) << c.name;
+  }
 
   std::string full = "POST x?" + std::string(kRequestTextMax - 12, 'a');
   EXPECT_FALSE(AddRequestPair(full, "b", "cde", PairRule::kReplaces));  // would pass the limit
   EXPECT_TRUE(AddRequestPair(full, "b", "cd", PairRule::kReplaces));
   EXPECT_EQ(full.size(), kRequestTextMax);
+}
+
+TEST_F(PageWriter, DirectPostPairsTakeTheNameAsMatchingLeftIt) {
+  directPost_ = true;
+  // Looked-up names are upper case by the time their pair is added, text fields
+  // too; "nick" then meets the earlier pair "NICKNAME" and replaces it.
+  const std::pair<int, const char*> cases[] = {
+      {0, "POST http://www.example.com/a?NAME=Jane&ADDRESS=12+Market+St%0D%0ASpringfield&NICK=me&"
+          "COLOUR=BLUE&go=Send&"},
+      {kNoKey, "POST http://www.example.com/a?Name=old&Address=&nick=me&COLOUR=BLUE&go=Send&"},
+  };
+  for (const auto& [currentKey, request] : cases) {
+    currentKey_ = currentKey;
+    const std::string forms = OneFieldForm(
+        "<input name=Name value=old><textarea name=Address></textarea>"
+        "<input name=nickname value=again><input name=nick value=me>"
+        "<input type=radio name=colour value=blue><input type=submit name=go value=Send>");
+    EXPECT_EQ(session_->requestText, request) << currentKey;
+    // The page itself keeps the text field's case.
+    EXPECT_NE(forms.find("name=\"Name\" value=\""), std::string::npos) << currentKey;
+  }
 }
 
 TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
