@@ -300,5 +300,44 @@ TEST_F(MergeDialogTest, ABadFileKeepsTheKeysLoadedBefore) {
   EXPECT_EQ(MergeMemory().loadedPath, good);
 }
 
+// Tab walks the controls in reading order; Esc is Cancel (the table comes back)
+// and Enter is OK, wherever the focus is.
+TEST_F(MergeDialogTest, KeyboardTabEscapeAndEnter) {
+  FillTable(Keys(), {{"Zip", "zip", "", ""}});
+  const std::string other = WriteDatabase("Other.dat", {{"Town", "town", "", ""}});
+  MergeMemory().loadedPath = other;
+  std::vector<int> tabOrder;
+  std::size_t keysBeforeEscape = 0;
+  const auto key = [](HWND d, int id, WPARAM vk) { PostMessageA(GetDlgItem(d, id), WM_KEYDOWN, vk, 0); };
+  const auto escaped = Open({Custom([&](HWND d, const WindowSnapshot&) {
+    HWND first = GetDlgItem(d, IDC_MERGE_CURRENT_LIST);
+    HWND at = first;
+    do {
+      tabOrder.push_back(GetDlgCtrlID(at));
+      at = GetNextDlgTabItem(d, at, FALSE);
+    } while (at && at != first && tabOrder.size() < 20);
+    SelectOnly(d, IDC_MERGE_LOADED_LIST, {0});
+    PressNow(d, IDC_MERGE_ADD);
+    keysBeforeEscape = TableTexts(Keys()).size();
+    key(d, IDC_MERGE_CURRENT_LIST, VK_ESCAPE);
+  })});
+  ASSERT_TRUE(escaped.ok()) << escaped.Describe();
+  EXPECT_EQ(tabOrder, (std::vector<int>{IDC_MERGE_CURRENT_LIST, IDC_MERGE_LOADED_LIST, IDC_MERGE_LOAD,
+                                        IDC_MERGE_TAKE_SEARCH, IDC_MERGE_TAKE_SELECTION, IDC_MERGE_TAKE_DESCRIPTION,
+                                        IDC_MERGE_MODE_FIRST, IDC_MERGE_ADD, IDC_MERGE_SELECT_ALL, IDC_MERGE_UNDO,
+                                        IDOK, IDCANCEL, IDC_HELP_BUTTON}));
+  EXPECT_EQ(keysBeforeEscape, 2u);
+  EXPECT_EQ(TableTexts(Keys()), (std::vector<KeyTexts>{{"Zip", "zip", "", ""}}));
+
+  const auto entered = Open({Custom([&](HWND d, const WindowSnapshot&) {
+    SelectOnly(d, IDC_MERGE_LOADED_LIST, {0});
+    PressNow(d, IDC_MERGE_ADD);
+    key(d, IDC_MERGE_LOADED_LIST, VK_RETURN);
+  })});
+  ASSERT_TRUE(entered.ok()) << entered.Describe();
+  EXPECT_EQ(TableTexts(Keys()).size(), 2u);
+  EXPECT_EQ(g_refills, 1);
+}
+
 }  // namespace
 }  // namespace qb::test
