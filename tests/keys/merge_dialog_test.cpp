@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <commctrl.h>
+#include <dlgs.h>
 
 #include "app/app_state.h"
 #include "app/frame.h"
@@ -171,6 +172,9 @@ TEST_F(MergeDialogTest, DoNotAddLeavesDuplicatesAndHeldNamesAndPreviewShowsEachL
   ASSERT_EQ(result.seen.size(), 7u);
   EXPECT_EQ(result.seen[0].caption, "Quellbarrow - Load / compare keys");
   EXPECT_EQ(result.seen[1].caption, "Open - Database");
+  const ControlInfo* fileTypes = result.seen[1].Control(cmb1);
+  ASSERT_NE(fileTypes, nullptr);
+  EXPECT_EQ(fileTypes->text, "Quellbarrow databases(*.dat)");
   EXPECT_TRUE(copyWhileOpen);
   EXPECT_EQ(fileName, other);
   EXPECT_EQ(loadedRows, (std::vector<std::string>{"ZIP", "Town"}));
