@@ -10,11 +10,13 @@
 //   screenshot_driver dialog TITLE          waits for a visible dialog of that caption, prints its rectangle
 //   screenshot_driver click TITLE ID        presses button ID of that dialog
 //   screenshot_driver settext TITLE ID TEXT sets the text of control ID of that dialog
+//   screenshot_driver dblclick TITLE ID X Y double-clicks client point (X, Y) of control ID of that dialog
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 namespace {
 
@@ -111,6 +113,15 @@ int main(int argc, char** argv) {
     if (!d) return 1;
     Sleep(700);  // let it paint
     PrintRect(d);
+    return 0;
+  }
+  if (!std::strcmp(what, "dblclick") && argc == 6) {
+    HWND d = FindDialog(argv[2]);
+    HWND c = d ? GetDlgItem(d, std::atoi(argv[3])) : nullptr;
+    if (!c) return 1;
+    const POINT p = ClientPoint(c, std::atoi(argv[4]), std::atoi(argv[5]));
+    for (UINT m : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+      Mouse(c, m, m == WM_LBUTTONUP ? 0 : MK_LBUTTON, p);
     return 0;
   }
   if (argc >= 4 && (!std::strcmp(what, "click") || !std::strcmp(what, "settext"))) {

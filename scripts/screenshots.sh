@@ -2,9 +2,10 @@
 # Screenshots of the main window under Xvfb: both bars docked at the top, the tool
 # bar docked at the left with the databases bar floating, the vertical
 # arrangement, the options dialog, and the Add / Compare dialog with a second
-# database loaded and all its keys selected and added. Needs the product build.
+# database loaded and all its keys selected and added, and its preview of a
+# loaded key. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
-# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,add-compare}.png
+# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,add-compare,preview}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -113,5 +114,9 @@ run "$driver" click "$merge" 311
 run "$driver" click "$merge" 310
 geometry=$(run "$driver" dialog "$merge")
 shot add-compare "$geometry"
+run "$driver" dblclick "$merge" 301 20 38   # the third loaded key, "Country"
+geometry=$(run "$driver" dialog "Quellbarrow - Preview key values")
+shot preview "$geometry"
+run "$driver" click "Quellbarrow - Preview key values" 1
 run "$driver" click "$merge" 2
 finish
