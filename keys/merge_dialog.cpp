@@ -242,16 +242,30 @@ LRESULT OnMergeCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
 }
 
 // A double click on a row previews its key.
-LRESULT OnMergeNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
-  const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-  if (header->code != NM_DBLCLK) return 0;
-  const int listId = static_cast<int>(header->idFrom);
-  if (listId != IDC_MERGE_CURRENT_LIST && listId != IDC_MERGE_LOADED_LIST) return 0;
-  const int row = reinterpret_cast<const NMITEMACTIVATE*>(lParam)->iItem;
-  const int key = row >= 0 ? RowKey(header->hwndFrom, row) : -1;
-  if (key < 0) return 0;
-  const WORD source = listId == IDC_MERGE_LOADED_LIST ? kPreviewLoaded : kPreviewTable;
-  RunKeyValuesDialog(dialog, MAKELPARAM(key, source));
+LRESULT PreviewRow(const NMHDR& header, WORD source) {
+  const int row = reinterpret_cast<const NMITEMACTIVATE&>(header).iItem;
+  const int key = row >= 0 ? RowKey(header.hwndFrom, row) : -1;
+  if (key >= 0) RunKeyValuesDialog(GetParent(header.hwndFrom), MAKELPARAM(key, source));
+  return 0;
+}
+LRESULT OnCurrentListDoubleClick(const NMHDR& header) { return PreviewRow(header, kPreviewTable); }
+LRESULT OnLoadedListDoubleClick(const NMHDR& header) { return PreviewRow(header, kPreviewLoaded); }
+
+struct NotifyRow {
+  int control;
+  UINT code;
+  LRESULT (*handler)(const NMHDR& header);
+};
+const NotifyRow kMergeNotifications[] = {
+    {IDC_MERGE_CURRENT_LIST,  NM_DBLCLK,  OnCurrentListDoubleClick},
+    {IDC_MERGE_LOADED_LIST,   NM_DBLCLK,  OnLoadedListDoubleClick},
+};
+
+LRESULT OnMergeNotify(HWND, UINT, WPARAM, LPARAM lParam) {
+  const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
+  for (const NotifyRow& row : kMergeNotifications) {
+    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code) return row.handler(header);
+  }
   return 0;
 }
 
