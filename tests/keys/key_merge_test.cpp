@@ -1,4 +1,5 @@
-// The merge of loaded keys into the table, its lists and its safety copy.
+// The merge of loaded keys into the table and the lists it reads. The safety copy
+// is checked by the fuzz target and through the dialog.
 #include "keys/key_merge.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include "keys/key_file.h"
 #include "tests/keys/key_test_util.h"
 #include "tests/keys/merge_reference.h"
-#include "tests/support/temp_dir.h"
 
 namespace qb::test {
 namespace {
@@ -216,31 +216,6 @@ TEST_F(KeyMergeTest, IndexedMergeAgreesWithTheWalk) {
       ASSERT_EQ(DatabaseBytes(*indexed), DatabaseBytes(*walked)) << mode << " " << round;
     }
   }
-}
-
-TEST_F(KeyMergeTest, SafetyCopyRestoresTheTableAndTheChangedFlag) {
-  TempDir dir;
-  const std::string path = dir.File(kSafetyCopyName);
-  OwnedTable table(NamedKeys({"A", "B"}));
-  const std::vector<std::uint8_t> before = DatabaseBytes(*table);
-  MergeSession session;
-  ASSERT_TRUE(session.Begin(path, *table));
-  OwnedTable loaded(NamedKeys({"C", "b"}));
-  MergeKeys(*table, *loaded, {0, 1}, kOverwrite);
-  MergeKeys(*table, *loaded, {1, 0}, kAll);
-  EXPECT_TRUE(DatabaseChanged());
-  ASSERT_TRUE(session.Restore());
-  EXPECT_EQ(DatabaseBytes(*table), before);
-  EXPECT_FALSE(DatabaseChanged());
-  EXPECT_EQ(session.savedCount(), 2);
-  EXPECT_EQ(OneMessage(), "");
-
-  session.End();
-  EXPECT_FALSE(FileExists(path));
-  MergeKeys(*table, *loaded, {0}, kAll);
-  EXPECT_FALSE(session.Restore());
-  EXPECT_EQ(OneMessage(), kCantOpenDatabaseText);
-  EXPECT_EQ(table->count, 3);  // nothing lost
 }
 
 }  // namespace
