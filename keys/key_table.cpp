@@ -24,6 +24,8 @@ void SwapEntries(KeyTable& table, int a, int b) {
   for (auto& field : table.fields) std::swap(field[a], field[b]);
 }
 
+}  // namespace
+
 unsigned char FoldCase(unsigned char c) {
   if (c >= 'A' && c <= 'Z') return static_cast<unsigned char>(c + ('a' - 'A'));
   // The upper halves of the Windows single-byte code pages put each capital 0x20
@@ -31,8 +33,6 @@ unsigned char FoldCase(unsigned char c) {
   if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return static_cast<unsigned char>(c + 0x20);
   return c;
 }
-
-}  // namespace
 
 KeyTable& Keys() {
   static KeyTable table;

@@ -92,5 +92,8 @@ void MoveKey(KeyTable& table, int from, int to);
 // Case-insensitive comparison of single-byte texts: -1, 0 or 1. Letters fold as in
 // the Windows single-byte code pages: A-Z, and 0xC0-0xDE except 0xD7.
 int CompareNoCase(std::string_view a, std::string_view b);
+// The letter CompareNoCase compares `c` as: two texts compare equal exactly when
+// their folded forms are the same bytes.
+unsigned char FoldCase(unsigned char c);
 
 }  // namespace qb

@@ -85,6 +85,23 @@
 #define IDC_SCANOPT_ASK_FIRST    200
 #define IDC_SCANOPT_ADD_FIRST    215
 
+// IDD_LOAD_COMPARE: duplicate mode m (0 compare, 1 overwrite, 2 do not add) is
+// radio button IDC_MERGE_MODE_FIRST + m
+#define IDC_MERGE_CURRENT_LIST     300
+#define IDC_MERGE_LOADED_LIST      301
+#define IDC_MERGE_FILE_NAME        302
+#define IDC_MERGE_LOAD             303
+#define IDC_MERGE_TAKE_SEARCH      306
+#define IDC_MERGE_TAKE_SELECTION   307
+#define IDC_MERGE_TAKE_DESCRIPTION 308
+#define IDC_MERGE_ADD              310
+#define IDC_MERGE_SELECT_ALL       311
+#define IDC_MERGE_UNDO             312
+#define IDC_MERGE_MODE_FIRST       313
+
+// IDD_KEY_VALUES: edits 400..403 show Name, Search Names, Selection, Description
+#define IDC_KEYVALUES_FIRST        400
+
 // IDD_DOWNLOADING
 #define IDC_DOWNLOAD_STATUS      400
 #define IDC_DOWNLOAD_GROUP       401

@@ -7,11 +7,16 @@
 //   screenshot_driver hover CLASS X Y       rests the pointer on client point (X, Y) of CLASS
 //   screenshot_driver command ID            sends menu command ID to the main window
 //   screenshot_driver close                 closes the main window
+//   screenshot_driver dialog TITLE          waits for a visible dialog of that caption, prints its rectangle
+//   screenshot_driver click TITLE ID        presses button ID of that dialog
+//   screenshot_driver settext TITLE ID TEXT sets the text of control ID of that dialog
+//   screenshot_driver dblclick TITLE ID X Y double-clicks client point (X, Y) of control ID of that dialog
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 namespace {
 
@@ -27,6 +32,21 @@ HWND FindVisible(const char* className) {
     Sleep(100);
   }
   return nullptr;
+}
+
+HWND FindDialog(const char* title) {
+  for (int i = 0; i < 200; ++i) {
+    HWND w = FindWindowA("#32770", title);
+    if (w && IsWindowVisible(w) && IsWindowEnabled(w)) return w;
+    Sleep(100);
+  }
+  return nullptr;
+}
+
+void PrintRect(HWND w) {
+  RECT r;
+  GetWindowRect(w, &r);
+  std::printf("%ldx%ld+%ld+%ld\n", r.right - r.left, r.bottom - r.top, r.left, r.top);
 }
 
 POINT ClientPoint(HWND w, int x, int y) {
@@ -86,6 +106,34 @@ int main(int argc, char** argv) {
     Mouse(w, WM_MOUSEMOVE, 0, POINT{p.x - 3, p.y});
     Mouse(w, WM_MOUSEMOVE, 0, p);
     Sleep(1200);  // past the tool tip's delay
+    return 0;
+  }
+  if (!std::strcmp(what, "dialog") && argc == 3) {
+    HWND d = FindDialog(argv[2]);
+    if (!d) return 1;
+    Sleep(700);  // let it paint
+    PrintRect(d);
+    return 0;
+  }
+  if (!std::strcmp(what, "dblclick") && argc == 6) {
+    HWND d = FindDialog(argv[2]);
+    HWND c = d ? GetDlgItem(d, std::atoi(argv[3])) : nullptr;
+    if (!c) return 1;
+    const POINT p = ClientPoint(c, std::atoi(argv[4]), std::atoi(argv[5]));
+    for (UINT m : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+      Mouse(c, m, m == WM_LBUTTONUP ? 0 : MK_LBUTTON, p);
+    return 0;
+  }
+  if (argc >= 4 && (!std::strcmp(what, "click") || !std::strcmp(what, "settext"))) {
+    HWND d = FindDialog(argv[2]);
+    if (!d) return 1;
+    const int id = std::atoi(argv[3]);
+    if (!std::strcmp(what, "click")) {
+      PostMessageA(d, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(d, id)));
+    } else if (argc == 5) {
+      SetDlgItemTextA(d, id, argv[4]);
+    }
+    Sleep(500);
     return 0;
   }
   HWND main = FindVisible("Quellbarrow");

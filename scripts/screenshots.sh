@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Screenshots of the main window under Xvfb: both bars docked at the top, the tool
 # bar docked at the left with the databases bar floating, the vertical
-# arrangement, and the options dialog. Needs the product build.
+# arrangement, the options dialog, and the Add / Compare dialog with a second
+# database loaded and all its keys selected and added, and its preview of a
+# loaded key. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
-# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options}.png
+# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,add-compare,preview}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -89,4 +91,32 @@ run "$driver" wait Quellbarrow >/dev/null
 run "$driver" command 50008
 geometry=$(run "$driver" wait '#32770')
 shot options "$geometry"
+finish
+
+# Add / Compare: the sample database open, a second one loaded through the file dialog.
+prepare 0 0 0
+run "$win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" "$work/app/Databases/Data.dat" >/dev/null
+printf 'key First name\nsearch firstname, vorname\nkey Company\nsearch company, firma\ndescription Acme\nkey Country\nsearch country, land\nselect Germany\nselect France\n' >"$work/other.txt"
+run "$win/tools/makekeydb.exe" "$work/other.txt" "$work/app/Databases/Other.dat" >/dev/null
+start
+run "$driver" wait Quellbarrow >/dev/null
+run "$driver" command 50201
+merge="Quellbarrow - Load / compare keys"
+run "$driver" dialog "$merge" >/dev/null
+run "$driver" click "$merge" 303
+run "$driver" dialog "Open - Database" >/dev/null
+other="Z:$(printf '%s' "$work/app/Databases/Other.dat" | tr / '\\')"
+# The file-name field: a combo box (cmb13) or, in older dialogs, an edit (edt1).
+run "$driver" settext "Open - Database" 1148 "$other"
+run "$driver" settext "Open - Database" 1152 "$other"
+run "$driver" click "Open - Database" 1
+run "$driver" click "$merge" 311
+run "$driver" click "$merge" 310
+geometry=$(run "$driver" dialog "$merge")
+shot add-compare "$geometry"
+run "$driver" dblclick "$merge" 301 20 38   # the third loaded key, "Country"
+geometry=$(run "$driver" dialog "Quellbarrow - Preview key values")
+shot preview "$geometry"
+run "$driver" click "Quellbarrow - Preview key values" 1
+run "$driver" click "$merge" 2
 finish

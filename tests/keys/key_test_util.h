@@ -16,6 +16,23 @@ namespace qb::test {
 
 using KeyTexts = std::array<std::string, kKeyFieldCount>;
 
+// Replaces the keys of `table` with `keys`.
+inline void FillTable(KeyTable& table, const std::vector<KeyTexts>& keys) {
+  ClearAllKeys(table);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    for (int f = 0; f < kKeyFieldCount; ++f) table.fields[f][i] = MakeTextBlock(keys[i][f]);
+  }
+  table.count = static_cast<std::int32_t>(keys.size());
+}
+
+inline std::vector<KeyTexts> TableTexts(const KeyTable& table) {
+  std::vector<KeyTexts> out(KeysInUse(table));
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    for (int f = 0; f < kKeyFieldCount; ++f) out[i][f] = TextOf(table.fields[f][i]);
+  }
+  return out;
+}
+
 // A key table on the heap that frees its blocks when it goes.
 class OwnedTable {
  public:
@@ -30,20 +47,8 @@ class OwnedTable {
   KeyTable& operator*() { return *table_; }
   KeyTable* operator->() { return table_.get(); }
 
-  void Fill(const std::vector<KeyTexts>& keys) {
-    ClearAllKeys(*table_);
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-      for (int f = 0; f < kKeyFieldCount; ++f) table_->fields[f][i] = MakeTextBlock(keys[i][f]);
-    }
-    table_->count = static_cast<std::int32_t>(keys.size());
-  }
-  std::vector<KeyTexts> Texts() const {
-    std::vector<KeyTexts> out(KeysInUse(*table_));
-    for (std::size_t i = 0; i < out.size(); ++i) {
-      for (int f = 0; f < kKeyFieldCount; ++f) out[i][f] = TextOf(table_->fields[f][i]);
-    }
-    return out;
-  }
+  void Fill(const std::vector<KeyTexts>& keys) { FillTable(*table_, keys); }
+  std::vector<KeyTexts> Texts() const { return TableTexts(*table_); }
 
  private:
   std::unique_ptr<KeyTable> table_;

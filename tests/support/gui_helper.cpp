@@ -1,5 +1,7 @@
 #include "tests/support/gui_helper.h"
 
+#include <dlgs.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -157,6 +159,16 @@ ModalStep Press(const std::string& buttonText) {
 ModalStep Command(int id) {
   return ModalStep{
       [id](HWND window, const WindowSnapshot&) { PressById(window, GetDlgItem(window, id), id); }};
+}
+
+ModalStep ChooseFile(const std::string& path) {
+  return ModalStep{[path](HWND window, const WindowSnapshot& snap) {
+    // The file-name field is a combo box (cmb13) in newer dialogs, an edit (edt1) in older ones.
+    const int field = snap.Control(cmb13) ? cmb13 : edt1;
+    if (!snap.Control(field)) throw std::runtime_error("no file-name field in \"" + snap.caption + "\"");
+    SetControlText(window, field, path);
+    PressById(window, GetDlgItem(window, IDOK), IDOK);
+  }};
 }
 
 ModalStep Custom(ModalAction action) { return ModalStep{std::move(action)}; }

@@ -53,6 +53,9 @@ struct ModalStep {
 ModalStep Press(const std::string& buttonText);
 // Sends WM_COMMAND with `id` (BN_CLICKED) to the window.
 ModalStep Command(int id);
+// Types `path` into the file-name field of a common open or save dialog and
+// presses its Open (Save) button.
+ModalStep ChooseFile(const std::string& path);
 // A step of one's own.
 ModalStep Custom(ModalAction action);
 // The same kinds, for a window that an earlier step answered (say a dialog that
