@@ -2,6 +2,8 @@
 // program has always kept them; lookup takes the first match.
 #include "app/frame.h"
 #include "bars/status_bar.h"
+#include "links/link_commands.h"
+#include "links/links_view.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -13,6 +15,8 @@ const MessageRow kMainMessages[] = {
     {WM_SIZE,           OnMainSize},
     {WM_INITMENU,       OnMainInitMenu},
     {WM_MENUSELECT,     OnMainMenuSelect},
+    {WM_NOTIFY,         OnMainNotify},
+    {WM_DRAWITEM,       OnMainDrawItem},
     {WM_TIMER,          OnMainTimer},
     {WM_LBUTTONDOWN,    OnMainRecapture},
     {WM_MOUSEMOVE,      OnMainMouseMove},
@@ -33,6 +37,13 @@ const CommandRow kMainCommands[] = {
     {IDM_LINK_WINDOW,        OnViewToggleCommand},
     {IDM_KEY_WINDOW,         OnViewToggleCommand},
     {IDM_STATUS_BAR,         OnStatusBarCommand},
+    {IDM_LINK_INFO,          OnLinkInfoCommand},
+    {IDM_NEW_FOLDER,         OnNewFolderCommand},
+    {IDM_RENAME_FOLDER,      OnRenameFolderCommand},
+    {IDM_DELETE_LINK,        OnDeleteLinkCommand},
+    {IDM_MOVE_LINK,          OnMoveLinkCommand},
+    {IDM_RENAME_LINK,        OnRenameLinkCommand},
+    {IDM_DELETE_LINK,        OnDeleteLinkCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},
@@ -42,7 +53,30 @@ const CommandRow kMainCommands[] = {
     {IDM_HELP_TOPICS,        OnHelpCommand},
 };
 
+// List-view notifications by the sending control.
+struct ViewNotifyRow {
+  UINT_PTR control;
+  LRESULT (*handler)(HWND main, const NMHDR& header);
+};
+
+const ViewNotifyRow kViewNotifications[] = {
+    {IDC_LINKS_VIEW, LinksViewNotify},
+};
+
 }  // namespace
+
+LRESULT OnMainNotify(HWND window, UINT, WPARAM, LPARAM lParam) {
+  const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+  for (const ViewNotifyRow& row : kViewNotifications)
+    if (row.control == header.idFrom) return row.handler(window, header);
+  return 0;
+}
+
+LRESULT OnMainDrawItem(HWND, UINT, WPARAM wParam, LPARAM lParam) {
+  const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+  if (wParam == IDC_LINKS_VIEW) return DrawLinksRow(item);
+  return FALSE;
+}
 
 const MessageMap kMainMessageMap = MakeMessageMap(kMainMessages, kDefaultWindowProc);
 const CommandMap kMainCommandMap = MakeCommandMap(kMainCommands, kDefaultWindowProc);

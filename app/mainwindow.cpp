@@ -9,6 +9,7 @@
 #include "app/layout.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "links/links_view.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -73,6 +74,8 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   app.dataHtmlDir = app.programDir + kDataHtmlFolder;
   app.linksView = CreateListView(window, instance, IDC_LINKS_VIEW, Layout().linksShown);
   if (!app.linksView) return Quit(kListViewFailed);
+  ResetLinksView();
+  RefreshLinksView();
   app.keysView = CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown);
   if (!app.keysView) return Quit(kListViewFailed);
 

@@ -5,6 +5,7 @@
 #include "app/app_state.h"
 #include "app/frame.h"
 #include "bars/dock_bar.h"
+#include "links/links_view.h"
 
 namespace qb {
 
@@ -77,6 +78,8 @@ HWND CreateMainWindow(HINSTANCE instance, int showCommand) {
   ShowWindow(window, s.maximized == 1 ? SW_SHOWMAXIMIZED : showCommand);
   UpdateWindow(window);
   SetForegroundWindow(window);
+  // The columns take their widths from the client area the window was shown with.
+  if (App().linksView) CreateLinksColumns(window);
   return window;
 }
 
