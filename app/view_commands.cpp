@@ -6,6 +6,7 @@
 #include "app/frame.h"
 #include "app/layout.h"
 #include "bars/dock_bar.h"
+#include "links/links_view.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -69,6 +70,7 @@ LRESULT OnViewToggleCommand(HWND window, WORD id, WORD, LPARAM) {
   shown = !shown;
   HWND view = links ? App().linksView : App().keysView;
   if (view) ShowWindow(view, shown ? SW_SHOW : SW_HIDE);
+  if (links && shown && view) RefreshLinksView();  // the folder may have changed meanwhile
   SendMessageA(window, WM_SIZE, 0, 0);
   return 0;
 }

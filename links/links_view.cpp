@@ -6,6 +6,7 @@
 #include <array>
 #include <cstring>
 
+#include "acquire/no_case.h"
 #include "app/app_state.h"
 #include "app/frame_gdi.h"
 #include "links/link_paths.h"
@@ -34,7 +35,6 @@ struct DepthMemory {
   int vertical = 0;    // scroll position times kLinksRowHeight
 };
 std::array<DepthMemory, kLinksDepthMax + 1> g_memory;
-std::size_t g_previousCount = 0;
 
 HWND View() { return App().linksView; }
 
@@ -195,6 +195,36 @@ LRESULT OnLinksDisplayInfo(HWND, const NMHDR& header) {
   return 0;
 }
 
+// Typing in the list: the next row whose name begins with (or is) the typed text,
+// after `start` and round to the top; -1 for none.
+int FindRow(std::string_view text, int start, UINT flags) {
+  if (!(flags & (LVFI_STRING | LVFI_PARTIAL))) return -1;
+  const auto& entries = LinksView().listing.entries();
+  const int count = static_cast<int>(entries.size());
+  for (int k = 0; k < count; ++k) {
+    const int row = (start + 1 + k) % count;
+    const std::string name = LinkCellText(entries[static_cast<std::size_t>(row)], 0);
+    if ((flags & LVFI_PARTIAL) ? StartsWithNoCase(name, text)
+                                                  : EqualNoCase(name, text))
+      return row;
+  }
+  return -1;
+}
+
+LRESULT OnLinksFindItem(HWND, const NMHDR& header) {
+  const auto& find = reinterpret_cast<const NMLVFINDITEMA&>(header);
+  return FindRow(find.lvfi.psz ? find.lvfi.psz : "", find.iStart, find.lvfi.flags);
+}
+
+LRESULT OnLinksFindItemW(HWND, const NMHDR& header) {
+  const auto& find = reinterpret_cast<const NMLVFINDITEMW&>(header);
+  std::array<char, kLinkPathSize> text{};
+  if (find.lvfi.psz)
+    WideCharToMultiByte(CP_ACP, 0, find.lvfi.psz, -1, text.data(), static_cast<int>(text.size()) - 1,
+                        nullptr, nullptr);
+  return FindRow(text.data(), find.iStart, find.lvfi.flags);
+}
+
 struct NotifyRow {
   UINT code;
   LRESULT (*handler)(HWND main, const NMHDR& header);
@@ -207,6 +237,8 @@ const NotifyRow kLinksNotifications[] = {
     {LVN_KEYDOWN,      OnLinksKeyDown},
     {LVN_COLUMNCLICK,  OnLinksColumnClick},
     {LVN_GETDISPINFOA, OnLinksDisplayInfo},
+    {LVN_ODFINDITEMA,  OnLinksFindItem},
+    {LVN_ODFINDITEMW,  OnLinksFindItemW},
 };
 
 // The entry's small shell icon, fetched once and added to the image list.
@@ -261,7 +293,6 @@ bool RefreshLinks(const std::string& folder) {
   SendMessageA(view, WM_SETREDRAW, FALSE, 0);
   ReplaceImageList(nullptr);
   SendMessageA(view, LVM_DELETEALLITEMS, 0, 0);
-  SendMessageA(view, LVM_SETITEMCOUNT, g_previousCount, 0);
   ReplaceImageList(MakeImageList(Gdi().hiddenIcon, Gdi().rootFolderIcon));
 
   LinkListing& listing = state.listing;
@@ -282,18 +313,9 @@ bool RefreshLinks(const std::string& folder) {
   FindClose(find);
   listing.Sort(state.sortColumn);
 
-  const auto& entries = listing.entries();
-  SendMessageA(view, LVM_SETITEMCOUNT, entries.size(), 0);
-  LVITEMA item{};
-  item.mask = LVIF_TEXT | LVIF_PARAM;
-  item.pszText = LPSTR_TEXTCALLBACKA;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    item.iItem = static_cast<int>(i);
-    item.lParam = static_cast<LPARAM>(i);
-    SendMessageA(view, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-  }
+  // Row i is record i; its texts come from the display-text request.
   for (LinkEntry& e : listing.entries()) e.marked = 0;
-  g_previousCount = entries.size();
+  SendMessageA(view, LVM_SETITEMCOUNT, listing.entries().size(), 0);
   SendMessageA(view, WM_SETREDRAW, TRUE, 0);
 
   RestoreRememberedRow();

@@ -12,6 +12,11 @@
 
 namespace qb {
 
+// The view's rows are the listing's records themselves (a virtual list): inserting
+// 32,000 rows one by one costs the list control more than the directory search
+// that found them, and deleting them as much again.
+constexpr DWORD kLinksViewExtraStyle = LVS_OWNERDATA;
+
 // The row height the vertical scroll memory counts in.
 constexpr int kLinksRowHeight = 17;
 

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Screenshots of the main window under Xvfb: both bars docked at the top, the tool
 # bar docked at the left with the databases bar floating, the vertical
-# arrangement, and the options dialog. Needs the product build.
+# arrangement, the options dialog, and the Links view at the DataHtml root, one
+# folder down and with its pop-up menu. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
-# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options}.png
+# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
+# links-root,links-folder,links-menu}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -89,4 +91,22 @@ run "$driver" wait Quellbarrow >/dev/null
 run "$driver" command 50008
 geometry=$(run "$driver" wait '#32770')
 shot options "$geometry"
+finish
+
+# Saved pages and folders for the Links view (child 2587).
+prepare 0 0 0
+(cd "$work/app/DataHtml" && mkdir -p Shops/Old Travel Banking .cache \
+  && printf '<html>%.0s</html>' $(seq 1 300) > www.example.com.order.form.asp.htm \
+  && printf '<form></form>' > search.php && printf 'x' > report && : > .hidden.htm \
+  && printf '<html>%.0s</html>' $(seq 1 2000) > shop.example.org.checkout.html \
+  && printf '<form>%.0s</form>' $(seq 1 90) > Shops/cart.example.com.basket.asp.htm \
+  && printf '<p>' > Shops/notes.txt && printf '<form></form>' > Shops/order.htm)
+start
+geometry=$(run "$driver" wait Quellbarrow)
+shot links-root "$geometry"
+run "$driver" key 2587 40     # down to "Shops"
+run "$driver" key 2587 13     # Enter opens it
+shot links-folder "$geometry"
+run "$driver" rclick 2587 60 50
+shot links-menu "$geometry"
 finish

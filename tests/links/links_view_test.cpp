@@ -140,6 +140,9 @@ TEST_F(LinksViewTest, RootListsFoldersFirstWithoutAParentRowAndHidesDotNames) {
   EXPECT_EQ(Cell(RowOf("report.   "), 1), "   ");
   EXPECT_EQ(App().linksFolder, root_);
   EXPECT_EQ(Selected(), 0);
+  // Typing a name's first letters selects it.
+  SendMessageA(View(), WM_CHAR, 'r', 1);
+  EXPECT_EQ(Selected(), RowOf("report.   "));
 
   // The date column shows the file's own time, not a local one.
   WIN32_FILE_ATTRIBUTE_DATA data;
@@ -497,11 +500,15 @@ TEST_F(LinksViewTest, LinkInfoShowsTheRecordedAddressOfTheSelectedPage) {
   }
 }
 
-TEST_F(LinksViewTest, DownloadsGoToTheFolderTheViewShows) {
+TEST_F(LinksViewTest, DownloadsGoToTheFolderTheViewShowsAndShowingItListsItAgain) {
   MakeFolder("Shops");
   ASSERT_NE(Open(), nullptr);
   Enter("Shops");
   EXPECT_EQ(CurrentLinksFolder(), root_ + "Shops\\");
+  Command(IDM_KEY_WINDOW);
+  MakeFile("Shops\\new.htm");
+  Command(IDM_KEY_WINDOW);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"", "new.htm"}));
 }
 
 TEST(LinkTimes, CalendarFieldsMatchTheSystemsConversion) {
