@@ -159,13 +159,12 @@ LRESULT OnLinksRightClick(HWND main, const NMHDR& header) {
   const LinkEntry* entry = EntryOfRow(row);
   if (!entry) return 0;
   RememberRow(row, *entry);
-  POINT cursor;
-  GetCursorPos(&cursor);
-  POINT inside = cursor;
-  ScreenToClient(View(), &inside);
+  // Where the button went down: the pointer may have moved on since.
   RECT client;
   GetClientRect(View(), &client);
-  if (!PtInRect(&client, inside)) return 0;
+  if (!PtInRect(&client, activate.ptAction)) return 0;
+  POINT cursor = activate.ptAction;
+  ClientToScreen(View(), &cursor);
   HMENU menu = LoadMenuA(App().instance, kPopupMenu);
   if (!menu) return 0;
   TrackPopupMenu(GetSubMenu(menu, 0), TPM_RIGHTBUTTON, cursor.x, cursor.y, 0, main, nullptr);
@@ -340,6 +339,8 @@ void CreateLinksColumns(HWND main) {
     column.iSubItem = i;
     SendMessageA(View(), LVM_INSERTCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
   }
+  // Rows listed before there were columns were drawn with no width at all.
+  InvalidateRect(View(), nullptr, TRUE);
 }
 
 LRESULT LinksViewNotify(HWND main, const NMHDR& header) {

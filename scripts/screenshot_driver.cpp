@@ -113,8 +113,14 @@ int main(int argc, char** argv) {
     HWND child = GetDlgItem(main, std::atoi(argv[2]));
     if (!child) return 1;
     const POINT p = ClientPoint(child, std::atoi(argv[3]), std::atoi(argv[4]));
-    Mouse(child, WM_RBUTTONDOWN, MK_RBUTTON, p);
-    Mouse(child, WM_RBUTTONUP, 0, p);
+    // The list follows a pressed button until it is let go or the pointer moves
+    // away: the pointer is put there first, and both messages queued at once.
+    SetCursorPos(p.x, p.y);
+    Sleep(300);
+    POINT inside = p;
+    ScreenToClient(child, &inside);
+    PostMessageA(child, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(inside.x, inside.y));
+    PostMessageA(child, WM_RBUTTONUP, 0, MAKELPARAM(inside.x, inside.y));
     Sleep(900);  // the menu opens and paints
     return 0;
   }
