@@ -92,8 +92,10 @@ void RestoreRememberedRow() {
   DepthMemory& memory = g_memory[LinksView().depth];
   if (memory.row < 0 || memory.row >= RowCount()) memory.row = 0;
   if (RowCount() > 0) SelectRow(memory.row);
-  const int rows = memory.vertical / kLinksRowHeight;
-  SendMessageA(View(), LVM_SCROLL, memory.horizontal, rows * ItemHeight());
+  // From wherever focusing the row scrolled the list to.
+  const int rows = memory.vertical / kLinksRowHeight - GetScrollPos(View(), SB_VERT);
+  SendMessageA(View(), LVM_SCROLL, memory.horizontal - GetScrollPos(View(), SB_HORZ),
+               rows * ItemHeight());
 }
 
 const LinkEntry* EntryOfRow(int row) {

@@ -1,6 +1,8 @@
 // The Links view and its folder commands in a real main window over a real
 // DataHtml tree in a fresh program folder.
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 #include "acquire/acquire_state.h"
 #include "acquire/document_registry.h"
@@ -235,6 +237,48 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRow) {
   Click(RowOf("Inner"), NM_CLICK);
   RefreshLinksView();
   EXPECT_EQ(Selected(), RowOf("Inner"));
+}
+
+TEST_F(LinksViewTest, GoingBackUpRestoresTheScrollPosition) {
+  for (int i = 0; i < 60; ++i) MakeFolder("F" + std::to_string(10 + i));
+  ASSERT_NE(Open(), nullptr);
+  SendMessageA(View(), LVM_ENSUREVISIBLE, 50, FALSE);
+  const int scrolled = GetScrollPos(View(), SB_VERT);
+  ASSERT_GT(scrolled, 0);
+  Enter("F60");
+  EXPECT_EQ(GetScrollPos(View(), SB_VERT), 0);
+  Enter("");
+  EXPECT_EQ(GetScrollPos(View(), SB_VERT), scrolled);
+  EXPECT_EQ(Selected(), RowOf("F60"));
+}
+
+// Right click on a row opens POPLIST_MENU there; it is closed again from outside.
+TEST_F(LinksViewTest, RightClickOnARowOpensTheLinksMenu) {
+  MakeFolder("Shops");
+  ASSERT_NE(Open(), nullptr);
+  std::vector<std::string> items;
+  std::atomic<bool> done{false};
+  std::thread closer([&] {
+    for (int i = 0; i < 500 && !done; ++i, Sleep(10)) {
+      HWND menu = FindWindowA("#32768", nullptr);
+      if (!menu || !IsWindowVisible(menu)) continue;
+      auto handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
+      for (int k = 0; k < GetMenuItemCount(handle); ++k) {
+        char text[64] = {};
+        GetMenuStringA(handle, k, text, sizeof text, MF_BYPOSITION);
+        if (text[0]) items.push_back(text);
+      }
+      PostMessageA(window_, WM_CANCELMODE, 0, 0);
+      return;
+    }
+  });
+  Click(0, NM_RCLICK);
+  done = true;
+  closer.join();
+  EXPECT_EQ(items, (std::vector<std::string>{"&Goto site URL", "&New Folder", "&Rename Folder",
+                                             "&Delete Folder", "&Move Link", "&Rename Link",
+                                             "&Delete Link", "&Info Link"}));
+  EXPECT_EQ(LinksView().selectedName, "Shops");
 }
 
 TEST_F(LinksViewTest, CommandsNeedARowAndSomeNeedADocument) {
