@@ -3,21 +3,13 @@
 #include "base/app_state.h"
 
 namespace qb {
-namespace {
-
-std::string& LinksFolderText() {
-  static std::string folder;
-  return folder;
-}
-
-}  // namespace
 
 const std::string& CurrentLinksFolder() {
-  const std::string& folder = LinksFolderText();
+  const std::string& folder = App().linksFolder;
   return folder.empty() ? App().dataHtmlDir : folder;
 }
 
-void SetCurrentLinksFolder(std::string folder) { LinksFolderText() = std::move(folder); }
+void SetCurrentLinksFolder(std::string folder) { App().linksFolder = std::move(folder); }
 
 DownloadRequest& SharedDownloadRequest() {
   static DownloadRequest request;

@@ -11,8 +11,8 @@
 
 namespace qb {
 
-// The folder the Links view shows, ending with a backslash. Until the Links view
-// sets it, it is the DataHtml root of the program directory.
+// The folder the Links view shows (App().linksFolder), ending with a backslash.
+// Until the main window sets it, it is the DataHtml root of the program directory.
 const std::string& CurrentLinksFolder();
 void SetCurrentLinksFolder(std::string folder);
 

@@ -51,6 +51,9 @@ LRESULT OnMainClose(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainDestroy(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnSysColorChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnDisplayChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// WM_NOTIFY and WM_DRAWITEM of the two list views, passed on by control id.
+LRESULT OnMainNotify(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainDrawItem(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // Command handlers.
 LRESULT OnFileCommand(HWND window, WORD id, WORD code, LPARAM control);

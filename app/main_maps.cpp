@@ -3,6 +3,8 @@
 #include "app/frame.h"
 #include "bars/status_bar.h"
 #include "keys/merge_dialog.h"
+#include "links/link_commands.h"
+#include "links/links_view.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -14,6 +16,8 @@ const MessageRow kMainMessages[] = {
     {WM_SIZE,           OnMainSize},
     {WM_INITMENU,       OnMainInitMenu},
     {WM_MENUSELECT,     OnMainMenuSelect},
+    {WM_NOTIFY,         OnMainNotify},
+    {WM_DRAWITEM,       OnMainDrawItem},
     {WM_TIMER,          OnMainTimer},
     {WM_LBUTTONDOWN,    OnMainRecapture},
     {WM_MOUSEMOVE,      OnMainMouseMove},
@@ -35,6 +39,13 @@ const CommandRow kMainCommands[] = {
     {IDM_KEY_WINDOW,         OnViewToggleCommand},
     {IDM_STATUS_BAR,         OnStatusBarCommand},
     {IDM_ADD_COMPARE,        OnAddCompareCommand},
+    {IDM_LINK_INFO,          OnLinkInfoCommand},
+    {IDM_NEW_FOLDER,         OnNewFolderCommand},
+    {IDM_RENAME_FOLDER,      OnRenameFolderCommand},
+    {IDM_DELETE_LINK,        OnDeleteLinkCommand},
+    {IDM_MOVE_LINK,          OnMoveLinkCommand},
+    {IDM_RENAME_LINK,        OnRenameLinkCommand},
+    {IDM_DELETE_LINK,        OnDeleteLinkCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},
@@ -44,7 +55,30 @@ const CommandRow kMainCommands[] = {
     {IDM_HELP_TOPICS,        OnHelpCommand},
 };
 
+// List-view notifications by the sending control.
+struct ViewNotifyRow {
+  UINT_PTR control;
+  LRESULT (*handler)(HWND main, const NMHDR& header);
+};
+
+const ViewNotifyRow kViewNotifications[] = {
+    {IDC_LINKS_VIEW, LinksViewNotify},
+};
+
 }  // namespace
+
+LRESULT OnMainNotify(HWND window, UINT, WPARAM, LPARAM lParam) {
+  const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+  for (const ViewNotifyRow& row : kViewNotifications)
+    if (row.control == header.idFrom) return row.handler(window, header);
+  return 0;
+}
+
+LRESULT OnMainDrawItem(HWND, UINT, WPARAM wParam, LPARAM lParam) {
+  const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+  if (wParam == IDC_LINKS_VIEW) return DrawLinksRow(item);
+  return FALSE;
+}
 
 const MessageMap kMainMessageMap = MakeMessageMap(kMainMessages, kDefaultWindowProc);
 const CommandMap kMainCommandMap = MakeCommandMap(kMainCommands, kDefaultWindowProc);

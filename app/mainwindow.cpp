@@ -10,6 +10,7 @@
 #include "bars/status_bar.h"
 #include "base/app_state.h"
 #include "base/frame_gdi.h"
+#include "links/links_view.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -34,9 +35,9 @@ LRESULT Quit(const char* text) {
   return 0;
 }
 
-HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown) {
+HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown, DWORD extraStyle = 0) {
   return CreateWindowExA(WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
-                         kListViewStyle | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
+                         kListViewStyle | extraStyle | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
 }
 
@@ -73,8 +74,11 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   CreateStatusBar(window);
 
   app.dataHtmlDir = app.programDir + kDataHtmlFolder;
-  app.linksView = CreateListView(window, instance, IDC_LINKS_VIEW, Layout().linksShown);
+  app.linksView = CreateListView(window, instance, IDC_LINKS_VIEW, Layout().linksShown,
+                                 kLinksViewExtraStyle);
   if (!app.linksView) return Quit(kListViewFailed);
+  ResetLinksView();
+  RefreshLinksView();
   app.keysView = CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown);
   if (!app.keysView) return Quit(kListViewFailed);
 

@@ -6,6 +6,7 @@
 #include "bars/dock_bar.h"
 #include "base/app_state.h"
 #include "base/user_message.h"
+#include "links/links_view.h"
 
 namespace qb {
 
@@ -72,6 +73,8 @@ HWND CreateMainWindow(HINSTANCE instance, int showCommand) {
   ShowWindow(window, s.maximized == 1 ? SW_SHOWMAXIMIZED : showCommand);
   UpdateWindow(window);
   SetForegroundWindow(window);
+  // The columns take their widths from the client area the window was shown with.
+  if (App().linksView) CreateLinksColumns(window);
   return window;
 }
 

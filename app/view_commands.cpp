@@ -7,6 +7,7 @@
 #include "bars/dock_bar.h"
 #include "base/app_state.h"
 #include "base/help.h"
+#include "links/links_view.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -43,6 +44,7 @@ LRESULT OnViewToggleCommand(HWND window, WORD id, WORD, LPARAM) {
   shown = !shown;
   HWND view = links ? App().linksView : App().keysView;
   if (view) ShowWindow(view, shown ? SW_SHOW : SW_HIDE);
+  if (links && shown && view) RefreshLinksView();  // the folder may have changed meanwhile
   SendMessageA(window, WM_SIZE, 0, 0);
   return 0;
 }

@@ -30,6 +30,9 @@ struct AppState {
   std::string helpPath;     // programDir + "\QBHELP.HLP"
   std::string databaseDir;  // programDir + "\Databases\"
   std::string dataHtmlDir;  // programDir + "\DataHtml\"
+  // The folder the Links view lists and new downloads are saved in; ends with a
+  // backslash. Empty until the main window is created.
+  std::string linksFolder;
   int screenWidth = 0;
   int screenHeight = 0;
   DWORD windowsVersion = 0;

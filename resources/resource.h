@@ -108,4 +108,15 @@
 // Self-posted command that starts a transfer once the dialog is shown
 #define IDC_DOWNLOAD_START       735
 
+// IDD_MAKEDIR (new folder, rename, new database)
+#define IDC_MAKEDIR_NAME         100
+#define IDC_MAKEDIR_GROUP        101
+
+// IDD_DELETEDIR
+#define IDC_DELETEDIR_SUBFOLDERS 102
+#define IDC_DELETEDIR_PATH       103
+
+// IDD_DESTINATION_DIR
+#define IDC_DESTINATION_LIST     100
+
 #endif

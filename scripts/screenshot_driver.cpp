@@ -6,6 +6,8 @@
 //   screenshot_driver drag CLASS X Y DX DY  drags from client point (X, Y) of CLASS by (DX, DY)
 //   screenshot_driver hover CLASS X Y       rests the pointer on client point (X, Y) of CLASS
 //   screenshot_driver command ID            sends menu command ID to the main window
+//   screenshot_driver key ID VK [COUNT]     presses key VK (COUNT times) in the main window's child ID
+//   screenshot_driver rclick ID X Y         right-clicks client point (X, Y) of the main window's child ID
 //   screenshot_driver close                 closes the main window
 //   screenshot_driver dialog TITLE          waits for a visible dialog of that caption, prints its rectangle
 //   screenshot_driver click TITLE ID        presses button ID of that dialog
@@ -141,6 +143,33 @@ int main(int argc, char** argv) {
   if (!std::strcmp(what, "command") && argc == 3) {
     PostMessageA(main, WM_COMMAND, MAKEWPARAM(std::atoi(argv[2]), 0), 0);
     Sleep(500);
+    return 0;
+  }
+  if (!std::strcmp(what, "key") && argc >= 4) {
+    HWND child = GetDlgItem(main, std::atoi(argv[2]));
+    if (!child) return 1;
+    const int count = argc > 4 ? std::atoi(argv[4]) : 1;
+    for (int i = 0; i < count; ++i) {
+      PostMessageA(child, WM_KEYDOWN, std::atoi(argv[3]), 1);
+      PostMessageA(child, WM_KEYUP, std::atoi(argv[3]), 0xC0000001);
+      Sleep(100);
+    }
+    Sleep(700);  // let it list and paint
+    return 0;
+  }
+  if (!std::strcmp(what, "rclick") && argc == 5) {
+    HWND child = GetDlgItem(main, std::atoi(argv[2]));
+    if (!child) return 1;
+    const POINT p = ClientPoint(child, std::atoi(argv[3]), std::atoi(argv[4]));
+    // The list follows a pressed button until it is let go or the pointer moves
+    // away: the pointer is put there first, and both messages queued at once.
+    SetCursorPos(p.x, p.y);
+    Sleep(300);
+    POINT inside = p;
+    ScreenToClient(child, &inside);
+    PostMessageA(child, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(inside.x, inside.y));
+    PostMessageA(child, WM_RBUTTONUP, 0, MAKELPARAM(inside.x, inside.y));
+    Sleep(900);  // the menu opens and paints
     return 0;
   }
   if (!std::strcmp(what, "close")) {

@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # Screenshots of the main window under Xvfb: both bars docked at the top, the tool
 # bar docked at the left with the databases bar floating, the vertical
-# arrangement, the options dialog, and the Add / Compare dialog with a second
-# database loaded and all its keys selected and added, and its preview of a
-# loaded key. Needs the product build.
+# arrangement, the options dialog, the Add / Compare dialog with a second
+# database loaded and all its keys selected and added, its preview of a loaded
+# key, and the Links view at the DataHtml root, one folder down and with its
+# pop-up menu. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
-# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,add-compare,preview}.png
+# Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
+# add-compare,preview,links-root,links-folder,links-menu}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -119,4 +121,20 @@ geometry=$(run "$driver" dialog "Quellbarrow - Preview key values")
 shot preview "$geometry"
 run "$driver" click "Quellbarrow - Preview key values" 1
 run "$driver" click "$merge" 2
+# Saved pages and folders for the Links view (child 2587).
+prepare 0 0 0
+(cd "$work/app/DataHtml" && mkdir -p Shops/Old Travel Banking .cache \
+  && printf '<html>%.0s</html>' $(seq 1 300) > www.example.com.order.form.asp.htm \
+  && printf '<form></form>' > search.php && printf 'x' > report && : > .hidden.htm \
+  && printf '<html>%.0s</html>' $(seq 1 2000) > shop.example.org.checkout.html \
+  && printf '<form>%.0s</form>' $(seq 1 90) > Shops/cart.example.com.basket.asp.htm \
+  && printf '<p>' > Shops/notes.txt && printf '<form></form>' > Shops/order.htm)
+start
+geometry=$(run "$driver" wait Quellbarrow)
+shot links-root "$geometry"
+run "$driver" key 2587 40     # down to "Shops"
+run "$driver" key 2587 13     # Enter opens it
+shot links-folder "$geometry"
+run "$driver" rclick 2587 60 50
+shot links-menu "$geometry"
 finish

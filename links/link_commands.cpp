@@ -1,0 +1,177 @@
+#include "links/link_commands.h"
+
+#include <cstdio>
+#include <vector>
+
+#include "acquire/acquire_state.h"
+#include "base/app_state.h"
+#include "links/link_dialogs.h"
+#include "links/link_paths.h"
+#include "links/links_view.h"
+
+namespace qb {
+namespace {
+
+constexpr char kSelectFirst[] = "First you must select Link file from the ListView window";
+constexpr char kNotALink[] = "This is not a Link file then Folder";
+constexpr char kDeleteLinkQuestion[] = "Are you sure you want to delete a link file:\n%s";
+constexpr char kLinkInfo[] = "Location URL:\nhttp://%s\n\nLocation File:\n%s";
+constexpr char kRenameFolderText[] = "Type a new Folder name:";
+constexpr char kRenameFileText[] = "Type a new File name:";
+
+void Stop(const char* text) { ShowMessage(text, nullptr, MB_OK | MB_ICONSTOP); }
+
+// The row a command acts on. Nothing while the view is hidden; without a row
+// (the parent row is none) the user is told. The view is listed again after
+// every command that had its row.
+struct TargetRow {
+  const LinkEntry* entry = nullptr;
+  std::string path;  // current folder + name, ".ext" for a document
+};
+
+bool TakeRow(TargetRow& row) {
+  if (!LinksViewShown()) return false;
+  const LinkEntry* entry = SelectedLinkEntry();
+  if (!entry || entry->kind == kLinkParent) {
+    Stop(kSelectFirst);
+    return false;
+  }
+  row.entry = entry;
+  row.path = App().linksFolder + LinkFileName(*entry);
+  return true;
+}
+
+// Commands that act on a saved page only.
+bool TakeDocumentRow(TargetRow& row) {
+  if (!TakeRow(row)) return false;
+  if (row.entry->kind == kLinkDocument) return true;
+  Stop(kNotALink);
+  RefreshLinksView();
+  return false;
+}
+
+bool CreateNewFolder(HWND dialog, const std::string& name) {
+  const std::string& folder = App().linksFolder;
+  if (const auto tooLong = NewFolderTooLongText(folder, name)) {
+    MessageBoxA(dialog, tooLong->c_str(), "Warning", MB_OK | MB_ICONSTOP);
+    return false;
+  }
+  SECURITY_ATTRIBUTES security{sizeof security, nullptr, TRUE};
+  CreateDirectoryA((folder + name).c_str(), &security);
+  RefreshLinksView();
+  return true;
+}
+
+}  // namespace
+
+LRESULT OnNewFolderCommand(HWND window, WORD, WORD, LPARAM) {
+  NameRequest request;
+  request.accept = CreateNewFolder;
+  RunNameDialog(window, request);
+  return 0;
+}
+
+LRESULT OnRenameFolderCommand(HWND window, WORD, WORD, LPARAM) {
+  TargetRow row;
+  if (!TakeRow(row)) return 0;
+  NameRequest request;
+  request.groupText = row.entry->kind == kLinkFolder ? kRenameFolderText : kRenameFileText;
+  request.name = LinkFileName(*row.entry);
+  if (RunNameDialog(window, request) == 1) {
+    const std::string renamed = App().linksFolder + request.name;
+    // Every registry line that begins with the old path follows, whether or not
+    // it lies inside the renamed folder.
+    if (std::rename(row.path.c_str(), renamed.c_str()) == 0)
+      ProgramRegistry().RenamePrefix(WithoutBackslash(row.path), WithoutBackslash(renamed));
+  }
+  RefreshLinksView();
+  return 0;
+}
+
+LRESULT OnDeleteLinkCommand(HWND window, WORD, WORD, LPARAM) {
+  TargetRow row;
+  if (!TakeRow(row)) return 0;
+  if (row.entry->kind == kLinkFolder) {
+    if (RunDeleteFolderDialog(window, row.path) == 1)
+      DeleteFolderTree(row.path, DeleteSubfoldersOption());
+  } else if (ShowMessage(FormatText(kDeleteLinkQuestion, row.path.c_str()), nullptr,
+                         MB_YESNO | MB_ICONQUESTION) == IDYES) {
+    // The registry keeps the entry as a deleted link until it is compacted.
+    DeleteFileA(row.path.c_str());
+  }
+  RefreshLinksView();
+  return 0;
+}
+
+// Renaming a saved page is "&Rename Folder"'s work; this one only checks the row.
+LRESULT OnRenameLinkCommand(HWND, WORD, WORD, LPARAM) {
+  TargetRow row;
+  if (TakeDocumentRow(row)) RefreshLinksView();
+  return 0;
+}
+
+LRESULT OnMoveLinkCommand(HWND window, WORD, WORD, LPARAM) {
+  TargetRow row;
+  if (!TakeDocumentRow(row)) return 0;
+  std::string destination;
+  if (RunDestinationDialog(window, App().dataHtmlDir, destination) == 1) {
+    const std::string moved = destination + LinkFileName(*row.entry);
+    // Before the copy: the registry drops entries whose files are gone.
+    ProgramRegistry().RenameFile(row.path, moved);
+    if (CopyFileA(row.path.c_str(), moved.c_str(), FALSE)) DeleteFileA(row.path.c_str());
+  }
+  RefreshLinksView();
+  return 0;
+}
+
+LRESULT OnLinkInfoCommand(HWND window, WORD, WORD, LPARAM) {
+  const LinkEntry* entry = SelectedLinkEntry();
+  if (entry && entry->kind == kLinkDocument) {
+    const std::string path = App().linksFolder + LinkFileName(*entry);
+    if (const auto url = ProgramRegistry().FindUrlForFile(path))
+      ShowMessage(FormatText(kLinkInfo, url->c_str(), path.c_str()), kAppName,
+                  MB_OK | MB_ICONINFORMATION);
+  }
+  SendMessageA(window, WM_SIZE, 0, 0);
+  return 0;
+}
+
+void DeleteFolderTree(const std::string& folder, bool subfolders) {
+  if (folder.size() < kDeletePathMin) return;
+  const std::string top = WithBackslash(folder);
+  struct Level {
+    HANDLE find;
+    std::string folder;
+  };
+  std::vector<Level> levels;
+  WIN32_FIND_DATAA found;
+  HANDLE find = FindFirstFileA((top + "*.*").c_str(), &found);
+  if (find != INVALID_HANDLE_VALUE) levels.push_back({find, top});
+  bool pending = !levels.empty();  // `found` holds an entry not yet handled
+  while (!levels.empty()) {
+    const std::string here = levels.back().folder;
+    if (!pending && !FindNextFileA(levels.back().find, &found)) {
+      FindClose(levels.back().find);
+      levels.pop_back();
+      if (!levels.empty()) RemoveDirectoryA(here.c_str());
+      continue;
+    }
+    pending = false;
+    const std::string name = found.cFileName;
+    if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
+      DeleteFileA((here + name).c_str());
+      continue;
+    }
+    if (!subfolders || !IsListedName(name) ||
+        levels.size() >= static_cast<std::size_t>(kDeleteLevelsMax))
+      continue;
+    const std::string inner = here + name + "\\";
+    find = FindFirstFileA((inner + "*.*").c_str(), &found);
+    if (find == INVALID_HANDLE_VALUE) continue;
+    levels.push_back({find, inner});
+    pending = true;
+  }
+  RemoveDirectoryA(top.c_str());
+}
+
+}  // namespace qb

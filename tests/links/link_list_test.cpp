@@ -1,0 +1,207 @@
+// The Links view's records, orders and cell texts, and its folder texts.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "links/link_list.h"
+#include "links/link_paths.h"
+#include "tests/links/reference_sort.h"
+
+namespace qb::test {
+namespace {
+
+constexpr std::uint64_t kTicksPerDay = 864000000000ull;
+constexpr std::uint64_t kTicks1970 = 116444736000000000ull;
+
+FoundFile Document(const std::string& name, std::uint32_t size = 0) {
+  FoundFile f;
+  f.name = name;
+  f.attributes = 0x20;
+  f.sizeLow = size;
+  return f;
+}
+
+FoundFile Folder(const std::string& name) {
+  FoundFile f;
+  f.name = name;
+  f.attributes = kFolderAttribute;
+  return f;
+}
+
+TEST(LinkEntries, NamesSplitAtTheLastDotAndSizesAreKeptAsComputed) {
+  const struct {
+    FoundFile found;
+    std::string name, extension, nameCell, sizeCell;
+    LinkKind kind;
+  } cases[] = {
+      {Document("form.htm", 1234567), "form", "htm", "form.htm", "1.234.567", kLinkDocument},
+      {Document("a.b.c.htm"), "a.b.c", "htm", "a.b.c.htm", "0", kLinkDocument},
+      {Document("report"), "report", "   ", "report.   ", "0", kLinkDocument},
+      {Document("trailing."), "trailing", "", "trailing.", "0", kLinkDocument},
+      {Folder("Shops.old"), "Shops.old", "DIR", "Shops.old", "0", kLinkFolder},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.found.name);
+    const LinkEntry e = MakeLinkEntry(c.found);
+    EXPECT_EQ(e.name, c.name);
+    EXPECT_EQ(e.extension, c.extension);
+    EXPECT_EQ(e.kind, c.kind);
+    EXPECT_EQ(LinkCellText(e, 0), c.nameCell);
+    EXPECT_EQ(LinkCellText(e, 1), c.extension);
+    EXPECT_EQ(LinkCellText(e, 2), c.sizeCell);
+  }
+  // The high size word is taken from the low one, wrapping.
+  FoundFile big = Document("big.htm", 5);
+  big.sizeHigh = 7;
+  EXPECT_EQ(MakeLinkEntry(big).size, 0xFFFFFFFEu);
+  EXPECT_EQ(LinkCellText(MakeLinkEntry(big), 2), "4.294.967.294");
+  // A long name keeps its first 255 characters.
+  EXPECT_EQ(MakeLinkEntry(Document(std::string(300, 'n') + ".htm")).name, std::string(kLinkNameMax, 'n'));
+}
+
+TEST(LinkEntries, FileTimesBecomeCalendarFieldsAndTheDateCell) {
+  const struct {
+    std::uint64_t ticks;
+    LinkTime t;
+  } cases[] = {
+      {0, {1601, 1, 1, 1, 0, 0, 0, 0}},
+      {kTicks1970, {1970, 1, 4, 1, 0, 0, 0, 0}},
+      // 2000-02-29 12:34:56.789, a leap day in a year divisible by 400.
+      {kTicks1970 + 11016 * kTicksPerDay + ((12 * 60 + 34) * 60 + 56) * 10000000ull + 7890000,
+       {2000, 2, 2, 29, 12, 34, 56, 789}},
+      {0x7FFFFFFFFFFFFFFFull, {30828, 9, 4, 14, 2, 48, 5, 477}},
+      {0x8000000000000000ull, {}},  // no time at all
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.ticks);
+    const LinkTime t = LinkTimeFromTicks(c.ticks);
+    EXPECT_EQ(std::vector<int>({t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second, t.milliseconds}),
+              std::vector<int>({c.t.year, c.t.month, c.t.dayOfWeek, c.t.day, c.t.hour, c.t.minute,
+                                c.t.second, c.t.milliseconds}));
+  }
+  FoundFile f = Document("a.htm");
+  f.lastWrite = kTicks1970 + 11016 * kTicksPerDay + (5 * 60 + 7) * 600000000ull;  // 2000-02-29 05:07
+  EXPECT_EQ(LinkCellText(MakeLinkEntry(f), 3), "2/29/2000  5:7");
+  EXPECT_EQ(LinkCellText(MakeParentEntry(), 3), "");
+}
+
+// Names, folders and sizes as a directory search would hand them in.
+std::vector<FoundFile> Search(const std::vector<std::pair<std::string, std::uint32_t>>& rows) {
+  std::vector<FoundFile> out;
+  for (const auto& [name, size] : rows)
+    out.push_back(name.back() == '/' ? Folder(name.substr(0, name.size() - 1)) : Document(name, size));
+  return out;
+}
+
+std::vector<std::string> Listed(const std::vector<FoundFile>& search, bool parent, int column) {
+  LinkListing listing;
+  listing.Begin(parent);
+  for (const FoundFile& f : search) listing.Add(f);
+  listing.Sort(column);
+  std::vector<std::string> names;
+  for (const LinkEntry& e : listing.entries())
+    names.push_back(e.kind == kLinkParent ? "<up>" : LinkCellText(e, 0));
+  return names;
+}
+
+TEST(LinkListing, FoldersFirstParentRowOnTopHiddenNamesLeftOutInEachColumn) {
+  const auto search = Search({{"zeta.htm", 5}, {"Beta/", 0}, {".hidden.htm", 1}, {"alpha.txt", 9},
+                              {"./", 0}, {"../", 0}, {"alpha.htm", 9}, {"apple/", 0}, {".git/", 0},
+                              {"Mid.asp", 1}});
+  const struct {
+    int column;
+    std::vector<std::string> order;
+  } cases[] = {
+      {kSortName, {"<up>", "apple", "Beta", "alpha.txt", "alpha.htm", "Mid.asp", "zeta.htm"}},
+      {kSortExt, {"<up>", "apple", "Beta", "Mid.asp", "alpha.htm", "zeta.htm", "alpha.txt"}},
+      {kSortSize, {"<up>", "apple", "Beta", "Mid.asp", "zeta.htm", "alpha.txt", "alpha.htm"}},
+      // Folders move up only past folders; documents keep the search's order.
+      {kSortDate, {"<up>", "zeta.htm", "Beta", "alpha.txt", "alpha.htm", "apple", "Mid.asp"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.column);
+    EXPECT_EQ(Listed(search, true, c.column), c.order);
+    std::vector<std::string> atRoot(c.order.begin() + 1, c.order.end());
+    EXPECT_EQ(Listed(search, false, c.column), atRoot);
+  }
+}
+
+TEST(LinkListing, DateColumnSortsEachRunOfFoldersOnItsOwn) {
+  const auto search = Search({{"d/", 0}, {"b/", 0}, {"x.htm", 0}, {"c/", 0}, {"A/", 0},
+                              {"y.htm", 0}, {"w.htm", 0}, {"e/", 0}});
+  EXPECT_EQ(Listed(search, false, kSortDate),
+            (std::vector<std::string>{"b", "d", "x.htm", "A", "c", "y.htm", "w.htm", "e"}));
+}
+
+TEST(LinkListing, StopsAtTheEntryLimitCountingTheParentRow) {
+  for (bool parent : {false, true}) {
+    LinkListing listing;
+    listing.Begin(parent);
+    std::size_t accepted = 0;
+    while (listing.Add(Document("p" + std::to_string(accepted) + ".htm"))) ++accepted;
+    EXPECT_EQ(listing.entries().size(), kLinksEntryMax);
+    EXPECT_FALSE(listing.Add(Document("late.htm")));
+    EXPECT_EQ(listing.entries().size(), kLinksEntryMax);
+  }
+}
+
+// Random folders and documents with clashing names (in any case), extensions and
+// sizes, sorted both ways.
+TEST(LinkListing, EveryColumnKeepsTheInsertionSortsOrder) {
+  std::mt19937 random(1234);
+  const char* names[] = {"a", "A", "b", "B_", "b_", "_", "ab", "Ab", "aB", "z", "\xe9t\xe9", "~"};
+  const char* extensions[] = {"htm", "HTM", "html", "asp", "   ", "", "txt"};
+  for (int round = 0; round < 200; ++round) {
+    std::vector<LinkEntry> entries;
+    const bool parent = round % 2;
+    if (parent) entries.push_back(MakeParentEntry());
+    const int count = static_cast<int>(random() % 60);
+    for (int i = 0; i < count; ++i) {
+      std::string name = names[random() % std::size(names)];
+      FoundFile f = random() % 4 == 0 ? Folder(name)
+                                      : Document(name + "." + extensions[random() % std::size(extensions)],
+                                                 random() % 4);
+      LinkEntry e = MakeLinkEntry(f);
+      e.image = i;
+      entries.push_back(e);
+    }
+    for (int column = 0; column < kLinkColumns; ++column) {
+      std::vector<LinkEntry> fast = entries, reference = entries;
+      SortLinkEntries(fast, parent ? 1 : 0, column);
+      InsertionSortLinks(reference, parent ? 1 : 0, column);
+      ASSERT_EQ(Tags(fast), Tags(reference)) << "round " << round << " column " << column;
+    }
+  }
+}
+
+TEST(LinkColumns, WidthsShareHalfTheClientWidth) {
+  EXPECT_EQ(LinksColumnWidths(808), (LinkColumnWidths{224, 40, 56, 80}));
+  EXPECT_EQ(LinksColumnWidths(601), (LinkColumnWidths{165, 29, 41, 59}));
+}
+
+TEST(LinkPaths, FoldersGoUpToTheBackslashBeforeTheirLastPart) {
+  const struct {
+    const char *folder, *parent, *destinationUp;
+  } cases[] = {
+      {"C:\\App\\DataHtml\\Shops\\", "C:\\App\\DataHtml\\", "C:\\App\\DataHtml\\"},
+      {"C:\\App\\DataHtml\\Shops\\Old\\", "C:\\App\\DataHtml\\Shops\\", "C:\\App\\DataHtml\\Shops\\"},
+      {"C:\\App\\DataHtml\\", "C:\\App\\", "C:\\App\\DataHtml\\"},  // never above the root
+      {"C:\\", "C:\\", "C:\\"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ParentFolder(c.folder), c.parent);
+    EXPECT_EQ(DestinationUp(c.folder, "C:\\App\\DataHtml\\"), c.destinationUp) << c.folder;
+  }
+}
+
+TEST(LinkPaths, NewFolderNamesMustFitThePathLimit) {
+  const std::string folder = "C:\\" + std::string(246, 'f') + "\\";  // 250 characters
+  ASSERT_EQ(folder.size(), 250u);
+  EXPECT_EQ(NewFolderTooLongText(folder, std::string(9, 'n')), std::nullopt);
+  EXPECT_EQ(NewFolderTooLongText(folder, std::string(10, 'n')),
+            "Directory file name is too long.\nIt can not exceded 260 charachters including current "
+            "directory\nThis New directory name can't exceded 10 charachters");
+}
+
+}  // namespace
+}  // namespace qb::test
