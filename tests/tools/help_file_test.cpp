@@ -1,10 +1,13 @@
-// The help file writer, read back through our own reader.
+// The help file writer, read back through our own reader, and the help file the
+// build makes from resources/help.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
 #include <string>
 #include <vector>
 
+#include "tests/support/temp_dir.h"
 #include "tests/tools/hlp_reader.h"
 #include "tools/helpfile/help_source.h"
 #include "tools/helpfile/hlp_writer.h"
@@ -261,6 +264,46 @@ TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
     EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
     EXPECT_TRUE(bytes.empty());
   }
+}
+
+// Every Help button and F1 of the program opens one of these numbers.
+constexpr std::uint32_t kProgramContextNumbers[] = {999, 1205, 1206, 1208, 1209, 1210, 1604, 1606, 1900};
+
+TEST(BuiltHelpFile, HoldsEveryTopicTheProgramOpensAndEachIsReachableFromContents) {
+  HlpFile file;
+  std::string error;
+  ASSERT_TRUE(file.Read(test::ReadBytes(QB_HELP_FILE), error)) << QB_HELP_FILE << ": " << error;
+  EXPECT_EQ(file.title, "Quellbarrow Help");
+  const HlpTopic* contents = file.TopicAt(file.contentsOffset);
+  ASSERT_NE(contents, nullptr);
+  EXPECT_EQ(file.TopicOfNumber(999), contents);
+  for (std::uint32_t number : kProgramContextNumbers) {
+    const HlpTopic* topic = file.TopicOfNumber(number);
+    ASSERT_NE(topic, nullptr) << number;
+    EXPECT_EQ(file.TopicAt(file.contextNumbers.at(number))->offset, file.contextNumbers.at(number))
+        << number << " does not open at the start of a topic";
+    EXPECT_GE(topic->paragraphs.size(), 2u) << topic->title << " has no text";
+  }
+  // Every jump lands on a topic's start, and every topic can be reached from the contents.
+  std::deque<const HlpTopic*> queue{contents};
+  std::vector<const HlpTopic*> reached{contents};
+  while (!queue.empty()) {
+    const HlpTopic* topic = queue.front();
+    queue.pop_front();
+    for (std::int32_t hash : topic->jumps) {
+      const auto offset = file.FindContext(hash);
+      ASSERT_TRUE(offset) << topic->title << " jumps to a hash no topic has";
+      const HlpTopic* target = file.TopicAt(*offset);
+      ASSERT_EQ(target->offset, *offset);
+      if (std::find(reached.begin(), reached.end(), target) == reached.end()) {
+        reached.push_back(target);
+        queue.push_back(target);
+      }
+    }
+  }
+  for (const HlpTopic& topic : file.topics)
+    EXPECT_NE(std::find(reached.begin(), reached.end(), &topic), reached.end())
+        << topic.title << " can't be reached from the contents";
 }
 
 }  // namespace
