@@ -40,6 +40,7 @@ const CommandRow kMainCommands[] = {
     {IDM_WINDOW_HORIZONTAL,  OnWindowCommand},
     {IDM_WINDOW_VERTICAL,    OnWindowCommand},
     {IDM_HELP_TOPICS,        OnHelpCommand},
+    {IDM_ABOUT,              OnAboutBoxCommand},
 };
 
 }  // namespace

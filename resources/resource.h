@@ -85,6 +85,14 @@
 #define IDC_SCANOPT_ASK_FIRST    200
 #define IDC_SCANOPT_ADD_FIRST    215
 
+// IDD_ABOUT
+#define IDC_ABOUT_ICON           424
+#define IDC_ABOUT_NAME           425
+#define IDC_ABOUT_VERSION        426
+
+// The program's version, shown in the about box
+#define QB_VERSION               "1.0"
+
 // IDD_DOWNLOADING
 #define IDC_DOWNLOAD_STATUS      400
 #define IDC_DOWNLOAD_GROUP       401

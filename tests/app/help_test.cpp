@@ -1,5 +1,5 @@
 // Help through the real windows: F1 and "&Help Topics", every context number the
-// program opens, read back from the WinHelp viewer.
+// program opens, read back from the WinHelp viewer; and the about box.
 #include "app/help.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/support/help_viewer.h"
@@ -72,6 +72,33 @@ TEST_F(Help, EveryContextNumberOpensItsTopicAndTheWindowStaysOnTop) {
   Settings().onTop = 0;
   ShowHelpTopic(1900);
   EXPECT_FALSE(Topmost(window_));
+}
+
+using About = MainWindowTest;
+
+TEST_F(About, ShowsNameVersionIconAndWhatTheProgramDoesAndOkCloses) {
+  ASSERT_NE(Open(), nullptr);
+  bool hasIcon = false;
+  auto result = RunModal([&] { EXPECT_EQ(Command(IDM_ABOUT), 0); },
+                         {Custom([&](HWND dialog, const WindowSnapshot&) {
+                           DWORD_PTR icon = 0;
+                           SendMessageTimeoutA(GetDlgItem(dialog, IDC_ABOUT_ICON), STM_GETICON, 0, 0,
+                                               SMTO_NORMAL, 3000, &icon);
+                           hasIcon = icon != 0;
+                           ClickButton(dialog, IDOK);
+                         })});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  const WindowSnapshot& box = result.seen.at(0);
+  EXPECT_EQ(box.caption, "Quellbarrow - About");
+  ASSERT_NE(box.Control(IDC_ABOUT_NAME), nullptr);
+  EXPECT_EQ(box.Control(IDC_ABOUT_NAME)->text, "Quellbarrow");
+  ASSERT_NE(box.Control(IDC_ABOUT_VERSION), nullptr);
+  EXPECT_EQ(box.Control(IDC_ABOUT_VERSION)->text, "Version " QB_VERSION);
+  EXPECT_NE(box.ControlByText("Fills in web forms with the answers you keep as keys, and opens the "
+                              "filled page in your browser."),
+            nullptr);
+  EXPECT_EQ(box.ButtonTexts(), std::vector<std::string>{"OK"});
+  EXPECT_TRUE(hasIcon);
 }
 
 }  // namespace
