@@ -10,14 +10,15 @@ namespace {
 
 constexpr char kVersionText[] = "Version " QB_VERSION;
 
-// The program's name in the bold of the dialog's own font; made once and kept
-// for the run, as the box may open many times.
-HFONT NameFont(HWND dialog) {
+// The program's name in the system's message font, larger and bold; made once
+// and kept for the run, as the box may open many times.
+HFONT NameFont() {
   static HFONT font = nullptr;
   if (!font) {
-    LOGFONTA lf{};
-    const HFONT dialogFont = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
-    if (!dialogFont || !GetObjectA(dialogFont, sizeof(lf), &lf)) return nullptr;
+    NONCLIENTMETRICSA metrics{};
+    metrics.cbSize = sizeof(metrics);
+    if (!SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0)) return nullptr;
+    LOGFONTA lf = metrics.lfMessageFont;
     lf.lfWeight = FW_BOLD;
     lf.lfHeight = lf.lfHeight * 5 / 4;
     font = CreateFontIndirectA(&lf);
@@ -40,7 +41,7 @@ LRESULT OnAboutCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT OnAboutInit(HWND dialog, UINT, WPARAM, LPARAM) {
-  if (HFONT font = NameFont(dialog))
+  if (HFONT font = NameFont())
     SendDlgItemMessageA(dialog, IDC_ABOUT_NAME, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   SetDlgItemTextA(dialog, IDC_ABOUT_VERSION, kVersionText);
   return 1;  // the focus goes to OK

@@ -79,12 +79,17 @@ using About = MainWindowTest;
 TEST_F(About, ShowsNameVersionIconAndWhatTheProgramDoesAndOkCloses) {
   ASSERT_NE(Open(), nullptr);
   bool hasIcon = false;
+  LOGFONTA nameFont{};
   auto result = RunModal([&] { EXPECT_EQ(Command(IDM_ABOUT), 0); },
                          {Custom([&](HWND dialog, const WindowSnapshot&) {
                            DWORD_PTR icon = 0;
                            SendMessageTimeoutA(GetDlgItem(dialog, IDC_ABOUT_ICON), STM_GETICON, 0, 0,
                                                SMTO_NORMAL, 3000, &icon);
                            hasIcon = icon != 0;
+                           DWORD_PTR font = 0;
+                           SendMessageTimeoutA(GetDlgItem(dialog, IDC_ABOUT_NAME), WM_GETFONT, 0, 0,
+                                               SMTO_NORMAL, 3000, &font);
+                           GetObjectA(reinterpret_cast<HFONT>(font), sizeof(nameFont), &nameFont);
                            ClickButton(dialog, IDOK);
                          })});
   ASSERT_TRUE(result.ok()) << result.Describe();
@@ -99,6 +104,7 @@ TEST_F(About, ShowsNameVersionIconAndWhatTheProgramDoesAndOkCloses) {
             nullptr);
   EXPECT_EQ(box.ButtonTexts(), std::vector<std::string>{"OK"});
   EXPECT_TRUE(hasIcon);
+  EXPECT_EQ(nameFont.lfWeight, FW_BOLD);
 }
 
 }  // namespace
