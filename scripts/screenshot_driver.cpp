@@ -7,6 +7,8 @@
 //   screenshot_driver hover CLASS X Y       rests the pointer on client point (X, Y) of CLASS
 //   screenshot_driver command ID            sends menu command ID to the main window
 //   screenshot_driver close                 closes the main window
+//   screenshot_driver help FILE ID          opens help file FILE at context number ID
+//   screenshot_driver helpquit              closes the help viewer
 #include <windows.h>
 
 #include <cstdio>
@@ -86,6 +88,17 @@ int main(int argc, char** argv) {
     Mouse(w, WM_MOUSEMOVE, 0, POINT{p.x - 3, p.y});
     Mouse(w, WM_MOUSEMOVE, 0, p);
     Sleep(1200);  // past the tool tip's delay
+    return 0;
+  }
+  if (!std::strcmp(what, "help") && argc == 4) {
+    const DWORD id = static_cast<DWORD>(std::atoi(argv[3]));
+    // The viewer WinHelp starts may not have its window at the first request.
+    if (WinHelpA(nullptr, argv[2], HELP_CONTEXT, id)) return 0;
+    for (int i = 0; i < 100 && !FindWindowA("MS_WINHELP", nullptr); ++i) Sleep(20);
+    return WinHelpA(nullptr, argv[2], HELP_CONTEXT, id) ? 0 : 1;
+  }
+  if (!std::strcmp(what, "helpquit")) {
+    WinHelpA(nullptr, nullptr, HELP_QUIT, 0);
     return 0;
   }
   HWND main = FindVisible("Quellbarrow");
