@@ -103,13 +103,15 @@ TEST_F(Options, TabVisitsEveryControlInOrder) {
                                      IDC_OPT_FORM_STATISTICS, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
 }
 
-TEST_F(Options, HelpOpensItsTopicAndPutsTheWindowBackOnTop) {
+TEST_F(Options, HelpOpensItsTopicKeepsTheDialogAndPutsTheWindowBackOnTop) {
   ASSERT_TRUE(CopyHelpFileTo(dir_.path()));
   Settings().onTop = 1;  // the window is not on top yet: the help routine puts it there
   HelpPage page;
-  auto result = OpenOptions({HelpThenCancel("Options", page)});
+  bool stayedOpen = false;
+  auto result = OpenOptions({HelpThenCancel("Options", page, stayedOpen)});
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(page.heading, "Options");
+  EXPECT_TRUE(stayedOpen);
   EXPECT_EQ(page.caption, "Quellbarrow Help");
   EXPECT_TRUE(Topmost(window_));
 }

@@ -74,10 +74,12 @@ TEST_F(ScanOptionsDialog, HelpOpensTheScanOptionsTopic) {
   SetProgramDirectory(dir.path());
   ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
   test::HelpPage page;
+  bool stayedOpen = false;
   const auto result = test::RunModal([] { RunScanOptionsDialog(nullptr); },
-                                     {test::HelpThenCancel("Scan options", page)});
+                                     {test::HelpThenCancel("Scan options", page, stayedOpen)});
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(page.heading, "Scan options");
+  EXPECT_TRUE(stayedOpen);
 }
 
 }  // namespace

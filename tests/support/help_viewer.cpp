@@ -55,10 +55,11 @@ bool CloseHelpViewer(int timeoutMs) {
   return WaitFor([] { return FindWindowA(kViewerClass, nullptr) == nullptr; }, timeoutMs);
 }
 
-ModalStep HelpThenCancel(const std::string& heading, HelpPage& page) {
-  return Custom([heading, &page](HWND dialog, const WindowSnapshot&) {
+ModalStep HelpThenCancel(const std::string& heading, HelpPage& page, bool& dialogStayedOpen) {
+  return Custom([heading, &page, &dialogStayedOpen](HWND dialog, const WindowSnapshot&) {
     ClickButton(dialog, IDC_HELP_BUTTON);
     page = WaitForHelpPage(heading);
+    dialogStayedOpen = IsWindow(dialog) && IsWindowVisible(dialog);
     CloseHelpViewer();
     ClickButton(dialog, IDCANCEL);
   });

@@ -28,8 +28,8 @@ HelpPage WaitForHelpPage(const std::string& heading, int timeoutMs = 10000);
 bool CloseHelpViewer(int timeoutMs = 10000);
 
 // A modal step for a dialog with a Help button: presses it, takes the page the
-// viewer comes up with (expecting `heading`) into `page`, closes the viewer and
-// cancels the dialog.
-ModalStep HelpThenCancel(const std::string& heading, HelpPage& page);
+// viewer comes up with (expecting `heading`) into `page`, notes whether the dialog
+// is still open, closes the viewer and cancels the dialog.
+ModalStep HelpThenCancel(const std::string& heading, HelpPage& page, bool& dialogStayedOpen);
 
 }  // namespace qb::test
