@@ -63,5 +63,6 @@ LRESULT OnViewToggleCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnToolsCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnWindowCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnHelpCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnAboutBoxCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 }  // namespace qb

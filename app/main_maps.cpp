@@ -53,6 +53,7 @@ const CommandRow kMainCommands[] = {
     {IDM_WINDOW_HORIZONTAL,  OnWindowCommand},
     {IDM_WINDOW_VERTICAL,    OnWindowCommand},
     {IDM_HELP_TOPICS,        OnHelpCommand},
+    {IDM_ABOUT,              OnAboutBoxCommand},
 };
 
 // List-view notifications by the sending control.

@@ -72,7 +72,7 @@ LRESULT OnWindowCommand(HWND window, WORD id, WORD, LPARAM) {
 // can come to the front, and stays so.
 LRESULT OnHelpCommand(HWND window, WORD, WORD, LPARAM) {
   SetOnTop(window, false, /*withViews=*/false);
-  WinHelpA(window, App().helpPath.c_str(), HELP_CONTEXT, kHelpTopicsContext);
+  OpenHelpAt(window, kHelpTopicsContext);
   return 0;
 }
 

@@ -11,4 +11,7 @@ constexpr DWORD kHelpTopicsContext = 999;
 // other windows or not, as the on-top option says.
 void ShowHelpTopic(DWORD contextId);
 
+// Opens the help file at `contextId` for `owner`, nothing more.
+void OpenHelpAt(HWND owner, DWORD contextId);
+
 }  // namespace qb

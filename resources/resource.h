@@ -102,6 +102,14 @@
 // IDD_KEY_VALUES: edits 400..403 show Name, Search Names, Selection, Description
 #define IDC_KEYVALUES_FIRST        400
 
+// IDD_ABOUT
+#define IDC_ABOUT_ICON           424
+#define IDC_ABOUT_NAME           425
+#define IDC_ABOUT_VERSION        426
+
+// The program's version, shown in the about box
+#define QB_VERSION               "1.0"
+
 // IDD_DOWNLOADING
 #define IDC_DOWNLOAD_STATUS      400
 #define IDC_DOWNLOAD_GROUP       401

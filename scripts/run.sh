@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds Quellbarrow, prepares its program folder (build/program: the .exe, its
-# Databases and DataHtml folders, a sample key database and first settings) and
-# starts it under Wine. Without a display it runs under Xvfb, saves a screenshot
-# and prints its path.
+# help file and links page, its Databases and DataHtml folders, a sample key
+# database and first settings) and starts it under Wine. Without a display it
+# runs under Xvfb, saves a screenshot and prints its path.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -12,7 +12,7 @@ program="$build/program"
 "$root/scripts/build.sh" win
 
 mkdir -p "$program/Databases" "$program/DataHtml"
-cp "$build/win/Quellbarrow.exe" "$program/"
+cp "$build/win/Quellbarrow.exe" "$build/win/QBHELP.HLP" "$root/resources/weblinks.htm" "$program/"
 
 # The caller's display decides; the test session's Xvfb is not a user's screen.
 headless=0

@@ -13,6 +13,8 @@
 //   screenshot_driver click TITLE ID        presses button ID of that dialog
 //   screenshot_driver settext TITLE ID TEXT sets the text of control ID of that dialog
 //   screenshot_driver dblclick TITLE ID X Y double-clicks client point (X, Y) of control ID of that dialog
+//   screenshot_driver help FILE ID          opens help file FILE at context number ID
+//   screenshot_driver helpquit              closes the help viewer
 #include <windows.h>
 
 #include <cstdio>
@@ -136,6 +138,17 @@ int main(int argc, char** argv) {
       SetDlgItemTextA(d, id, argv[4]);
     }
     Sleep(500);
+    return 0;
+  }
+  if (!std::strcmp(what, "help") && argc == 4) {
+    const DWORD id = static_cast<DWORD>(std::atoi(argv[3]));
+    // The viewer WinHelp starts may not have its window at the first request.
+    if (WinHelpA(nullptr, argv[2], HELP_CONTEXT, id)) return 0;
+    for (int i = 0; i < 100 && !FindWindowA("MS_WINHELP", nullptr); ++i) Sleep(20);
+    return WinHelpA(nullptr, argv[2], HELP_CONTEXT, id) ? 0 : 1;
+  }
+  if (!std::strcmp(what, "helpquit")) {
+    WinHelpA(nullptr, nullptr, HELP_QUIT, 0);
     return 0;
   }
   HWND main = FindVisible("Quellbarrow");

@@ -3,11 +3,13 @@
 # bar docked at the left with the databases bar floating, the vertical
 # arrangement, the options dialog, the Add / Compare dialog with a second
 # database loaded and all its keys selected and added, its preview of a loaded
-# key, and the Links view at the DataHtml root, one folder down and with its
-# pop-up menu. Needs the product build.
+# key, the Links view at the DataHtml root, one folder down and with its pop-up
+# menu, the help viewer at the contents and at the key editor's topic, and the
+# about box. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
 # Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
-# add-compare,preview,links-root,links-folder,links-menu}.png
+# add-compare,preview,links-root,links-folder,links-menu,help-contents,
+# help-key-editor,about}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -35,6 +37,7 @@ run() { "$win/wine-run.sh" "$@" | tr -d '\r'; }
 # A program folder with a settings file: window place, slot names, sides, arrangement.
 prepare() {  # tool-side databases-side arrangement
   rm -rf "$work/app" && mkdir -p "$work/app/Databases" "$work/app/DataHtml"
+  cp "$win/QBHELP.HLP" "$work/app/"
   python3 - "$work/app/pellwick.cfg" "$@" <<'PY'
 import struct, sys
 path, tool, databases, arrangement = sys.argv[1], *map(int, sys.argv[2:])
@@ -137,4 +140,25 @@ run "$driver" key 2587 13     # Enter opens it
 shot links-folder "$geometry"
 run "$driver" rclick 2587 60 50
 shot links-menu "$geometry"
+finish
+
+# Help: F1's contents from the program, then the key editor's topic in the same viewer.
+prepare 0 0 0
+start
+run "$driver" wait Quellbarrow >/dev/null
+run "$driver" command 50900
+geometry=$(run "$driver" wait MS_WINHELP)
+shot help-contents "$geometry"
+run "$driver" help "Z:$(printf '%s' "$work/app/QBHELP.HLP" | tr / '\\')" 1900
+geometry=$(run "$driver" wait MS_WINHELP)
+shot help-key-editor "$geometry"
+run "$driver" helpquit
+finish
+
+prepare 0 0 0
+start
+run "$driver" wait Quellbarrow >/dev/null
+run "$driver" command 50902
+geometry=$(run "$driver" wait '#32770')
+shot about "$geometry"
 finish

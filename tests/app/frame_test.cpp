@@ -148,19 +148,6 @@ TEST_F(MainWindow, ABarThatCannotBeCreatedEndsTheProgram) {
   EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
-TEST_F(MainWindow, HelpTopicsLeavesTheOnTopStateAndOpensTheHelpFile) {
-  Settings().onTop = 1;
-  ASSERT_NE(Open(), nullptr);
-  ASSERT_TRUE(Topmost(window_));
-  auto result = RunModal([&] { Command(IDM_HELP_TOPICS); }, {Press("No")},
-                         ModalOptions{.anyProcess = true});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].MessageText(),
-            "Cannot find '" + App().helpPath + "'. Do you want to find this file yourself?");
-  EXPECT_EQ(Settings().onTop, 0);
-  EXPECT_FALSE(Topmost(window_));
-}
-
 TEST_F(MainWindow, CloseSavesTheSettingsWithTheWindowRectangleAndQuits) {
   Settings().windowRect = {40, 50, 540, 450};
   ASSERT_NE(Open(0), nullptr);

@@ -12,6 +12,8 @@
 #include "scan/scan_options.h"
 #include "tests/support/gui_helper.h"
 #include "tests/support/main_window.h"
+#include "tests/support/help_viewer.h"
+#include "tests/support/temp_dir.h"
 
 namespace qb {
 namespace {
@@ -65,6 +67,19 @@ TEST_F(ScanOptionsDialog, OkStoresTheButtonsClickedInEachGroup) {
   EXPECT_EQ(ended, 1);
   EXPECT_EQ(Settings().askForSelect, (std::array<std::uint32_t, 5>{2, 1, 2, 1, 2}));
   EXPECT_EQ(Settings().addKeys, (std::array<std::uint32_t, 5>{1, 0, 1, 1, 1}));
+}
+
+TEST_F(ScanOptionsDialog, HelpOpensTheScanOptionsTopic) {
+  test::TempDir dir;
+  SetProgramDirectory(dir.path());
+  ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
+  test::HelpPage page;
+  bool stayedOpen = false;
+  const auto result = test::RunModal([] { RunScanOptionsDialog(nullptr); },
+                                     {test::HelpThenCancel("Scan options", page, stayedOpen)});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(page.heading, "Scan options");
+  EXPECT_TRUE(stayedOpen);
 }
 
 }  // namespace

@@ -1,0 +1,111 @@
+// Help through the real windows: F1 and "&Help Topics", every context number the
+// program opens, read back from the WinHelp viewer; and the about box.
+#include "base/help.h"
+#include "tests/support/help_viewer.h"
+#include "tests/support/main_window_fixture.h"
+
+namespace qb::test {
+namespace {
+
+class Help : public MainWindowTest {
+ protected:
+  void SetUp() override {
+    MainWindowTest::SetUp();
+    ASSERT_TRUE(CopyHelpFileTo(dir_.path()));
+  }
+  void TearDown() override {
+    EXPECT_TRUE(CloseHelpViewer());
+    MainWindowTest::TearDown();
+  }
+};
+
+TEST_F(Help, F1AndHelpTopicsOpenTheContentsAndLeaveTheOnTopState) {
+  const struct {
+    const char* name;
+    std::function<void(HWND)> press;
+  } ways[] = {
+      {"F1", [](HWND window) {
+         HACCEL accelerators = LoadAcceleratorsA(GetModuleHandleA(nullptr), "Quellbarrow");
+         MSG key{window, WM_KEYDOWN, VK_F1, 0x003B0001, 0, {}};
+         EXPECT_TRUE(TranslateAcceleratorA(window, accelerators, &key));
+       }},
+      {"Help Topics", [](HWND window) { SendMessageA(window, WM_COMMAND, IDM_HELP_TOPICS, 0); }},
+  };
+  for (const auto& way : ways) {
+    SCOPED_TRACE(way.name);
+    Settings().onTop = 1;
+    ASSERT_NE(Open(), nullptr);
+    ASSERT_TRUE(Topmost(window_));
+    way.press(window_);
+    const HelpPage page = WaitForHelpPage("Quellbarrow Help");
+    EXPECT_EQ(page.heading, "Quellbarrow Help");
+    EXPECT_EQ(page.caption, "Quellbarrow Help");
+    EXPECT_NE(page.text.find("Filling in a form"), std::string::npos) << page.text;
+    EXPECT_EQ(Settings().onTop, 0u);
+    EXPECT_FALSE(Topmost(window_));
+    EXPECT_TRUE(CloseHelpViewer());
+  }
+}
+
+TEST_F(Help, EveryContextNumberOpensItsTopicAndTheWindowStaysOnTop) {
+  const struct {
+    DWORD context;
+    const char* heading;
+  } topics[] = {
+      {999, "Quellbarrow Help"},
+      {1205, "Adding and comparing keys"},
+      {1206, "Previewing a key"},
+      {1208, "Options"},
+      {1209, "Choosing your browser"},
+      {1210, "Putting together a new database"},
+      {1604, "Scan options"},
+      {1606, "When a form field matches no key"},
+      {1900, "The key editor"},
+  };
+  Settings().onTop = 1;
+  ASSERT_NE(Open(), nullptr);
+  for (const auto& t : topics) {  // one viewer, going from topic to topic
+    ShowHelpTopic(t.context);
+    EXPECT_EQ(WaitForHelpPage(t.heading).heading, t.heading) << t.context;
+    EXPECT_TRUE(Topmost(window_)) << t.context;
+  }
+  Settings().onTop = 0;
+  ShowHelpTopic(1900);
+  EXPECT_FALSE(Topmost(window_));
+}
+
+using About = MainWindowTest;
+
+TEST_F(About, ShowsNameVersionIconAndWhatTheProgramDoesAndOkCloses) {
+  ASSERT_NE(Open(), nullptr);
+  bool hasIcon = false;
+  LOGFONTA nameFont{};
+  auto result = RunModal([&] { EXPECT_EQ(Command(IDM_ABOUT), 0); },
+                         {Custom([&](HWND dialog, const WindowSnapshot&) {
+                           DWORD_PTR icon = 0;
+                           SendMessageTimeoutA(GetDlgItem(dialog, IDC_ABOUT_ICON), STM_GETICON, 0, 0,
+                                               SMTO_NORMAL, 3000, &icon);
+                           hasIcon = icon != 0;
+                           DWORD_PTR font = 0;
+                           SendMessageTimeoutA(GetDlgItem(dialog, IDC_ABOUT_NAME), WM_GETFONT, 0, 0,
+                                               SMTO_NORMAL, 3000, &font);
+                           GetObjectA(reinterpret_cast<HFONT>(font), sizeof(nameFont), &nameFont);
+                           ClickButton(dialog, IDOK);
+                         })});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  const WindowSnapshot& box = result.seen.at(0);
+  EXPECT_EQ(box.caption, "Quellbarrow - About");
+  ASSERT_NE(box.Control(IDC_ABOUT_NAME), nullptr);
+  EXPECT_EQ(box.Control(IDC_ABOUT_NAME)->text, "Quellbarrow");
+  ASSERT_NE(box.Control(IDC_ABOUT_VERSION), nullptr);
+  EXPECT_EQ(box.Control(IDC_ABOUT_VERSION)->text, "Version " QB_VERSION);
+  EXPECT_NE(box.ControlByText("Fills in web forms with the answers you keep as keys, and opens the "
+                              "filled page in your browser."),
+            nullptr);
+  EXPECT_EQ(box.ButtonTexts(), std::vector<std::string>{"OK"});
+  EXPECT_TRUE(hasIcon);
+  EXPECT_EQ(nameFont.lfWeight, FW_BOLD);
+}
+
+}  // namespace
+}  // namespace qb::test

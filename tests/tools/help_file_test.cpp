@@ -1,0 +1,310 @@
+// The help file writer, read back through our own reader, and the help file the
+// build makes from resources/help.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "tests/support/temp_dir.h"
+#include "tests/tools/hlp_reader.h"
+#include "tools/helpfile/help_source.h"
+#include "tools/helpfile/hlp_writer.h"
+
+namespace qb::help {
+namespace {
+
+using test::HlpFile;
+using test::HlpTopic;
+
+std::string Source(const std::string& context, const std::string& title, const std::string& maps,
+                   const std::string& body) {
+  std::string s = "@context " + context + "\n";
+  for (std::size_t at = 0; at < maps.size();) {
+    const std::size_t end = std::min(maps.find(' ', at), maps.size());
+    s += "@map " + maps.substr(at, end - at) + "\n";
+    at = end + 1;
+  }
+  return s + "@title " + title + "\n\n" + body;
+}
+
+Topic Parsed(const std::string& source) {
+  Topic topic;
+  std::string error;
+  EXPECT_TRUE(ParseTopic("t.txt", source, topic, error)) << error;
+  return topic;
+}
+
+HlpFile WriteAndRead(const Project& project) {
+  std::vector<std::uint8_t> bytes;
+  std::string error;
+  EXPECT_TRUE(WriteHelpFile(project, bytes, error)) << error;
+  HlpFile file;
+  EXPECT_TRUE(file.Read(bytes, error)) << error;
+  return file;
+}
+
+TEST(ContextHash, LettersCountWithoutCaseAndTheSumWrapsAt32Bits) {
+  const struct {
+    const char* name;
+    std::int32_t hash;
+  } rows[] = {
+      {"A", 17},           {"a", 17},        {"a1", 17 * 43 + 1}, {"0", 10},
+      {"._", 12 * 43 + 13}, {"Z9", 42 * 43 + 9},
+      {"zzzzzzz", 1235671458},  // 43^7 - 1, less 63 * 2^32
+  };
+  for (const auto& row : rows) EXPECT_EQ(ContextHash(row.name), row.hash) << row.name;
+}
+
+TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
+  Project project;
+  project.title = "Test Help";
+  project.topics.push_back(Parsed(Source("contents", "Contents", "999",
+                                         "Intro **bold** text,\njoined.\n\n"
+                                         "- item one\n- item [[second|two]]\n  goes on\n\n"
+                                         "== Head\nLast [[Third|third topic]].\n")));
+  project.topics.push_back(Parsed(Source("second", "The second", "1900 1901", "Plain.\n")));
+  project.topics.push_back(Parsed(Source("third", "Third", "", "")));  // title only
+  const HlpFile file = WriteAndRead(project);
+
+  EXPECT_EQ(file.fileNames, (std::vector<std::string>{"|CONTEXT", "|CTXOMAP", "|FONT", "|SYSTEM", "|TOPIC"}));
+  EXPECT_EQ(file.title, "Test Help");
+  EXPECT_EQ(file.windowCaption, "Test Help");
+  ASSERT_EQ(file.topics.size(), 3u);
+  ASSERT_NE(file.TopicAt(file.contentsOffset), nullptr);
+  EXPECT_EQ(file.TopicAt(file.contentsOffset)->title, "Contents");
+
+  const HlpTopic& contents = file.topics[0];
+  EXPECT_EQ(contents.paragraphs,
+            (std::vector<std::string>{"Contents", "Intro bold text, joined.", "\x95\titem one",
+                                      "\x95\titem two goes on", "Head", "Last third topic."}));
+  EXPECT_EQ(contents.jumps, (std::vector<std::int32_t>{ContextHash("second"), ContextHash("third")}));
+  EXPECT_EQ(file.topics[2].paragraphs, std::vector<std::string>{"Third"});
+  EXPECT_LT(file.topics[0].offset, file.topics[1].offset);
+  EXPECT_LT(file.topics[1].offset, file.topics[2].offset);
+
+  const struct {
+    std::uint32_t number;
+    const char* title;
+  } numbers[] = {{999, "Contents"}, {1900, "The second"}, {1901, "The second"}};
+  EXPECT_EQ(file.contextNumbers.size(), 3u);
+  for (const auto& n : numbers) {
+    ASSERT_NE(file.TopicOfNumber(n.number), nullptr) << n.number;
+    EXPECT_EQ(file.TopicOfNumber(n.number)->title, n.title) << n.number;
+  }
+  for (const Topic& topic : project.topics) {
+    const auto offset = file.FindContext(ContextHash(topic.context));
+    ASSERT_TRUE(offset) << topic.context;
+    EXPECT_EQ(file.TopicAt(*offset)->title, topic.title);
+  }
+  EXPECT_FALSE(file.FindContext(ContextHash("fourth")));
+}
+
+TEST(HelpFile, LongParagraphsSpanBlocksAndReadBackWhole) {
+  std::string words;
+  for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
+  const std::string unbroken(9000, 'x');  // no blank to cut after
+  Project project;
+  project.title = "Long";
+  project.topics.push_back(Parsed(Source("long", "Long", "1", words + "\n\n**" + unbroken + "**\n")));
+  project.topics.push_back(Parsed(Source("after", "After", "2", "Short.\n")));
+  const HlpFile file = WriteAndRead(project);
+  ASSERT_EQ(file.topics.size(), 2u);
+  EXPECT_EQ(file.topics[0].paragraphs, (std::vector<std::string>{"Long", words, unbroken}));
+  EXPECT_GE(file.topics[0].blocks.size(), 9u);  // about 36 KB of text in 3.6 KB blocks
+  ASSERT_NE(file.TopicOfNumber(2), nullptr);
+  EXPECT_EQ(file.TopicOfNumber(2)->title, "After");
+  EXPECT_EQ(file.TopicOfNumber(1)->title, "Long");
+}
+
+TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
+  constexpr int kCount = 800;
+  Project project;
+  project.title = "Many";
+  for (int i = 0; i < kCount; ++i) {
+    const std::string next = "t" + std::to_string((i + 1) % kCount);
+    project.topics.push_back(Parsed(Source("t" + std::to_string(i), "Topic " + std::to_string(i),
+                                           std::to_string(5000 + i), "See [[" + next + "|next]].\n")));
+  }
+  const HlpFile file = WriteAndRead(project);
+  ASSERT_EQ(file.topics.size(), static_cast<std::size_t>(kCount));
+  EXPECT_GE(file.contextLevels, 2);
+  for (int i = 0; i < kCount; ++i) {
+    const std::string title = "Topic " + std::to_string(i);
+    const auto offset = file.FindContext(ContextHash("t" + std::to_string(i)));
+    ASSERT_TRUE(offset) << i;
+    EXPECT_EQ(file.TopicAt(*offset)->title, title);
+    ASSERT_NE(file.TopicOfNumber(5000 + i), nullptr) << i;
+    EXPECT_EQ(file.TopicOfNumber(5000 + i)->offset, *offset);
+    const auto jump = file.FindContext(file.topics[i].jumps.at(0));
+    ASSERT_TRUE(jump) << i;
+    EXPECT_EQ(file.TopicAt(*jump)->title, "Topic " + std::to_string((i + 1) % kCount));
+  }
+}
+
+test::HlpBTree::Key LongKey(std::int32_t v) {
+  const auto u = static_cast<std::uint32_t>(v);
+  return {static_cast<std::uint8_t>(u), static_cast<std::uint8_t>(u >> 8), static_cast<std::uint8_t>(u >> 16),
+          static_cast<std::uint8_t>(u >> 24)};
+}
+
+TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
+  std::vector<BTreeEntry> entries;
+  for (std::int32_t k = -3000; k < 3000; k += 3) entries.push_back(BTreeEntry{LongKey(k), LongKey(k * 7)});
+  const std::vector<std::uint8_t> tree = BuildBTree(entries, 64, 2, "L4");
+  test::HlpBTree reader;
+  std::string error;
+  ASSERT_TRUE(reader.Read(tree.data(), tree.size(), test::HlpBTree::kLongKey, error)) << error;
+  EXPECT_GE(reader.levels(), 3);
+  std::vector<std::pair<test::HlpBTree::Key, std::uint32_t>> leaves;
+  ASSERT_TRUE(reader.Leaves(leaves, error)) << error;
+  ASSERT_EQ(leaves.size(), entries.size());
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    EXPECT_EQ(leaves[i].first, entries[i].key);
+    const std::int32_t k = -3000 + 3 * static_cast<std::int32_t>(i);
+    EXPECT_EQ(reader.Find(LongKey(k)), static_cast<std::uint32_t>(k * 7)) << k;
+    EXPECT_FALSE(reader.Find(LongKey(k + 1))) << k + 1;
+  }
+  EXPECT_FALSE(reader.Find(LongKey(-3001)));
+  EXPECT_FALSE(reader.Find(LongKey(3000)));
+}
+
+TEST(BTree, EmptyTreeIsOneEmptyLeafAndOversizedEntriesAreRefused) {
+  const std::vector<std::uint8_t> empty = BuildBTree({}, 2048, 2, "L4");
+  test::HlpBTree reader;
+  std::string error;
+  ASSERT_TRUE(reader.Read(empty.data(), empty.size(), test::HlpBTree::kLongKey, error)) << error;
+  std::vector<std::pair<test::HlpBTree::Key, std::uint32_t>> leaves;
+  ASSERT_TRUE(reader.Leaves(leaves, error)) << error;
+  EXPECT_TRUE(leaves.empty());
+  EXPECT_FALSE(reader.Find(LongKey(1)));
+  EXPECT_TRUE(BuildBTree({BTreeEntry{std::vector<std::uint8_t>(60, 'a'), LongKey(0)}}, 64, 2, "z4").empty());
+}
+
+TEST(HelpSource, LinesJoinAndMarkupBecomesRuns) {
+  const Topic topic = Parsed(
+      "@context c.1_x\r\n@map 7\r\n@title  A  title \r\n\r\n"
+      "One\ttwo\r\n  three [[d|go]] **b**\r\n- item\r\n== Head\r\nafter\r\n");
+  EXPECT_EQ(topic.context, "c.1_x");
+  EXPECT_EQ(topic.mapIds, std::vector<std::uint32_t>{7});
+  EXPECT_EQ(topic.title, "A  title");
+  ASSERT_EQ(topic.paragraphs.size(), 4u);
+  const std::vector<help::Run>& runs = topic.paragraphs[0].runs;
+  ASSERT_EQ(runs.size(), 4u);
+  EXPECT_EQ(runs[0].text, "One two three ");
+  EXPECT_EQ(runs[1].kind, help::Run::kJump);
+  EXPECT_EQ(runs[1].target, "d");
+  EXPECT_EQ(runs[1].text, "go");
+  EXPECT_EQ(runs[2].text, " ");
+  EXPECT_EQ(runs[3].kind, help::Run::kBold);
+  EXPECT_EQ(runs[3].text, "b");
+  EXPECT_EQ(topic.paragraphs[1].kind, Paragraph::kBullet);
+  EXPECT_EQ(topic.paragraphs[2].kind, Paragraph::kHeading);
+  EXPECT_EQ(topic.paragraphs[3].kind, Paragraph::kBody);
+  EXPECT_EQ(topic.paragraphs[3].runs[0].text, "after");
+}
+
+TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
+  const std::string head = "@context c\n@title T\n\n";
+  const struct {
+    std::string source;
+    const char* error;
+  } rows[] = {
+      {"@title T\n\nx\n", "t.txt:2: no @context"},
+      {"@context c\n\nx\n", "t.txt:2: no @title"},
+      {"@context a-b\n@title T\n", "t.txt:1: context name \"a-b\" must be"},
+      {"@context " + std::string(256, 'c') + "\n@title T\n", "t.txt:1: context name"},
+      {"@context c\n@context d\n@title T\n", "t.txt:2: a second @context"},
+      {"@context c\n@map 12x\n@title T\n", "t.txt:2: context number \"12x\" is not a decimal number"},
+      {"@context c\n@map 4294967296\n@title T\n", "t.txt:2: context number 4294967296 does not fit"},
+      {"@context c\n@map 5\n@map 5\n@title T\n", "t.txt:3: context number 5 given twice"},
+      {"@context c\n@title \n", "t.txt:2: an empty @title"},
+      {"@context c\n@title " + std::string(128, 't') + "\n", "t.txt:2: title longer than 127"},
+      {"@context c\n@colour red\n@title T\n", "t.txt:2: unknown field @colour"},
+      {head + "a\nsome **bold\n", "t.txt:4: \"**\" without its closing \"**\""},
+      {head + "**** x\n", "t.txt:4: empty bold text"},
+      {head + "see [[c|x\n", "t.txt:4: \"[[\" without its closing \"]]\""},
+      {head + "see [[c]]\n", "t.txt:4: a jump is written [[context|text]]"},
+      {head + "see [[a b|x]]\n", "t.txt:4: jump to an invalid context name \"a b\""},
+      {head + "see [[c| ]]\n", "t.txt:4: jump to c without text"},
+      {head + "see [[c|" + std::string(256, 'x') + "]]\n", "t.txt:4: jump text longer than 255"},
+      {head + "x ]] y\n", "t.txt:4: \"]]\" without \"[[\""},
+      {head + "\n\ncaf\xE9\n", "t.txt:6: not a printable ASCII character (0xE9)"},
+      {head + "bell\a\n", "t.txt:4: not a printable ASCII character (0x07)"},
+  };
+  for (const auto& row : rows) {
+    Topic topic;
+    std::string error;
+    EXPECT_FALSE(ParseTopic("t.txt", row.source, topic, error)) << row.source;
+    EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
+  }
+}
+
+TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
+  const auto topic = [](const std::string& context, const std::string& maps, const std::string& body) {
+    return Parsed(Source(context, "T", maps, body));
+  };
+  const struct {
+    Project project;
+    const char* error;
+  } rows[] = {
+      {Project{"Help", {}}, "no topics"},
+      {Project{"", {topic("a", "", "")}}, "the help file's title must be 1 to 50"},
+      {Project{std::string(51, 'h'), {topic("a", "", "")}}, "the help file's title must be 1 to 50"},
+      {Project{"Help", {topic("Merge", "", ""), topic("merge", "", "")}},
+       "context names Merge and merge have the same hash"},
+      {Project{"Help", {topic("a", "7", ""), topic("b", "7", "")}}, "context number 7 given to a and b"},
+      {Project{"Help", {topic("a", "", "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
+  };
+  for (const auto& row : rows) {
+    std::vector<std::uint8_t> bytes{1, 2, 3};
+    std::string error;
+    EXPECT_FALSE(WriteHelpFile(row.project, bytes, error)) << row.error;
+    EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
+    EXPECT_TRUE(bytes.empty());
+  }
+}
+
+// Every Help button and F1 of the program opens one of these numbers.
+constexpr std::uint32_t kProgramContextNumbers[] = {999, 1205, 1206, 1208, 1209, 1210, 1604, 1606, 1900};
+
+TEST(BuiltHelpFile, HoldsEveryTopicTheProgramOpensAndEachIsReachableFromContents) {
+  HlpFile file;
+  std::string error;
+  ASSERT_TRUE(file.Read(test::ReadBytes(QB_HELP_FILE), error)) << QB_HELP_FILE << ": " << error;
+  EXPECT_EQ(file.title, "Quellbarrow Help");
+  const HlpTopic* contents = file.TopicAt(file.contentsOffset);
+  ASSERT_NE(contents, nullptr);
+  EXPECT_EQ(file.TopicOfNumber(999), contents);
+  for (std::uint32_t number : kProgramContextNumbers) {
+    const HlpTopic* topic = file.TopicOfNumber(number);
+    ASSERT_NE(topic, nullptr) << number;
+    EXPECT_EQ(file.TopicAt(file.contextNumbers.at(number))->offset, file.contextNumbers.at(number))
+        << number << " does not open at the start of a topic";
+    EXPECT_GE(topic->paragraphs.size(), 2u) << topic->title << " has no text";
+  }
+  // Every jump lands on a topic's start, and every topic can be reached from the contents.
+  std::deque<const HlpTopic*> queue{contents};
+  std::vector<const HlpTopic*> reached{contents};
+  while (!queue.empty()) {
+    const HlpTopic* topic = queue.front();
+    queue.pop_front();
+    for (std::int32_t hash : topic->jumps) {
+      const auto offset = file.FindContext(hash);
+      ASSERT_TRUE(offset) << topic->title << " jumps to a hash no topic has";
+      const HlpTopic* target = file.TopicAt(*offset);
+      ASSERT_EQ(target->offset, *offset);
+      if (std::find(reached.begin(), reached.end(), target) == reached.end()) {
+        reached.push_back(target);
+        queue.push_back(target);
+      }
+    }
+  }
+  for (const HlpTopic& topic : file.topics)
+    EXPECT_NE(std::find(reached.begin(), reached.end(), &topic), reached.end())
+        << topic.title << " can't be reached from the contents";
+}
+
+}  // namespace
+}  // namespace qb::help

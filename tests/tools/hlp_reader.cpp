@@ -1,0 +1,448 @@
+#include "tests/tools/hlp_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace qb::test {
+namespace {
+
+constexpr std::uint32_t kHelpMagic = 0x00035F3F;
+constexpr std::uint16_t kTreeMagic = 0x293B;
+constexpr std::size_t kTreeHeader = 38;
+constexpr std::uint16_t kNoPage = 0xFFFF;
+constexpr std::uint32_t kNoLink = 0xFFFFFFFF;
+constexpr std::size_t kBlockSize = 4096;
+constexpr std::size_t kBlockHeader = 12;
+constexpr std::size_t kDecompressedBlock = 0x4000;
+constexpr std::uint32_t kCharactersPerBlock = 0x8000;
+constexpr std::size_t kLinkHeader = 21;
+
+// Little-endian reads that fail softly: past the end they return 0 and the
+// cursor stays failed.
+class Cursor {
+ public:
+  Cursor(const std::uint8_t* p, std::size_t n) : p_(p), n_(n) {}
+  bool ok() const { return ok_; }
+  bool AtEnd() const { return ok_ && at_ == n_; }
+  std::size_t at() const { return at_; }
+  bool Has(std::size_t k) const { return ok_ && k <= n_ - at_; }
+  std::uint8_t Peek() const { return Has(1) ? p_[at_] : 0; }
+  std::uint8_t U8() { return Has(1) ? p_[at_++] : Bad(); }
+  std::uint16_t U16() {
+    if (!Has(2)) return Bad();
+    const std::uint16_t v = static_cast<std::uint16_t>(p_[at_] | p_[at_ + 1] << 8);
+    at_ += 2;
+    return v;
+  }
+  std::uint32_t U32() {
+    const std::uint32_t low = U16();
+    return low | static_cast<std::uint32_t>(U16()) << 16;
+  }
+  void Skip(std::size_t k) {
+    if (Has(k)) at_ += k; else Bad();
+  }
+  std::string Z() {
+    const void* nul = ok_ ? std::memchr(p_ + at_, 0, n_ - at_) : nullptr;
+    if (!nul) return Bad(), std::string();
+    const std::size_t len = static_cast<const std::uint8_t*>(nul) - (p_ + at_);
+    std::string s(reinterpret_cast<const char*>(p_ + at_), len);
+    at_ += len + 1;
+    return s;
+  }
+  // The packed numbers of display records: the low bit of the first byte says
+  // whether the longer form is used.
+  std::uint32_t PackedUShort() { return (Peek() & 1) ? U16() >> 1 : U8() >> 1; }
+  int PackedShort() { return (Peek() & 1) ? (U16() >> 1) - 16384 : (U8() >> 1) - 64; }
+  long PackedLong() {
+    return (Peek() & 1) ? static_cast<long>(U32() >> 1) - 0x40000000L : static_cast<long>(U16() >> 1) - 16384;
+  }
+
+ private:
+  std::uint8_t Bad() {
+    ok_ = false;
+    return 0;
+  }
+  const std::uint8_t* p_;
+  std::size_t n_;
+  std::size_t at_ = 0;
+  bool ok_ = true;
+};
+
+bool Fail(std::string& error, const std::string& what) {
+  error = what;
+  return false;
+}
+
+// LZ77 as the format describes it: per flag byte, eight items from its low bit
+// up; a set bit is a 12-bit distance (minus one) and a 4-bit length (minus three).
+bool Lz77(const std::uint8_t* p, std::size_t n, std::size_t limit, std::vector<std::uint8_t>& out,
+          std::string& error) {
+  out.clear();
+  std::size_t i = 0;
+  while (i < n) {
+    const std::uint8_t flags = p[i++];
+    for (int bit = 0; bit < 8 && i < n; ++bit) {
+      if (flags & (1 << bit)) {
+        if (i + 2 > n) return Fail(error, "LZ77 reference cut off");
+        const unsigned code = p[i] | p[i + 1] << 8;
+        i += 2;
+        const std::size_t distance = (code & 0xFFF) + 1;
+        const std::size_t length = (code >> 12) + 3;
+        if (distance > out.size()) return Fail(error, "LZ77 reference before the start");
+        for (std::size_t k = 0; k < length; ++k) out.push_back(out[out.size() - distance]);
+      } else {
+        out.push_back(p[i++]);
+      }
+      if (out.size() > limit) return Fail(error, "topic block decompresses past 16 KB");
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool HlpBTree::Read(const std::uint8_t* data, std::size_t size, KeyKind kind, std::string& error) {
+  Cursor c(data, size);
+  if (c.U16() != kTreeMagic) return Fail(error, "not a B+ tree");
+  c.U16();  // flags
+  pageSize_ = c.U16();
+  c.Skip(16 + 2 + 2);  // structure, zero, page splits
+  root_ = c.U16();
+  if (c.U16() != 0xFFFF) return Fail(error, "B+ tree header: no -1 after the root page");
+  pageCount_ = c.U16();
+  levels_ = c.U16();
+  count_ = c.U32();
+  if (!c.ok() || pageSize_ < 16 || levels_ < 1 || root_ >= pageCount_ ||
+      kTreeHeader + pageCount_ * pageSize_ > size)
+    return Fail(error, "B+ tree header out of range");
+  kind_ = kind;
+  pages_ = data + kTreeHeader;
+  return true;
+}
+
+const std::uint8_t* HlpBTree::Page(std::size_t page) const {
+  return page < pageCount_ ? pages_ + page * pageSize_ : nullptr;
+}
+
+std::size_t HlpBTree::KeySize(const std::uint8_t* p, const std::uint8_t* end) const {
+  if (p >= end) return 0;
+  if (kind_ == kLongKey) return end - p >= 4 ? 4 : 0;
+  const void* nul = std::memchr(p, 0, end - p);
+  return nul ? static_cast<const std::uint8_t*>(nul) - p + 1 : 0;
+}
+
+int HlpBTree::Compare(const std::uint8_t* a, std::size_t aSize, const Key& b) const {
+  if (kind_ == kLongKey) {
+    const auto value = [](const std::uint8_t* p) {
+      return static_cast<std::int32_t>(p[0] | p[1] << 8 | p[2] << 16 | static_cast<std::uint32_t>(p[3]) << 24);
+    };
+    const std::int32_t x = value(a), y = value(b.data());
+    return x < y ? -1 : x > y ? 1 : 0;
+  }
+  (void)aSize;  // both keys end in their NUL
+  const int order = std::strcmp(reinterpret_cast<const char*>(a), reinterpret_cast<const char*>(b.data()));
+  return order < 0 ? -1 : order > 0 ? 1 : 0;
+}
+
+bool HlpBTree::Leaves(std::vector<std::pair<Key, std::uint32_t>>& entries, std::string& error) const {
+  entries.clear();
+  std::size_t page = root_;
+  for (int level = levels_; level > 1; --level) {
+    const std::uint8_t* p = Page(page);
+    if (!p) return Fail(error, "index page out of range");
+    page = p[4] | p[5] << 8;  // the child before every key of the page
+  }
+  std::size_t visited = 0;
+  while (page != kNoPage) {
+    const std::uint8_t* p = Page(page);
+    if (!p || ++visited > pageCount_) return Fail(error, "leaf chain leaves the tree");
+    Cursor header(p, 8);
+    header.U16();
+    const std::uint16_t n = header.U16();
+    header.U16();
+    const std::uint16_t next = header.U16();
+    const std::uint8_t* at = p + 8;
+    const std::uint8_t* end = p + pageSize_;
+    for (std::uint16_t i = 0; i < n; ++i) {
+      const std::size_t k = KeySize(at, end);
+      if (!k || end - (at + k) < 4) return Fail(error, "leaf entry overruns its page");
+      Key key(at, at + k);
+      if (!entries.empty() && Compare(entries.back().first.data(), entries.back().first.size(), key) >= 0)
+        return Fail(error, "leaf keys out of order");
+      const std::uint32_t value = at[k] | at[k + 1] << 8 | at[k + 2] << 16 | static_cast<std::uint32_t>(at[k + 3]) << 24;
+      entries.emplace_back(std::move(key), value);
+      at += k + 4;
+    }
+    page = next;
+  }
+  if (entries.size() != count_) return Fail(error, "B+ tree holds another number of entries than it says");
+  return true;
+}
+
+std::optional<std::uint32_t> HlpBTree::Find(const Key& key) const {
+  std::size_t page = root_;
+  for (int level = levels_; level > 1; --level) {
+    const std::uint8_t* p = Page(page);
+    if (!p) return std::nullopt;
+    const int n = static_cast<std::int16_t>(p[2] | p[3] << 8);
+    std::size_t child = p[4] | p[5] << 8;
+    const std::uint8_t* at = p + 6;
+    const std::uint8_t* end = p + pageSize_;
+    for (int i = 0; i < n; ++i) {
+      const std::size_t k = KeySize(at, end);
+      if (!k || end - (at + k) < 2) return std::nullopt;
+      if (Compare(at, k, key) > 0) break;
+      child = at[k] | at[k + 1] << 8;
+      at += k + 2;
+    }
+    page = child;
+  }
+  const std::uint8_t* p = Page(page);
+  if (!p) return std::nullopt;
+  const int n = static_cast<std::int16_t>(p[2] | p[3] << 8);
+  const std::uint8_t* at = p + 8;
+  const std::uint8_t* end = p + pageSize_;
+  for (int i = 0; i < n; ++i) {
+    const std::size_t k = KeySize(at, end);
+    if (!k || end - (at + k) < 4) return std::nullopt;
+    const int order = Compare(at, k, key);
+    if (order == 0) return at[k] | at[k + 1] << 8 | at[k + 2] << 16 | static_cast<std::uint32_t>(at[k + 3]) << 24;
+    if (order > 0) return std::nullopt;
+    at += k + 4;
+  }
+  return std::nullopt;
+}
+
+bool HlpFile::File(const std::string& name, const std::uint8_t*& data, std::size_t& size,
+                   std::string& error) const {
+  HlpBTree::Key key(name.begin(), name.end());
+  key.push_back(0);
+  const std::optional<std::uint32_t> offset = directory_.Find(key);
+  if (!offset) return Fail(error, "no internal file " + name);
+  Cursor c(bytes_.data(), bytes_.size());
+  c.Skip(*offset);
+  const std::uint32_t reserved = c.U32();
+  const std::uint32_t used = c.U32();
+  c.U8();
+  if (!c.ok() || reserved < used + 9 || reserved > bytes_.size() - *offset)
+    return Fail(error, "internal file " + name + " out of range");
+  data = bytes_.data() + *offset + 9;
+  size = used;
+  return true;
+}
+
+bool HlpFile::ReadSystem(std::string& error) {
+  const std::uint8_t* data;
+  std::size_t size;
+  if (!File("|SYSTEM", data, size, error)) return false;
+  Cursor c(data, size);
+  const std::uint16_t magic = c.U16(), minor = c.U16(), major = c.U16();
+  c.U32();  // date
+  const std::uint16_t flags = c.U16();
+  if (magic != 0x036C || major != 1) return Fail(error, "|SYSTEM: not a help file header");
+  // This reader knows the Windows 3.1 layout with LZ77 topic blocks of 4 KB only.
+  if (minor <= 16 || flags != 4) return Fail(error, "|SYSTEM: a version or compression not read here");
+  bool haveContents = false;
+  while (c.ok() && !c.AtEnd()) {
+    const std::uint16_t type = c.U16();
+    const std::uint16_t length = c.U16();
+    if (!c.Has(length)) return Fail(error, "|SYSTEM record overruns the file");
+    Cursor record(data + c.at(), length);
+    c.Skip(length);
+    if (type == 1) {
+      title = record.Z();
+    } else if (type == 3) {
+      contentsOffset = record.U32();
+      haveContents = true;
+    } else if (type == 6) {
+      record.Skip(2 + 10 + 9);
+      windowCaption = record.Z();
+    }
+    if (!record.ok()) return Fail(error, "|SYSTEM record " + std::to_string(type) + " malformed");
+  }
+  if (!c.ok()) return Fail(error, "|SYSTEM records overrun");
+  if (!haveContents) return Fail(error, "|SYSTEM names no contents topic");
+  return true;
+}
+
+bool HlpFile::ReadTopics(std::string& error) {
+  const std::uint8_t* data;
+  std::size_t size;
+  if (!File("|TOPIC", data, size, error)) return false;
+  if (size == 0 || size % kBlockSize) return Fail(error, "|TOPIC is not whole blocks");
+  topicBlocks = size / kBlockSize;
+  std::vector<std::vector<std::uint8_t>> blocks(topicBlocks);
+  std::vector<std::uint32_t> firstLink(topicBlocks), lastLinkBefore(topicBlocks);
+  for (std::size_t k = 0; k < topicBlocks; ++k) {
+    Cursor header(data + k * kBlockSize, kBlockHeader);
+    lastLinkBefore[k] = header.U32();
+    firstLink[k] = header.U32();
+    if (!Lz77(data + k * kBlockSize + kBlockHeader, kBlockSize - kBlockHeader, kDecompressedBlock, blocks[k], error))
+      return false;
+  }
+
+  std::uint32_t pos = 12, previous = kNoLink;
+  std::size_t currentBlock = SIZE_MAX, links = 0;
+  std::uint32_t characters = 0;
+  std::vector<std::uint32_t> headerPos, headerNext;
+  std::string paragraph;  // a paragraph may go on in the next record
+  while (pos != kNoLink) {
+    if (pos < kBlockHeader || ++links > size) return Fail(error, "topic link chain broken");
+    const std::size_t block = (pos - kBlockHeader) / kDecompressedBlock;
+    const std::size_t at = (pos - kBlockHeader) % kDecompressedBlock;
+    if (block >= topicBlocks || at + kLinkHeader > blocks[block].size())
+      return Fail(error, "topic link outside the topic blocks");
+    if (block != currentBlock) {
+      if (firstLink[block] != pos) return Fail(error, "block header names another first link");
+      if (lastLinkBefore[block] != (block == 0 ? kNoLink : previous))
+        return Fail(error, "block header names another last link");
+      currentBlock = block;
+      characters = 0;
+    }
+    Cursor link(blocks[block].data() + at, blocks[block].size() - at);
+    const std::uint32_t linkSize = link.U32();
+    const std::uint32_t length2 = link.U32();
+    const std::uint32_t prev = link.U32();
+    const std::uint32_t next = link.U32();
+    const std::uint32_t length1 = link.U32();
+    const std::uint8_t type = link.U8();
+    if (prev != previous) return Fail(error, "topic link's previous link is wrong");
+    if (length1 < kLinkHeader || linkSize != length1 + length2 || linkSize > blocks[block].size() - at)
+      return Fail(error, "topic link sizes inconsistent");
+    const std::uint8_t* base = blocks[block].data() + at;
+    Cursor data1(base + kLinkHeader, length1 - kLinkHeader);
+    Cursor data2(base + length1, length2);
+
+    if (type == 0x02) {
+      if (!paragraph.empty()) return Fail(error, "a paragraph runs into the next topic");
+      HlpTopic topic;
+      topic.offset = static_cast<std::uint32_t>(block) * kCharactersPerBlock + characters;
+      data1.Skip(12);
+      if (data1.U32() != topics.size()) return Fail(error, "topic number out of sequence");
+      data1.Skip(8);
+      headerNext.push_back(data1.U32());
+      headerPos.push_back(pos);
+      topic.title = data2.Z();
+      if (!data1.AtEnd() || !data2.ok()) return Fail(error, "topic header malformed");
+      topic.blocks.insert(block);
+      topics.push_back(std::move(topic));
+    } else if (type == 0x20) {
+      if (topics.empty()) return Fail(error, "text before the first topic");
+      HlpTopic& topic = topics.back();
+      topic.blocks.insert(block);
+      data1.PackedLong();
+      const std::uint32_t length = data1.PackedUShort();
+      data1.Skip(4);
+      const std::uint16_t bits = data1.U16();
+      if (bits & 0x0001) data1.PackedLong();
+      for (std::uint16_t b : {0x0002, 0x0004, 0x0008, 0x0010, 0x0020, 0x0040})
+        if (bits & b) data1.PackedShort();
+      if (bits & 0x0100) data1.Skip(3);
+      if (bits & 0x0200) {
+        const int tabs = data1.PackedShort();
+        for (int i = 0; i < tabs && data1.ok(); ++i)
+          if (data1.PackedUShort() & 0x4000) data1.PackedUShort();
+      }
+      std::uint32_t counted = 0;
+      for (bool more = true; more;) {
+        const std::string text = data2.Z();
+        paragraph += text;
+        counted += static_cast<std::uint32_t>(text.size());
+        const std::uint8_t command = data1.U8();
+        if (!data1.ok() || !data2.ok()) return Fail(error, "display record runs out of its data");
+        switch (command) {
+          case 0xFF: more = false; break;
+          case 0x80: data1.U16(); break;
+          case 0x81: paragraph += '\n'; ++counted; break;
+          case 0x82: topic.paragraphs.push_back(paragraph); paragraph.clear(); ++counted; break;
+          case 0x83: paragraph += '\t'; ++counted; break;
+          case 0x89: break;
+          case 0xE2: case 0xE3: case 0xE6: case 0xE7:
+            topic.jumps.push_back(static_cast<std::int32_t>(data1.U32()));
+            break;
+          default:
+            return Fail(error, "unknown formatting command " + std::to_string(command));
+        }
+      }
+      if (!data1.AtEnd() || !data2.AtEnd()) return Fail(error, "display record holds more than it uses");
+      if (counted != length) return Fail(error, "display record counts another number of characters");
+      characters += length;
+    } else {
+      return Fail(error, "unknown topic record type " + std::to_string(type));
+    }
+    previous = pos;
+    pos = next;
+  }
+  if (!paragraph.empty()) return Fail(error, "the last paragraph has no end");
+  if (topics.empty()) return Fail(error, "no topics");
+  for (std::size_t i = 0; i < headerPos.size(); ++i)
+    if (headerNext[i] != (i + 1 < headerPos.size() ? headerPos[i + 1] : kNoLink))
+      return Fail(error, "a topic header names another next topic");
+  return true;
+}
+
+bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
+  *this = HlpFile();
+  bytes_ = bytes;
+  Cursor header(bytes_.data(), bytes_.size());
+  if (header.U32() != kHelpMagic) return Fail(error, "not a help file");
+  const std::uint32_t directory = header.U32();
+  header.U32();  // free list
+  if (header.U32() != bytes_.size()) return Fail(error, "file size in the header differs");
+  if (!header.ok() || directory > bytes_.size() || bytes_.size() - directory < 9)
+    return Fail(error, "directory out of range");
+  Cursor dir(bytes_.data() + directory, bytes_.size() - directory);
+  dir.U32();
+  const std::uint32_t used = dir.U32();
+  dir.U8();
+  if (used > bytes_.size() - directory - 9) return Fail(error, "directory out of range");
+  if (!directory_.Read(bytes_.data() + directory + 9, used, HlpBTree::kStringKey, error)) return false;
+  std::vector<std::pair<HlpBTree::Key, std::uint32_t>> files;
+  if (!directory_.Leaves(files, error)) return false;
+  for (const auto& f : files) fileNames.emplace_back(reinterpret_cast<const char*>(f.first.data()));
+
+  if (!ReadSystem(error) || !ReadTopics(error)) return false;
+
+  const std::uint8_t* data;
+  std::size_t size;
+  if (!File("|CTXOMAP", data, size, error)) return false;
+  Cursor map(data, size);
+  const std::uint16_t count = map.U16();
+  for (std::uint16_t i = 0; i < count && map.ok(); ++i) {
+    const std::uint32_t number = map.U32();
+    contextNumbers[number] = map.U32();
+  }
+  if (!map.AtEnd()) return Fail(error, "|CTXOMAP size differs from its count");
+
+  if (!File("|CONTEXT", data, size, error) || !context_.Read(data, size, HlpBTree::kLongKey, error))
+    return false;
+  std::vector<std::pair<HlpBTree::Key, std::uint32_t>> leaves;
+  if (!context_.Leaves(leaves, error)) return false;
+  for (const auto& [key, offset] : leaves) {
+    const std::int32_t hash = static_cast<std::int32_t>(key[0] | key[1] << 8 | key[2] << 16 |
+                                                        static_cast<std::uint32_t>(key[3]) << 24);
+    contexts.emplace_back(hash, offset);
+  }
+  contextLevels = context_.levels();
+  return true;
+}
+
+std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const {
+  const auto u = static_cast<std::uint32_t>(hash);
+  return context_.Find(HlpBTree::Key{static_cast<std::uint8_t>(u), static_cast<std::uint8_t>(u >> 8),
+                                     static_cast<std::uint8_t>(u >> 16), static_cast<std::uint8_t>(u >> 24)});
+}
+
+const HlpTopic* HlpFile::TopicAt(std::uint32_t offset) const {
+  const HlpTopic* found = nullptr;
+  for (const HlpTopic& t : topics)
+    if (t.offset <= offset && (!found || t.offset > found->offset)) found = &t;
+  return found;
+}
+
+const HlpTopic* HlpFile::TopicOfNumber(std::uint32_t number) const {
+  const auto it = contextNumbers.find(number);
+  return it == contextNumbers.end() ? nullptr : TopicAt(it->second);
+}
+
+}  // namespace qb::test

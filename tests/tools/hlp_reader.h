@@ -1,0 +1,88 @@
+// A reader of WinHelp 3.1 files for tests, written from the published layout and
+// not from our writer: the file header and internal directory, |SYSTEM, |CTXOMAP,
+// |CONTEXT and the LZ77-compressed |TOPIC with its display records. Every read is
+// bounds-checked, and anything it does not expect is an error.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace qb::test {
+
+// A B+ tree (header and pages) whose entries hold 4-byte values.
+class HlpBTree {
+ public:
+  enum KeyKind { kStringKey, kLongKey };
+  using Key = std::vector<std::uint8_t>;
+
+  bool Read(const std::uint8_t* data, std::size_t size, KeyKind kind, std::string& error);
+  // Every entry, leaf by leaf from the leftmost leaf; checks the key order and count.
+  bool Leaves(std::vector<std::pair<Key, std::uint32_t>>& entries, std::string& error) const;
+  // Descends through the index pages as a viewer looks a key up.
+  std::optional<std::uint32_t> Find(const Key& key) const;
+  int levels() const { return levels_; }
+
+ private:
+  const std::uint8_t* Page(std::size_t page) const;
+  // The size of the key starting at `p` (inside a page ending at `end`), 0 if it overruns.
+  std::size_t KeySize(const std::uint8_t* p, const std::uint8_t* end) const;
+  int Compare(const std::uint8_t* a, std::size_t aSize, const Key& b) const;
+
+  KeyKind kind_ = kLongKey;
+  const std::uint8_t* pages_ = nullptr;
+  std::size_t pageSize_ = 0, pageCount_ = 0, root_ = 0;
+  int levels_ = 0;
+  std::uint32_t count_ = 0;
+};
+
+struct HlpTopic {
+  std::uint32_t offset = 0;  // counted from the records as a viewer counts
+  std::string title;
+  std::vector<std::string> paragraphs;  // '\t' for a tab, '\n' for a line break
+  std::vector<std::int32_t> jumps;      // context hashes jumped to
+  std::set<std::size_t> blocks;         // topic blocks holding its records
+};
+
+class HlpFile {
+ public:
+  HlpFile() = default;
+  HlpFile(const HlpFile&) = delete;  // the trees point into the bytes
+  HlpFile& operator=(const HlpFile&) = delete;
+  HlpFile(HlpFile&&) = default;
+  HlpFile& operator=(HlpFile&&) = default;
+
+  bool Read(const std::vector<std::uint8_t>& bytes, std::string& error);
+
+  std::optional<std::uint32_t> FindContext(std::int32_t hash) const;
+  // The topic an offset lies in: the last one starting at or before it.
+  const HlpTopic* TopicAt(std::uint32_t offset) const;
+  const HlpTopic* TopicOfNumber(std::uint32_t number) const;
+
+  std::vector<std::string> fileNames;
+  std::string title;
+  std::string windowCaption;
+  std::uint32_t contentsOffset = 0;
+  std::map<std::uint32_t, std::uint32_t> contextNumbers;
+  std::vector<std::pair<std::int32_t, std::uint32_t>> contexts;  // in leaf order
+  int contextLevels = 0;
+  std::size_t topicBlocks = 0;
+  std::vector<HlpTopic> topics;
+
+ private:
+  bool File(const std::string& name, const std::uint8_t*& data, std::size_t& size,
+            std::string& error) const;
+  bool ReadSystem(std::string& error);
+  bool ReadTopics(std::string& error);
+
+  std::vector<std::uint8_t> bytes_;
+  HlpBTree directory_;
+  HlpBTree context_;
+};
+
+}  // namespace qb::test

@@ -1,0 +1,44 @@
+# hlpwrite: help topic sources -> WinHelp file. The build writes QBHELP.HLP with it
+# from resources/help (the contents topic first) into the build tree's top folder.
+set(QB_HLPWRITE_SOURCES
+    ${CMAKE_CURRENT_SOURCE_DIR}/hlpwrite.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/help_source.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_writer.cpp)
+set(QB_HLPWRITE_HEADERS
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/help_source.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_writer.h)
+qb_tool(NAME hlpwrite SOURCES ${QB_HLPWRITE_SOURCES})
+
+set(QB_HELP_TOPICS
+    contents main_window create_keys key_editor databases new_database scan_page
+    no_match teach_key scan_options merge merge_databases preview options browser
+    saved_pages)
+list(TRANSFORM QB_HELP_TOPICS PREPEND ${CMAKE_SOURCE_DIR}/resources/help/)
+list(TRANSFORM QB_HELP_TOPICS APPEND .txt)
+set(QB_HELP_FILE ${CMAKE_BINARY_DIR}/QBHELP.HLP)
+
+if(CMAKE_CROSSCOMPILING)
+  # The cross build runs a copy of the writer compiled for the build machine, so
+  # making the help file needs neither Wine nor a running session.
+  find_program(QB_HOST_CXX NAMES c++ clang++ g++ REQUIRED)
+  set(writer ${CMAKE_BINARY_DIR}/host/hlpwrite)
+  add_custom_command(
+    OUTPUT ${writer}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/host
+    COMMAND ${QB_HOST_CXX} -std=c++17 -O2 -I${CMAKE_SOURCE_DIR} -o ${writer} ${QB_HLPWRITE_SOURCES}
+    DEPENDS ${QB_HLPWRITE_SOURCES} ${QB_HLPWRITE_HEADERS}
+    COMMENT "Building hlpwrite for the build machine"
+    VERBATIM)
+  set(writer_target ${writer})
+else()
+  set(writer $<TARGET_FILE:hlpwrite>)
+  set(writer_target hlpwrite)
+endif()
+
+add_custom_command(
+  OUTPUT ${QB_HELP_FILE}
+  COMMAND ${writer} --title "Quellbarrow Help" ${QB_HELP_FILE} ${QB_HELP_TOPICS}
+  DEPENDS ${writer_target} ${QB_HELP_TOPICS}
+  COMMENT "Writing QBHELP.HLP"
+  VERBATIM)
+add_custom_target(qb_help ALL DEPENDS ${QB_HELP_FILE})
