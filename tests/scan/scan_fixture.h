@@ -35,6 +35,15 @@ inline std::string WinePath(std::string path) {
   return "Z:" + path;
 }
 
+// Selects a row of a list view as a click would (the Keys view's selected row is
+// the key a scan starts with).
+inline void SelectKeyRow(HWND list, int row) {
+  LVITEMA item{};
+  item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+  item.state = LVIS_SELECTED | LVIS_FOCUSED;
+  SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+}
+
 class ScanTest : public MainWindowTest {
  protected:
   void SetUp() override {
@@ -90,14 +99,6 @@ class ScanTest : public MainWindowTest {
     item.pszText = const_cast<char*>(name.c_str());
     SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
     return index;
-  }
-
-  // The key a scan starts with: the Keys view's selected row.
-  static void SelectKeyRow(HWND list, int row) {
-    LVITEMA item{};
-    item.stateMask = LVIS_SELECTED;
-    item.state = LVIS_SELECTED;
-    SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
   }
 
   std::string Saved(const std::string& name) const { return dir_.File("DataHtml\\" + name); }
