@@ -288,5 +288,36 @@ TEST_F(ScanHtmlCommand, BrowserThatCannotBeStartedIsReported) {
   EXPECT_EQ(Settings().browserKind, kBrowserOther);
 }
 
+struct FoundWindow {
+  std::string part;
+  HWND window = nullptr;
+};
+
+BOOL CALLBACK FindOtherProcessWindow(HWND w, LPARAM param) {
+  auto* found = reinterpret_cast<FoundWindow*>(param);
+  DWORD process = 0;
+  GetWindowThreadProcessId(w, &process);
+  if (process == GetCurrentProcessId() || !IsWindowVisible(w)) return TRUE;
+  if (WindowText(w).find(found->part) == std::string::npos) return TRUE;
+  found->window = w;
+  return FALSE;
+}
+
+// Netscape is not there: the page opens in Internet Explorer, which stays the kind.
+TEST_F(ScanHtmlCommand, MissingNetscapeGivesWayToInternetExplorerForGood) {
+  Settings().browserKind = kBrowserNetscape;
+  const std::string page = dir_.File("fallback.htm");
+  WriteText(page, "<html><head><title>Fallback page</title></head><body>x</body></html>");
+  const ModalResult result = RunModal([&] { OpenInBrowser(page); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Settings().browserKind, kBrowserExplorer);
+  FoundWindow explorer{"Internet Explorer"};
+  EXPECT_TRUE(PumpUntil([&] {
+    EnumWindows(FindOtherProcessWindow, reinterpret_cast<LPARAM>(&explorer));
+    return explorer.window != nullptr;
+  }, 30000));
+  if (explorer.window) PostMessageA(explorer.window, WM_CLOSE, 0, 0);
+}
+
 }  // namespace
 }  // namespace qb::test
