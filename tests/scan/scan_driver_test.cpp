@@ -316,7 +316,9 @@ TEST_F(ScanHtmlCommand, MissingNetscapeGivesWayToInternetExplorerForGood) {
     EnumWindows(FindOtherProcessWindow, reinterpret_cast<LPARAM>(&explorer));
     return explorer.window != nullptr;
   }, 30000));
+  // Closed before the next test, whose browser windows it would stand among.
   if (explorer.window) PostMessageA(explorer.window, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(PumpUntil([&] { return !IsWindow(explorer.window); }, 30000));
 }
 
 }  // namespace

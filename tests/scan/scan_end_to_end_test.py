@@ -11,6 +11,7 @@ server checks that it received exactly the keys' values and the prompted answer.
 """
 import http.server
 import os
+import queue
 import subprocess
 import sys
 import tempfile
@@ -64,13 +65,23 @@ def main(harness, keys, form, wine_env, build_dir):
     program = subprocess.Popen(wine + [harness], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=env, text=True,
                                errors="replace")
     failures, output = [], []
+    lines = queue.Queue()
+    # Read on a thread: the program's output is awaited only until the deadline.
+    threading.Thread(target=lambda: [lines.put(line) for line in program.stdout] + [lines.put(None)],
+                     daemon=True).start()
     try:
         filled = None
-        for line in program.stdout:
+        while filled is None:
+            try:
+                line = lines.get(timeout=max(0.1, deadline - time.monotonic()))
+            except queue.Empty:
+                failures.append("the program took too long")
+                break
+            if line is None:
+                break
             output.append(line)
             if line.startswith("FILLED "):
                 filled = line[len("FILLED "):].strip()
-                break
         if filled:
             unix = subprocess.run(wine + ["winepath", "-u", filled], capture_output=True, text=True,
                                   timeout=30).stdout.strip()
@@ -80,9 +91,15 @@ def main(harness, keys, form, wine_env, build_dir):
         else:
             failures.append("the program wrote no filled page")
         open(done, "w").close()
-        output += program.stdout.readlines()
-        if program.wait(timeout=max(1, deadline - time.monotonic())) != 0:
-            failures.append("the program's run failed")
+        try:
+            if program.wait(timeout=max(1, deadline - time.monotonic())) != 0:
+                failures.append("the program's run failed")
+        except subprocess.TimeoutExpired:
+            failures.append("the program did not end")
+        while not lines.empty():
+            line = lines.get()
+            if line is not None:
+                output.append(line)
     finally:
         for p in (program, ie):
             if p.poll() is None:
