@@ -19,7 +19,6 @@ namespace {
 
 // Where the key list is created, in dialog units: left of the value list.
 constexpr RECT kKeyListRect = {7, 101, 207, 209};
-constexpr int kKeyColumnWidth = 300;  // pixels; the Name column
 constexpr int kKeyIconSize = 16;
 
 struct NoMatchState {
@@ -90,8 +89,7 @@ HWND CreateKeyList(HWND dialog, NoMatchState& state) {
     ListView_SetImageList(list, state.icons, LVSIL_SMALL);
   }
   LVCOLUMNA column{};
-  column.mask = LVCF_WIDTH | LVCF_TEXT;
-  column.cx = kKeyColumnWidth;
+  column.mask = LVCF_TEXT;
   column.pszText = const_cast<char*>("Keys");
   SendMessageA(list, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
   const KeyTable& keys = Keys();
@@ -104,6 +102,8 @@ HWND CreateKeyList(HWND dialog, NoMatchState& state) {
     item.lParam = k;
     SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
   }
+  // The one column fills the list.
+  SendMessageA(list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE_USEHEADER);
   return list;
 }
 
