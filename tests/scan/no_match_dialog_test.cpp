@@ -25,17 +25,6 @@ const std::string kFormPage =
     "<textarea name=about></textarea>\n"
     "<input type=submit></form></body></html>\n";
 
-std::vector<std::string> ValueRows(HWND dialog) {
-  std::vector<std::string> rows;
-  HWND list = GetDlgItem(dialog, IDC_NOMATCH_VALUES);
-  for (LRESULT i = 0, n = SendMessageA(list, LB_GETCOUNT, 0, 0); i < n; ++i) {
-    char text[300] = {};
-    SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
-    rows.push_back(text);
-  }
-  return rows;
-}
-
 std::vector<std::string> KeyRows(HWND dialog) {
   std::vector<std::string> rows;
   HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
@@ -100,7 +89,7 @@ TEST_F(NoMatchPrompt, EachFieldKindShowsItsTexts) {
   };
   std::vector<Seen> seen;
   const auto record = Custom([&](HWND dialog, const WindowSnapshot&) {
-    seen.push_back({ValueRows(dialog), KeyRows(dialog), IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_VALUES)) != 0,
+    seen.push_back({ListBoxRows(dialog, IDC_NOMATCH_VALUES), KeyRows(dialog), IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_VALUES)) != 0,
                     IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_KEYS)) != 0});
     ClickButton(dialog, IDCANCEL);
   });

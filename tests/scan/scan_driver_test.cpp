@@ -32,6 +32,14 @@ bool IsDownloadDialog(HWND window) {
   return GetDlgItem(window, IDC_DOWNLOAD_STATUS) && GetDlgItem(window, IDC_DOWNLOAD_GROUP);
 }
 
+// The selection dialog's rows, then Cancel.
+ModalStep ReadRowsAndCancel(std::vector<std::string>& rows) {
+  return Custom([&rows](HWND dialog, const WindowSnapshot&) {
+    rows = ListBoxRows(dialog, IDC_SELECT_BROWSER_LIST);
+    ClickButton(dialog, IDCANCEL);
+  });
+}
+
 class ScanHtmlCommand : public ScanTest {
  protected:
   void ScanFromBrowser(const std::vector<ModalStep>& steps) {
@@ -174,17 +182,7 @@ TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
   ShowBrowser("One - Microsoft Internet Explorer", "http://127.0.0.1/one.htm");
   ShowBrowser("Two - Microsoft Internet Explorer", "www.example.com/two.htm");
   std::vector<std::string> rows;
-  const auto readRowsAndCancel = [&](HWND dialog, const WindowSnapshot&) {
-    HWND list = GetDlgItem(dialog, IDC_SELECT_BROWSER_LIST);
-    const LRESULT count = SendMessageA(list, LB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < count; ++i) {
-      char text[300] = {};
-      SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
-      rows.push_back(text);
-    }
-    ClickButton(dialog, IDCANCEL);
-  };
-  ScanFromBrowser({Custom(readRowsAndCancel)});
+  ScanFromBrowser({ReadRowsAndCancel(rows)});
   ASSERT_TRUE(result_.ok()) << result_.Describe();
   EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow - Select an Internet browser");
   EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/one.htm", "www.example.com/two.htm"}));
@@ -209,16 +207,7 @@ TEST_F(ScanHtmlCommand, OtherBrowserCaptionMatchesInAnyCaseOncePerOccurrence) {
   ShowBrowser("Opera - OPERA", "http://127.0.0.1/twice.htm");
   ShowBrowser("Operetta", "http://127.0.0.1/not.htm");
   std::vector<std::string> rows;
-  const auto readRows = [&](HWND dialog, const WindowSnapshot&) {
-    HWND list = GetDlgItem(dialog, IDC_SELECT_BROWSER_LIST);
-    for (LRESULT i = 0, n = SendMessageA(list, LB_GETCOUNT, 0, 0); i < n; ++i) {
-      char text[300] = {};
-      SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
-      rows.push_back(text);
-    }
-    ClickButton(dialog, IDCANCEL);
-  };
-  ScanFromBrowser({Custom(readRows)});
+  ScanFromBrowser({ReadRowsAndCancel(rows)});
   ASSERT_TRUE(result_.ok()) << result_.Describe();
   EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/p.htm", "http://127.0.0.1/twice.htm",
                                             "http://127.0.0.1/twice.htm"}));

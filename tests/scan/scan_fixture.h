@@ -35,6 +35,18 @@ inline std::string WinePath(std::string path) {
   return "Z:" + path;
 }
 
+// The rows of a dialog's list box, in order.
+inline std::vector<std::string> ListBoxRows(HWND dialog, int id) {
+  std::vector<std::string> rows;
+  HWND list = GetDlgItem(dialog, id);
+  for (LRESULT i = 0, n = SendMessageA(list, LB_GETCOUNT, 0, 0); i < n; ++i) {
+    std::string text(static_cast<std::size_t>(SendMessageA(list, LB_GETTEXTLEN, i, 0)) + 1, '\0');
+    SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text.data()));
+    rows.push_back(text.c_str());
+  }
+  return rows;
+}
+
 // Selects a row of a list view as a click would (the Keys view's selected row is
 // the key a scan starts with).
 inline void SelectKeyRow(HWND list, int row) {
