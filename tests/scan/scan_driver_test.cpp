@@ -175,6 +175,27 @@ TEST_F(ScanHtmlCommand, NamedDocumentOutsideTheRegistryIsStillFilled) {
   EXPECT_NE(FilledPage().find("action=\"http:///cgi/order\""), std::string::npos) << FilledPage();
 }
 
+// Direct post: no prompt (although every option asks), the pairs posted through
+// the dialog instead of a page opened, and nothing recorded.
+TEST_F(ScanHtmlCommand, DirectPostSendsThePairsInsteadOfOpeningThePage) {
+  CreateDirectoryA(dir_.File("datahtml").c_str(), nullptr);
+  LoopbackServer server({{Http("<html>Thank you</html>")}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  Settings().askForSelect.fill(kAskAllways);
+  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
+  const std::string path = SavePage("order.htm", kOrderPage, "127.0.0.1/shop/order.asp");
+  ModalOptions options;
+  options.passOver = IsDownloadDialog;
+  result_ = RunModal([&] { ScanHtml(kScanSavedDocument, path, true, false, true); }, {}, options);
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::vector<std::string> requests = server.Requests();
+  ASSERT_EQ(requests.size(), 1u);
+  const std::string line = "POST http://127.0.0.1/cgi/order?email=me%40example.com&nick=own";
+  EXPECT_EQ(requests[0].substr(0, line.size()), line) << requests[0];
+  EXPECT_TRUE(FileExists(dir_.File("datahtml\\ReciveData.htm")));
+  EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
+}
+
 // Browser capture: the windows found, their order, and the choice among them.
 TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
   Settings().browserKind = kBrowserExplorer;
