@@ -1,5 +1,6 @@
 // The main window's message and command tables. Rows stand in the order the
 // program has always kept them; lookup takes the first match.
+#include "acquire/browser.h"
 #include "app/frame.h"
 #include "bars/status_bar.h"
 #include "keys/merge_dialog.h"
@@ -32,6 +33,7 @@ const MessageRow kMainMessages[] = {
 
 const CommandRow kMainCommands[] = {
     {IDM_GLOBAL_OPTIONS,     OnOptionsDialogCommand},
+    {IDM_SELECT_BROWSER,     OnSelectBrowserCommand},
     {IDM_EXIT,               OnFileCommand},
     {IDM_TOOL_BAR,           OnBarToggleCommand},
     {IDM_DATABASES_BAR,      OnBarToggleCommand},
@@ -46,6 +48,7 @@ const CommandRow kMainCommands[] = {
     {IDM_MOVE_LINK,          OnMoveLinkCommand},
     {IDM_RENAME_LINK,        OnRenameLinkCommand},
     {IDM_DELETE_LINK,        OnDeleteLinkCommand},
+    {IDM_SCAN_HTML,          OnToolsCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},

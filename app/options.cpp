@@ -9,16 +9,14 @@
 namespace qb {
 namespace {
 
-std::uint32_t g_browserWindowChoice = kPromptForBrowserWindow;
-
 bool Checked(HWND dialog, int id) { return IsDlgButtonChecked(dialog, id) == BST_CHECKED; }
 
 LRESULT OnOptionsOk(HWND dialog, WORD, WORD, LPARAM) {
   AppSettings& s = Settings();
   s.copyDescription = Checked(dialog, IDC_OPT_COPY_DESCRIPTION) ? 1 : 0;
   s.formStatistics = Checked(dialog, IDC_OPT_FORM_STATISTICS) ? 1 : 0;
-  g_browserWindowChoice =
-      Checked(dialog, IDC_OPT_PROMPT_BROWSER) ? kPromptForBrowserWindow : kFirstBrowserWindow;
+  SetBrowserWindowChoiceOption(Checked(dialog, IDC_OPT_PROMPT_BROWSER) ? kPromptForBrowserWindow
+                                                                       : kFirstBrowserWindow);
   // Written to the settings file at shut-down with everything else.
   EndDialog(dialog, 1);
   return 1;
@@ -40,7 +38,7 @@ LRESULT OnOptionsInit(HWND dialog, UINT, WPARAM, LPARAM) {
   const AppSettings& s = Settings();
   CheckDlgButton(dialog, IDC_OPT_COPY_DESCRIPTION, s.copyDescription ? BST_CHECKED : BST_UNCHECKED);
   CheckRadioButton(dialog, IDC_OPT_FIRST_BROWSER, IDC_OPT_PROMPT_BROWSER,
-                   IDC_OPT_FIRST_BROWSER + static_cast<int>(g_browserWindowChoice));
+                   IDC_OPT_FIRST_BROWSER + static_cast<int>(BrowserWindowChoiceOption()));
   CheckDlgButton(dialog, IDC_OPT_FORM_STATISTICS, s.formStatistics ? BST_CHECKED : BST_UNCHECKED);
   return 1;
 }
@@ -57,13 +55,6 @@ const MessageRow kOptionsMessages[] = {
 const MessageMap kOptionsMessageMap = MakeMessageMap(kOptionsMessages, kDefaultNone);
 
 }  // namespace
-
-std::uint32_t BrowserWindowChoiceOption() { return g_browserWindowChoice; }
-
-void SetBrowserWindowChoiceOption(std::uint32_t choice) {
-  g_browserWindowChoice = choice == kFirstBrowserWindow ? kFirstBrowserWindow
-                                                        : kPromptForBrowserWindow;
-}
 
 INT_PTR CALLBACK OptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   return LookupMessage(kOptionsMessageMap, dialog, message, wParam, lParam);

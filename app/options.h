@@ -6,18 +6,11 @@
 
 #include <cstdint>
 
+#include "acquire/browser.h"
+
 namespace qb {
 
 constexpr DWORD kOptionsHelpContext = 1208;
-
-enum BrowserWindowChoice : std::uint32_t {
-  kFirstBrowserWindow = 0,
-  kPromptForBrowserWindow = 1,  // at every start
-};
-
-// Which browser window a scan reads its address from; not kept in the settings file.
-std::uint32_t BrowserWindowChoiceOption();
-void SetBrowserWindowChoiceOption(std::uint32_t choice);
 
 INT_PTR CALLBACK OptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 

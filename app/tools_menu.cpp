@@ -3,11 +3,13 @@
 #include "app/frame.h"
 #include "base/app_state.h"
 #include "resources/resource.h"
+#include "scan/scan_driver.h"
 #include "scan/scan_options_dialog.h"
 
 namespace qb {
 
 LRESULT OnToolsCommand(HWND, WORD id, WORD, LPARAM) {
+  if (id == IDM_SCAN_HTML) ScanHtml(kScanWebPage, {}, false, false, false);
   if (id == IDM_SCAN_OPTIONS) RunScanOptionsDialog(App().mainWindow);
   if (id == IDM_COMPACT_CONFIGHTML) ProgramRegistry().Compact();
   return 0;

@@ -127,4 +127,27 @@
 // IDD_DESTINATION_DIR
 #define IDC_DESTINATION_LIST     100
 
+// IDD_DEFAULT_BROWSER: the three kinds are also the browser kind values
+#define IDC_BROWSER_EXPLORER     500
+#define IDC_BROWSER_NETSCAPE     501
+#define IDC_BROWSER_OTHER        502
+#define IDC_BROWSER_CAPTION      503
+#define IDC_BROWSER_BROWSE       504
+#define IDC_BROWSER_PROGRAM      505
+
+// IDD_SELECT_BROWSER
+#define IDC_SELECT_BROWSER_LIST  600
+
+// IDD_NOMATCH
+#define IDC_NOMATCH_NAME         100
+#define IDC_NOMATCH_KEYS         101
+#define IDC_NOMATCH_TYPE         103
+#define IDC_NOMATCH_CREATE       104
+#define IDC_NOMATCH_CANCEL_ALL   105
+#define IDC_NOMATCH_VALUES       106
+#define IDC_NOMATCH_ABOVE        107
+#define IDC_NOMATCH_BELOW        108
+#define IDC_NOMATCH_UNMATCH      109
+#define IDC_NOMATCH_LEARN        110
+
 #endif

@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
 # Builds Quellbarrow, prepares its program folder (build/program: the .exe, its
 # help file and links page, its Databases and DataHtml folders, a sample key
-# database and first settings) and starts it under Wine. Without a display it
-# runs under Xvfb, saves a screenshot and prints its path.
+# database and first settings) and starts it under Wine beside a first look at its
+# main job: a sample order form served from 127.0.0.1:80 (as root) and shown in
+# Wine's Internet Explorer, which the settings name as the browser. Press "Scan
+# HTML" and the filled form opens in the browser. Without a display it runs under
+# Xvfb, presses "Scan HTML" itself and saves screenshots of the main window, the
+# prompt and the filled page.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -34,12 +38,27 @@ if [ ! -f "$program/pellwick.cfg" ]; then
     wine "$build/win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" \
       "$program/Databases/Sample.dat" </dev/null >/dev/null 2>&1 && database=Sample.dat
   fi
-  wine "$build/win/tools/initsettings.exe" "$program/pellwick.cfg" $database </dev/null >/dev/null 2>&1
+  wine "$build/win/tools/initsettings.exe" "$program/pellwick.cfg" $database \
+    --browser "Wine Internet Explorer" 'C:\Program Files\Internet Explorer\iexplore.exe' </dev/null >/dev/null 2>&1
+fi
+
+# The sample site and the browser showing its form.
+address=http://127.0.0.1/order/form.htm
+python3 "$root/scripts/sample_site.py" "$root/resources/sample/order_form.htm" </dev/null >/dev/null 2>&1 &
+site_pid=$!
+sleep 1
+if kill -0 "$site_pid" 2>/dev/null; then
+  wine iexplore "$address" </dev/null >/dev/null 2>&1 &
+else
+  echo "No sample site (port 80 is taken or needs root): Quellbarrow starts alone."
+  site_pid=
 fi
 
 cd "$program"
 if [ "$headless" = 0 ]; then
-  exec wine Quellbarrow.exe
+  wine Quellbarrow.exe || true
+  [ -z "$site_pid" ] || kill "$site_pid"
+  exit 0
 fi
 
 wine Quellbarrow.exe </dev/null >/dev/null 2>&1 &
@@ -47,4 +66,29 @@ sleep "${QB_SCREENSHOT_DELAY:-4}"
 shot="$build/quellbarrow-screenshot.png"
 import -window root "$shot"
 echo "Quellbarrow is running under Xvfb (display $DISPLAY); screenshot: $shot"
+if [ -n "$site_pid" ]; then
+  driver="$build/win/screenshot_driver.exe"
+  i686-w64-mingw32-g++-posix -O1 -static -o "$driver" "$root/scripts/screenshot_driver.cpp"
+  drive() { wine "$driver" "$@" </dev/null 2>/dev/null | tr -d '\r'; }
+  if drive address "$address" >/dev/null; then
+    drive command 50500 >/dev/null
+    if geometry=$(drive dialog "Quellbarrow - UnMatched Form field name") && [ -n "$geometry" ]; then
+      import -window root -crop "$geometry" +repage "$build/quellbarrow-prompt.png"
+      echo "The prompt for the field no sample key answers: $build/quellbarrow-prompt.png"
+      drive press "Quellbarrow - UnMatched Form field name" 1 >/dev/null
+    fi
+    if geometry=$(drive address QuellbarrowTemproaryFile.htm) && [ -n "$geometry" ]; then
+      import -window root -crop "$geometry" +repage "$build/quellbarrow-filled-page.png"
+      echo "The filled page in the browser: $build/quellbarrow-filled-page.png"
+      # Wine's browser draws pages only with its HTML engine installed; Chromium
+      # shows what the filled form looks like.
+      if command -v chromium >/dev/null; then
+        timeout 60 chromium --headless --no-sandbox --disable-gpu --window-size=900,640 \
+          --screenshot="$build/quellbarrow-filled-form.png" "file://$program/QuellbarrowTemproaryFile.htm" \
+          </dev/null >/dev/null 2>&1 && echo "The filled form as a browser draws it: $build/quellbarrow-filled-form.png"
+      fi
+    fi
+  fi
+  echo "The sample site (process $site_pid) serves $address; stop it with: kill $site_pid"
+fi
 echo "Stop it with: scripts/wine-session.sh stop $build/win"

@@ -15,12 +15,17 @@
 //   screenshot_driver dblclick TITLE ID X Y double-clicks client point (X, Y) of control ID of that dialog
 //   screenshot_driver help FILE ID          opens help file FILE at context number ID
 //   screenshot_driver helpquit              closes the help viewer
+//   screenshot_driver press CAPTION ID      sends button ID's click to the window so titled
+//   screenshot_driver address TEXT          waits for a window whose address bar holds TEXT, prints its rectangle
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <initializer_list>
+#include <string>
+#include <utility>
 
 namespace {
 
@@ -66,6 +71,53 @@ void Mouse(HWND w, UINT message, WPARAM keys, POINT p) {
   ScreenToClient(w, &p);
   PostMessageA(w, message, keys, MAKELPARAM(p.x, p.y));
   Sleep(40);
+}
+
+struct Search {
+  const std::function<bool(HWND)>* matches;
+  HWND found;
+};
+
+BOOL CALLBACK MatchTopLevel(HWND w, LPARAM p) {
+  auto* s = reinterpret_cast<Search*>(p);
+  if (!IsWindowVisible(w) || !(*s->matches)(w)) return TRUE;
+  s->found = w;
+  return FALSE;
+}
+
+// Waits up to `seconds` for a visible top-level window that `matches`.
+HWND WaitFor(const std::function<bool(HWND)>& matches, int seconds) {
+  for (int i = 0; i < seconds * 10; ++i) {
+    Search search{&matches, nullptr};
+    EnumWindows(MatchTopLevel, reinterpret_cast<LPARAM>(&search));
+    if (search.found) return search.found;
+    Sleep(100);
+  }
+  return nullptr;
+}
+
+std::string TextOf(HWND w) {
+  char text[1024] = {};
+  SendMessageTimeoutA(w, WM_GETTEXT, sizeof(text), reinterpret_cast<LPARAM>(text), SMTO_NORMAL, 2000, nullptr);
+  return text;
+}
+
+BOOL CALLBACK EditHolds(HWND child, LPARAM p) {
+  auto* wanted = reinterpret_cast<std::pair<const char*, bool>*>(p);
+  char cls[32] = {};
+  GetClassNameA(child, cls, sizeof(cls));
+  if (_stricmp(cls, "Edit") || TextOf(child).find(wanted->first) == std::string::npos) return TRUE;
+  wanted->second = true;
+  return FALSE;
+}
+
+int PrintRectAfterPaint(HWND w) {
+  if (!w) return 1;
+  Sleep(1500);  // let it paint
+  RECT r;
+  GetWindowRect(w, &r);
+  std::printf("%ldx%ld+%ld+%ld\n", r.right - r.left, r.bottom - r.top, r.left, r.top);
+  return 0;
 }
 
 }  // namespace
@@ -150,6 +202,23 @@ int main(int argc, char** argv) {
   if (!std::strcmp(what, "helpquit")) {
     WinHelpA(nullptr, nullptr, HELP_QUIT, 0);
     return 0;
+  }
+  if (!std::strcmp(what, "press") && argc == 4) {
+    const std::string caption = argv[2];
+    HWND w = WaitFor([&](HWND w) { return TextOf(w) == caption; }, 30);
+    if (!w) return 1;
+    const int id = std::atoi(argv[3]);
+    PostMessageA(w, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(w, id)));
+    return 0;
+  }
+  if (!std::strcmp(what, "address") && argc == 3) {
+    return PrintRectAfterPaint(WaitFor(
+        [&](HWND w) {
+          std::pair<const char*, bool> wanted{argv[2], false};
+          EnumChildWindows(w, EditHolds, reinterpret_cast<LPARAM>(&wanted));
+          return wanted.second;
+        },
+        90));
   }
   HWND main = FindVisible("Quellbarrow");
   if (!main) return 1;

@@ -427,6 +427,9 @@ ooooooooooooo....
 """,
 }
 
+# The key list of the no-match prompt shows each key with the bare key.
+ICON_PICTURES['key_off'] = KEY
+
 
 def picture(text, c=None):
     """Draws a grid of palette letters over `c` (a new canvas if none)."""

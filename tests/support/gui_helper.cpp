@@ -70,6 +70,7 @@ struct FindState {
   bool wantHandled;
   bool shownOnly;
   const std::set<HWND>* handled;
+  const std::function<bool(HWND)>* passOver;
   HWND found;
 };
 
@@ -81,6 +82,7 @@ BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
   if (st->shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) return TRUE;
   if (ClassOf(w) != "#32770") return TRUE;
   if ((st->handled->count(w) != 0) != st->wantHandled) return TRUE;
+  if (*st->passOver && (*st->passOver)(w)) return TRUE;
   st->found = w;
   return FALSE;
 }
@@ -88,10 +90,10 @@ BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
 // A visible, enabled dialog-class window: the modal window on top of its owner.
 // With shownOnly false, also a window that never became visible (a dialog that
 // failed to show itself must still be closed, or the action would never return).
-HWND FindModal(DWORD thread, bool anyProcess, bool wantHandled, const std::set<HWND>& handled,
-               bool shownOnly = true) {
-  FindState st{thread, GetCurrentProcessId(), anyProcess, wantHandled, shownOnly, &handled,
-               nullptr};
+HWND FindModal(DWORD thread, const ModalOptions& options, bool wantHandled,
+               const std::set<HWND>& handled, bool shownOnly = true) {
+  FindState st{thread,   GetCurrentProcessId(), options.anyProcess, wantHandled, shownOnly,
+               &handled, &options.passOver,     nullptr};
   EnumWindows(MatchModal, reinterpret_cast<LPARAM>(&st));
   return st.found;
 }
@@ -219,9 +221,9 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
           std::set<HWND> answered = handled;
           for (HWND w : preexisting) answered.erase(w);
           // FindModal with wantHandled looks among the windows answered before.
-          window = FindModal(thread, options.anyProcess, true, answered);
+          window = FindModal(thread, options, true, answered);
         } else {
-          window = FindModal(thread, options.anyProcess, false, handled);
+          window = FindModal(thread, options, false, handled);
         }
         if (!window) {
           if (actionDone) break;
@@ -252,7 +254,7 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
     // Anything else that opens before the action ends was not foreseen: cancel it.
     const bool failed = !result.errors.empty();
     while (!actionDone) {
-      HWND extra = FindModal(thread, options.anyProcess, false, handled, !failed);
+      HWND extra = FindModal(thread, options, false, handled, !failed);
       if (extra) {
         handled.insert(extra);
         result.unexpected.push_back(Snapshot(extra));

@@ -79,6 +79,10 @@ struct ModalOptions {
   int stepTimeoutMs = 10000;
   // Also answer windows of other processes (a helper program's question box).
   bool anyProcess = false;
+  // Windows that come and go by themselves (a transfer's progress dialog): neither
+  // answered by a step nor counted as unexpected. Asked without sending a message,
+  // so it may look at a window whose thread is blocked.
+  std::function<bool(HWND window)> passOver;
 };
 
 ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep> steps,

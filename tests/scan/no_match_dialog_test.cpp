@@ -1,0 +1,226 @@
+// The no-match prompt as a scan of a saved page shows it: its texts for each field
+// kind, the radio group offered again from the next button, OK with and without
+// learning, UnMatch, Cancel and Cancel All, and the filled page that results.
+#include "scan/no_match_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "scan/scan_driver.h"
+#include "scan/scan_options.h"
+#include "tests/scan/scan_fixture.h"
+
+namespace qb::test {
+namespace {
+
+const std::string kFormPage =
+    "<html><body><form method=post action=/p>\n"
+    "Colour <input type=radio name=colour value=red><input type=radio name=colour value=green>"
+    "<input type=radio name=colour value=blue> after\n"
+    "Agree <input type=checkbox name=agree value=yes>\n"
+    "Size <select name=size multiple><option>Small<option>Large</select>\n"
+    "Nick <input type=text name=Nick>\n"
+    "<textarea name=about></textarea>\n"
+    "<input type=submit></form></body></html>\n";
+
+std::vector<std::string> KeyRows(HWND dialog) {
+  std::vector<std::string> rows;
+  HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
+  for (LRESULT i = 0, n = SendMessageA(list, LVM_GETITEMCOUNT, 0, 0); i < n; ++i) {
+    char text[300] = {};
+    LVITEMA item{};
+    item.iSubItem = 0;
+    item.pszText = text;
+    item.cchTextMax = sizeof(text);
+    SendMessageA(list, LVM_GETITEMTEXTA, i, reinterpret_cast<LPARAM>(&item));
+    rows.push_back(text);
+  }
+  return rows;
+}
+
+int SelectedKeyRow(HWND dialog) {
+  return static_cast<int>(SendDlgItemMessageA(dialog, IDC_NOMATCH_KEYS, LVM_GETNEXTITEM, static_cast<WPARAM>(-1),
+                                              LVNI_SELECTED));
+}
+
+// Picks a key row and a value row (-1: leave as it is), sets the learning box, presses OK.
+ModalStep Choose(int keyRow, int valueRow, bool learn) {
+  return Custom([=](HWND dialog, const WindowSnapshot&) {
+    if (keyRow >= 0) SelectKeyRow(GetDlgItem(dialog, IDC_NOMATCH_KEYS), keyRow);
+    if (valueRow >= 0) SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, valueRow, 0);
+    SetCheck(dialog, IDC_NOMATCH_LEARN, learn);
+    ClickButton(dialog, IDOK);
+  });
+}
+
+class NoMatchPrompt : public ScanTest {
+ protected:
+  void SetUp() override {
+    ScanTest::SetUp();
+    me_ = AddKey("Me", "", "", "hello");  // the current key: text fields are filled
+    SelectKeyRow(App().keysView, me_);
+    page_ = SavePage("form.htm", kFormPage, "www.example.com/form.htm");
+  }
+
+  void Ask(std::uint32_t choice, std::uint32_t addKeys = kAddKeysNever) {
+    Settings().askForSelect.fill(choice);
+    Settings().addKeys.fill(addKeys);
+  }
+
+  void Scan(std::vector<ModalStep> steps) {
+    result_ = RunModal([&] { ScanSavedDocument(page_, false); }, std::move(steps));
+  }
+
+  int me_ = 0;
+  std::string page_;
+  ModalResult result_;
+};
+
+// Every kind in page order, each cancelled: the three radio prompts offer the
+// group from the next button on.
+TEST_F(NoMatchPrompt, EachFieldKindShowsItsTexts) {
+  Ask(kAskAllways);
+  AddKey("Other", "", "", "x");
+  struct Seen {
+    std::vector<std::string> values, keys;
+    bool valuesEnabled, keysEnabled;
+  };
+  std::vector<Seen> seen;
+  const auto record = Custom([&](HWND dialog, const WindowSnapshot&) {
+    seen.push_back({ListBoxRows(dialog, IDC_NOMATCH_VALUES), KeyRows(dialog), IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_VALUES)) != 0,
+                    IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_KEYS)) != 0});
+    ClickButton(dialog, IDCANCEL);
+  });
+  Scan(std::vector<ModalStep>(7, record));
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  struct Row {
+    const char* name;
+    const char* type;
+    std::vector<std::string> values;
+  } rows[] = {
+      {"colour", "RADIO BUTTON", {"red", "green", "blue"}},
+      {"colour", "RADIO BUTTON", {"green", "blue"}},
+      {"colour", "RADIO BUTTON", {"blue"}},
+      {"agree", "CHECK BOX BUTTON", {}},
+      {"size", "LIST BOX [ MULTIPLE SELECTION ]", {"Small", "Large"}},
+      {"nick", "TEXT EDIT BOX", {}},
+      {"about", "TEXT AREA EDIT BOX", {}},
+  };
+  ASSERT_EQ(result_.seen.size(), 7u);
+  for (std::size_t i = 0; i < 7; ++i) {
+    SCOPED_TRACE(rows[i].name);
+    const WindowSnapshot& dialog = result_.seen[i];
+    EXPECT_EQ(dialog.caption, "Quellbarrow - UnMatched Form field name");
+    EXPECT_EQ(dialog.Control(IDC_NOMATCH_NAME)->text, rows[i].name);
+    EXPECT_EQ(dialog.Control(IDC_NOMATCH_TYPE)->text, rows[i].type);
+    EXPECT_EQ(seen[i].values, rows[i].values);
+    EXPECT_EQ(seen[i].valuesEnabled, !rows[i].values.empty());
+    EXPECT_EQ(seen[i].keys, (std::vector<std::string>{"Me", "Other"}));
+    EXPECT_TRUE(seen[i].keysEnabled);
+    EXPECT_FALSE(dialog.Control(IDC_NOMATCH_UNMATCH)->enabled);
+  }
+  EXPECT_EQ(result_.seen[0].Control(IDC_NOMATCH_ABOVE)->text, "TEXT ABOVE:Colour  ");
+  EXPECT_EQ(result_.seen[2].Control(IDC_NOMATCH_BELOW)->text, "TEXT BELLOW:after Agree  ");
+  EXPECT_EQ(result_.seen[6].Control(IDC_NOMATCH_ABOVE)->text, "TEXT ABOVE: No description");
+  EXPECT_EQ(result_.seen[6].Control(IDC_NOMATCH_BELOW)->text, "TEXT BELLOW: No description");
+  // Cancelled everywhere: nothing chosen, the text fields keep their (empty) values.
+  const std::string page = FilledPage();
+  EXPECT_EQ(page.find("checked"), std::string::npos) << page;
+  EXPECT_NE(page.find("name=\"Nick\" value=\"\" >"), std::string::npos) << page;
+}
+
+// OK without learning: the chosen key fills the field and the chosen value is
+// taken; the check box's state is the answer.
+TEST_F(NoMatchPrompt, OkTakesTheChosenKeyAndValue) {
+  Ask(kAskAllways);
+  const int nick = AddKey("Nick key", "", "", "Neo\r\nline");
+  // The radio group is offered from each button in turn; the later two are cancelled.
+  Scan({Choose(-1, 1, false), Press("Cancel"), Press("Cancel"), Choose(-1, -1, false), Choose(-1, 1, false),
+        Choose(nick, -1, false), Press("Cancel All")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::string page = FilledPage();
+  EXPECT_NE(page.find("<input type=\"radio\" checked name=\"COLOUR\" value=\"green\" >"), std::string::npos) << page;
+  EXPECT_NE(page.find("<input type=\"checkbox\" checked name=\"AGREE\""), std::string::npos) << page;
+  EXPECT_NE(page.find("<option selected>Large</option>"), std::string::npos) << page;
+  // A key picked in the prompt gives its Description as it stands.
+  EXPECT_NE(page.find("name=\"Nick\" value=\"Neo\r\nline\" >"), std::string::npos) << page;
+  EXPECT_EQ(result_.seen.size(), 7u);
+  EXPECT_FALSE(DatabaseChanged());
+}
+
+// With the learning box ticked the key learns the name (and value) and the scan
+// after it matches by itself.
+TEST_F(NoMatchPrompt, LearningTeachesTheKeyItsNameAndValue) {
+  Ask(kAskUnMatched, kAddKeysUnMatched);
+  Settings().askForSelect[kPromptCheckbox] = kAskNever;
+  Settings().askForSelect[kPromptSelect] = kAskNever;
+  Settings().askForSelect[kPromptTextarea] = kAskNever;
+  const int colours = AddKey("Colours", "", "", "c");
+  const int nick = AddKey("Nick key", "alias, ", "", "Neo");
+  // The group from its first button: green learned; the second button's run then
+  // matches, the third's ([blue]) does not and is cancelled.
+  Scan({Choose(colours, 1, true), Press("Cancel"), Choose(nick, -1, true)});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(KeyFieldText(Keys(), colours, kSearchNames), "COLOUR");
+  EXPECT_EQ(KeyFieldText(Keys(), colours, kSelection), "green");
+  EXPECT_EQ(KeyFieldText(Keys(), nick, kSearchNames), "alias,NICK");
+  EXPECT_TRUE(DatabaseChanged());
+  const std::string page = FilledPage();
+  EXPECT_NE(page.find("checked name=\"COLOUR\" value=\"GREEN\""), std::string::npos) << page;
+
+  // Learned: the next scan fills from the keys; only the last button's run, which
+  // holds no learned value, is offered again.
+  Scan({Press("Cancel")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
+}
+
+// Each row: the options, the answer the user tries first, and the message that
+// keeps the dialog open.
+TEST_F(NoMatchPrompt, OkWithoutWhatItNeedsKeepsTheDialogOpen) {
+  struct Row {
+    const char* what;
+    ModalStep first;
+    std::string message;
+  } rows[] = {
+      {"no key while unmatched fields add keys", Choose(-1, 0, false), kSelectKeyFirstText},
+      {"learning a radio value without a value", Choose(0, -1, true), kSelectValueToLearnText},
+  };
+  Ask(kAskAllways, kAddKeysUnMatched);
+  for (Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    Scan({row.first, Press("OK"), Again(Press("Cancel All"))});
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    EXPECT_EQ(result_.seen.at(1).MessageText(), row.message);
+    EXPECT_EQ(KeyFieldText(Keys(), me_, kSearchNames), "");
+  }
+}
+
+// A field its key answers: the key is shown chosen, the list and Create New are
+// off, and UnMatch makes the key forget the name while the dialog stays open.
+TEST_F(NoMatchPrompt, UnMatchMakesTheKeyForgetTheName) {
+  Ask(kAskNever);
+  Settings().askForSelect[kPromptText] = kAskAllways;
+  const int nick = AddKey("Nick key", "nick,alias", "", "Neo");
+  int selected = -1;
+  const auto unmatch = Custom([&](HWND dialog, const WindowSnapshot&) {
+    selected = SelectedKeyRow(dialog);
+    ClickButton(dialog, IDC_NOMATCH_UNMATCH);
+  });
+  Scan({unmatch, Again(Press("Cancel"))});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(selected, nick);
+  const WindowSnapshot& dialog = result_.seen.at(0);
+  EXPECT_FALSE(dialog.Control(IDC_NOMATCH_KEYS)->enabled);
+  EXPECT_FALSE(dialog.Control(IDC_NOMATCH_CREATE)->enabled);
+  EXPECT_TRUE(dialog.Control(IDC_NOMATCH_UNMATCH)->enabled);
+  EXPECT_EQ(KeyFieldText(Keys(), nick, kSearchNames), "alias");
+  EXPECT_TRUE(DatabaseChanged());
+  // Cancel leaves the page's value; the key that still matched fills nothing more.
+  EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
+}
+
+}  // namespace
+}  // namespace qb::test

@@ -1,0 +1,335 @@
+// "Scan HTML" through the main window's command table: the address read from a
+// browser window, the download through the real dialog from a loopback server, the
+// statistics box, the failures, the registry entry and the browser opened on the
+// filled page (a stand-in program that notes what it was asked to open).
+#include "scan/scan_driver.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "acquire/browser.h"
+#include "scan/no_match_dialog.h"
+#include "tests/scan/scan_fixture.h"
+#include "tests/support/loopback_server.h"
+
+namespace qb::test {
+namespace {
+
+const std::string kOrderPage =
+    "<html><body><form method=\"post\" action=\"/cgi/order\">\n"
+    "Mail <input type=\"text\" name=\"email\">\n"
+    "Nick <input type=\"text\" name=\"nick\" value=\"own\">\n"
+    "<input type=\"submit\" value=\"Send\"></form></body></html>\n";
+const std::string kGetOnlyPage =
+    "<html><body><form method=\"get\" action=\"/search\"><input type=\"text\" name=\"q\"></form></body></html>\n";
+
+std::string Http(const std::string& body) { return "HTTP/1.0 200 OK\r\n\r\n" + body; }
+
+// The download dialog closes by itself, often before anyone could see it.
+bool IsDownloadDialog(HWND window) {
+  return GetDlgItem(window, IDC_DOWNLOAD_STATUS) && GetDlgItem(window, IDC_DOWNLOAD_GROUP);
+}
+
+// The selection dialog's rows, then Cancel.
+ModalStep ReadRowsAndCancel(std::vector<std::string>& rows) {
+  return Custom([&rows](HWND dialog, const WindowSnapshot&) {
+    rows = ListBoxRows(dialog, IDC_SELECT_BROWSER_LIST);
+    ClickButton(dialog, IDCANCEL);
+  });
+}
+
+class ScanHtmlCommand : public ScanTest {
+ protected:
+  void ScanFromBrowser(const std::vector<ModalStep>& steps) {
+    ModalOptions options;
+    options.passOver = IsDownloadDialog;
+    result_ = RunModal([&] { Command(IDM_SCAN_HTML); }, steps, options);
+  }
+  ModalResult result_;
+};
+
+TEST_F(ScanHtmlCommand, DownloadsFillsRecordsAndOpensTheFilledPage) {
+  LoopbackServer server({{Http(kOrderPage)}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  const int mail = AddKey("Mail", "email", "", "me@example.com");
+  SelectKeyRow(App().keysView, mail);
+  ShowBrowser("Order - Test Browser", "http://127.0.0.1/shop/order.asp?item=7");
+  SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
+
+  ScanFromBrowser({});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(server.Requests().size(), 1u);
+  const std::string saved = Saved("127.0.0.1.order.asp.htm");
+  EXPECT_TRUE(FileExists(saved));
+  const std::string page = FilledPage();
+  EXPECT_NE(page.find("<form action=\"http://127.0.0.1/cgi/order\" method=post >"), std::string::npos) << page;
+  EXPECT_NE(page.find("name=\"email\" value=\"me@example.com\" >"), std::string::npos) << page;
+  EXPECT_NE(page.find("name=\"nick\" value=\"own\" >"), std::string::npos) << page;
+  EXPECT_EQ(ProgramRegistry().FindUrlForFile(saved), std::optional<std::string>("127.0.0.1/shop/order.asp?item=7"));
+  EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
+}
+
+// Both a trailing "/" and no path at all save the page as the host's index page.
+TEST_F(ScanHtmlCommand, AddressWithoutAFileNameIsSavedAsTheIndexPage) {
+  for (const char* address : {"http://127.0.0.1/", "http://127.0.0.1"}) {
+    SCOPED_TRACE(address);
+    LoopbackServer server({{Http(kOrderPage)}});
+    ASSERT_TRUE(server.listening()) << server.error();
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+    DeleteFileA(Saved("127.0.0.1.index.htm.htm").c_str());
+    ShowBrowser("Home - Test Browser", address);
+    ScanFromBrowser({});
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    EXPECT_TRUE(FileExists(Saved("127.0.0.1.index.htm.htm")));
+    EXPECT_TRUE(FilledPageWritten());
+  }
+}
+
+TEST_F(ScanHtmlCommand, PageWithOnlyGetFormsIsReportedAndItsFileDeleted) {
+  LoopbackServer server({{Http(kGetOnlyPage)}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  ShowBrowser("Search - Test Browser", "http://127.0.0.1/search.htm");
+  ScanFromBrowser({Press("OK")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(0).MessageText(), kNoFormText);
+  EXPECT_FALSE(FileExists(Saved("127.0.0.1.search.htm.htm")));
+  EXPECT_FALSE(FilledPageWritten());
+  EXPECT_EQ(ProgramRegistry().FindUrlForFile(Saved("127.0.0.1.search.htm.htm")), std::nullopt);
+}
+
+// Each row: what the browser shows (or no browser), and the one box the scan ends with.
+TEST_F(ScanHtmlCommand, AddressesThatCannotBeScannedEndInOneMessage) {
+  const std::string unsaved = SavePage("unsaved.htm", kOrderPage);
+  const std::string missing = dir_.File("nowhere\\page.htm");
+  struct Row {
+    const char* what;
+    bool browser;
+    std::string address;
+    std::string message;
+    std::string caption;
+  } rows[] = {
+      {"no browser window", false, "", kNoBrowserWindowText, "Quellbarrow"},
+      {"empty address bar", true, "", kNoLinkText, "Error"},
+      {"local file that is not there", true, missing, "Can not open a file from the location:\n" + missing, "Error"},
+      {"local file not in the registry", true, unsaved, kNotSavedByProgramText, "Error"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+    if (row.browser) ShowBrowser("Page - Test Browser", row.address);
+    ScanFromBrowser({Press("OK")});
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    EXPECT_EQ(result_.seen.at(0).MessageText(), row.message);
+    EXPECT_EQ(result_.seen.at(0).caption, row.caption);
+    EXPECT_FALSE(FilledPageWritten());
+  }
+}
+
+TEST_F(ScanHtmlCommand, KnownAddressAsksBeforeDownloadingAgain) {
+  const std::string saved = SavePage("127.0.0.1.a.htm.htm", kOrderPage, "127.0.0.1/a.htm");
+  ShowBrowser("A - Test Browser", "http://127.0.0.1/a.htm");
+  ScanFromBrowser({Press("No")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow");
+  EXPECT_EQ(result_.seen.at(0).MessageText(),
+            "URL: http://127.0.0.1/a.htm\nFILE: " + saved +
+                "\n\nThis site URL allready exist in ConfigHtml.cfg file.\nDo you want to download an HTML document again ?");
+  EXPECT_FALSE(FilledPageWritten());
+
+  LoopbackServer server({{Http(kOrderPage)}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  ScanFromBrowser({Press("Yes")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(server.Requests().size(), 1u);
+  EXPECT_TRUE(FilledPageWritten());
+}
+
+// Two forms of 3 and 5 fields: each figure counts the FORM tag too.
+TEST_F(ScanHtmlCommand, StatisticsBoxCountsFormsFieldsAndScripts) {
+  Settings().formStatistics = 1;
+  const std::string page =
+      "<html><script>var a;</script><form method=post action=/a>"
+      "<input name=a1><input name=a2><input type=submit></form>"
+      "<form method=post action=/b><input name=b1><input name=b2><input type=checkbox name=b3>"
+      "<textarea name=b4></textarea><input type=submit></form></html>";
+  const std::string path = SavePage("stats.htm", page, "www.example.com/stats.htm");
+  result_ = RunModal([&] { ScanSavedDocument(path, false); }, {Press("OK")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow");
+  EXPECT_EQ(result_.seen.at(0).MessageText(),
+            "Total Forms:                     2\nTotal fields in Form1:        4\n"
+            "Total fields in Form2:        6\nTotal Scripts(VB, Java):    1");
+  EXPECT_NE(FilledPage().find("action=\"http://www.example.com/a\""), std::string::npos);
+}
+
+// A saved document the caller names is scanned even when the registry does not
+// know it; relative actions then have no host to go to.
+TEST_F(ScanHtmlCommand, NamedDocumentOutsideTheRegistryIsStillFilled) {
+  const std::string path = SavePage("own.htm", kOrderPage);
+  result_ = RunModal([&] { ScanSavedDocument(path, false); }, {});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_NE(FilledPage().find("action=\"http:///cgi/order\""), std::string::npos) << FilledPage();
+}
+
+// Direct post: no prompt (although every option asks), the pairs posted through
+// the dialog instead of a page opened, and nothing recorded.
+TEST_F(ScanHtmlCommand, DirectPostSendsThePairsInsteadOfOpeningThePage) {
+  CreateDirectoryA(dir_.File("datahtml").c_str(), nullptr);
+  LoopbackServer server({{Http("<html>Thank you</html>")}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  Settings().askForSelect.fill(kAskAllways);
+  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
+  const std::string path = SavePage("order.htm", kOrderPage, "127.0.0.1/shop/order.asp");
+  ModalOptions options;
+  options.passOver = IsDownloadDialog;
+  result_ = RunModal([&] { ScanHtml(kScanSavedDocument, path, true, false, true); }, {}, options);
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::vector<std::string> requests = server.Requests();
+  ASSERT_EQ(requests.size(), 1u);
+  const std::string line = "POST http://127.0.0.1/cgi/order?EMAIL=me%40example.com&NICK=own";
+  EXPECT_EQ(requests[0].substr(0, line.size()), line) << requests[0];
+  EXPECT_TRUE(FileExists(dir_.File("datahtml\\ReciveData.htm")));
+  EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
+}
+
+// Browser capture: the windows found, their order, and the choice among them.
+TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
+  Settings().browserKind = kBrowserExplorer;
+  SetBrowserWindowChoiceOption(kPromptForBrowserWindow);
+  ShowBrowser("One - Microsoft Internet Explorer", "http://127.0.0.1/one.htm");
+  ShowBrowser("Two - Microsoft Internet Explorer", "www.example.com/two.htm");
+  std::vector<std::string> rows;
+  ScanFromBrowser({ReadRowsAndCancel(rows)});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow - Select an Internet browser");
+  EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/one.htm", "www.example.com/two.htm"}));
+  EXPECT_FALSE(FilledPageWritten());
+
+  // OK without a row keeps the dialog open after the message.
+  const auto unselectAndOk = [](HWND dialog, const WindowSnapshot&) {
+    SendDlgItemMessageA(dialog, IDC_SELECT_BROWSER_LIST, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
+    ClickButton(dialog, IDOK);
+  };
+  ScanFromBrowser({Custom(unselectAndOk), Press("OK"), Again(Press("Cancel"))});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(1).MessageText(), kSelectLinkText);
+  EXPECT_EQ(result_.seen.at(1).caption, "Error");
+}
+
+// The other browser's caption text is found in any case, once per occurrence.
+TEST_F(ScanHtmlCommand, OtherBrowserCaptionMatchesInAnyCaseOncePerOccurrence) {
+  StoreSetting(Settings().otherBrowserCaption, "Opera");
+  SetBrowserWindowChoiceOption(kPromptForBrowserWindow);
+  ShowBrowser("Page - opera", "http://127.0.0.1/p.htm");
+  ShowBrowser("Opera - OPERA", "http://127.0.0.1/twice.htm");
+  ShowBrowser("Operetta", "http://127.0.0.1/not.htm");
+  std::vector<std::string> rows;
+  ScanFromBrowser({ReadRowsAndCancel(rows)});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/p.htm", "http://127.0.0.1/twice.htm",
+                                            "http://127.0.0.1/twice.htm"}));
+}
+
+// The default-browser dialog through 50009.
+class DefaultBrowserDialog : public ScanTest {
+ protected:
+  ModalResult OpenDialog(std::vector<ModalStep> steps) {
+    return RunModal([&] { Command(IDM_SELECT_BROWSER); }, std::move(steps));
+  }
+};
+
+TEST_F(DefaultBrowserDialog, KindChangesAtTheClickAndCancelKeepsIt) {
+  Settings().browserKind = kBrowserExplorer;
+  const auto clickNetscapeThenCancel = [](HWND dialog, const WindowSnapshot&) {
+    PostMessageA(GetDlgItem(dialog, IDC_BROWSER_NETSCAPE), BM_CLICK, 0, 0);
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+  };
+  const ModalResult result = OpenDialog({Custom(clickNetscapeThenCancel)});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  const WindowSnapshot& dialog = result.seen.at(0);
+  EXPECT_EQ(dialog.caption, "Quellbarrow - Default browser");
+  EXPECT_EQ(dialog.Control(IDC_BROWSER_EXPLORER)->checked, BST_CHECKED);
+  EXPECT_FALSE(dialog.Control(IDC_BROWSER_CAPTION)->enabled);
+  EXPECT_FALSE(dialog.Control(IDC_BROWSER_BROWSE)->enabled);
+  EXPECT_EQ(Settings().browserKind, kBrowserNetscape);
+}
+
+TEST_F(DefaultBrowserDialog, OtherNeedsATitleThenAProgram) {
+  StoreSetting(Settings().otherBrowserCaption, "");
+  StoreSetting(Settings().browserProgram, "C:\\b.exe");
+  const auto typeTitle = [](const std::string& title) {
+    return [title](HWND dialog, const WindowSnapshot&) {
+      SetControlText(dialog, IDC_BROWSER_CAPTION, title);
+      ClickButton(dialog, IDOK);
+    };
+  };
+  // The title is checked first, even with a program path set.
+  ModalResult result = OpenDialog({Custom(typeTitle("")), Press("OK"), Again(Press("Cancel"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_TRUE(result.seen.at(0).Control(IDC_BROWSER_CAPTION)->enabled);
+  EXPECT_EQ(result.seen.at(0).Control(IDC_BROWSER_PROGRAM)->text, "C:\\b.exe");
+  EXPECT_EQ(result.seen.at(1).MessageText(), kTypeTitleText);
+
+  StoreSetting(Settings().browserProgram, "C:\\b");
+  result = OpenDialog({Custom(typeTitle("Opera")), Press("OK"), Again(Press("Cancel"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen.at(1).MessageText(), kSelectProgramText);
+  EXPECT_EQ(std::string(Settings().otherBrowserCaption.data()), "Opera");
+
+  StoreSetting(Settings().browserProgram, "C:\\b.exe");
+  INT_PTR ended = -1;
+  result = RunModal(
+      [&] { ended = DialogBoxParamA(Instance(), kDefaultBrowserDialogName, window_, DefaultBrowserDialogProc, 0); },
+      {Custom(typeTitle("Opera"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(ended, 1);
+}
+
+// Launching: the named program, and the message when it cannot be started.
+TEST_F(ScanHtmlCommand, BrowserThatCannotBeStartedIsReported) {
+  StoreSetting(Settings().browserProgram, dir_.File("no-such-browser.exe"));
+  const ModalResult result = RunModal([] { OpenInBrowser("C:\\page.htm"); }, {Press("OK")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen.at(0).MessageText(), kCantOpenBrowserText);
+  EXPECT_EQ(Settings().browserKind, kBrowserOther);
+}
+
+struct FoundWindow {
+  std::string part;
+  HWND window = nullptr;
+};
+
+BOOL CALLBACK FindOtherProcessWindow(HWND w, LPARAM param) {
+  auto* found = reinterpret_cast<FoundWindow*>(param);
+  DWORD process = 0;
+  GetWindowThreadProcessId(w, &process);
+  if (process == GetCurrentProcessId() || !IsWindowVisible(w)) return TRUE;
+  if (WindowText(w).find(found->part) == std::string::npos) return TRUE;
+  found->window = w;
+  return FALSE;
+}
+
+// Netscape is not there: the page opens in Internet Explorer, which stays the kind.
+TEST_F(ScanHtmlCommand, MissingNetscapeGivesWayToInternetExplorerForGood) {
+  Settings().browserKind = kBrowserNetscape;
+  const std::string page = dir_.File("fallback.htm");
+  WriteText(page, "<html><head><title>Fallback page</title></head><body>x</body></html>");
+  const ModalResult result = RunModal([&] { OpenInBrowser(page); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Settings().browserKind, kBrowserExplorer);
+  FoundWindow explorer{"Internet Explorer"};
+  EXPECT_TRUE(PumpUntil([&] {
+    EnumWindows(FindOtherProcessWindow, reinterpret_cast<LPARAM>(&explorer));
+    return explorer.window != nullptr;
+  }, 30000));
+  // Closed before the next test, whose browser windows it would stand among.
+  if (explorer.window) PostMessageA(explorer.window, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(PumpUntil([&] { return !IsWindow(explorer.window); }, 30000));
+}
+
+}  // namespace
+}  // namespace qb::test

@@ -1,0 +1,141 @@
+// A real main window in a fresh program folder with the pieces a scan meets: keys
+// in the table and in the Keys view, stand-in browser windows with an address
+// bar, a registry file, and a stand-in browser program that notes what it opened.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "acquire/acquire_state.h"
+#include "acquire/browser.h"
+#include "acquire/document_registry.h"
+#include "keys/key_table.h"
+#include "scan/page_writer.h"
+#include "tests/support/main_window_fixture.h"
+
+namespace qb::test {
+
+constexpr char kBrowserClass[] = "QbTestBrowser";
+constexpr char kTestBrowserName[] = "Test Browser";
+
+inline void StoreSetting(std::array<char, kBrowserTextSize>& field, const std::string& text) {
+  field.fill('\0');
+  std::strncpy(field.data(), text.c_str(), field.size() - 1);
+}
+
+// The build's path of a program, seen through Wine's drive for "/".
+inline std::string WinePath(std::string path) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return "Z:" + path;
+}
+
+// The rows of a dialog's list box, in order.
+inline std::vector<std::string> ListBoxRows(HWND dialog, int id) {
+  std::vector<std::string> rows;
+  HWND list = GetDlgItem(dialog, id);
+  for (LRESULT i = 0, n = SendMessageA(list, LB_GETCOUNT, 0, 0); i < n; ++i) {
+    std::string text(static_cast<std::size_t>(SendMessageA(list, LB_GETTEXTLEN, i, 0)) + 1, '\0');
+    SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text.data()));
+    rows.push_back(text.c_str());
+  }
+  return rows;
+}
+
+// Selects a row of a list view as a click would (the Keys view's selected row is
+// the key a scan starts with).
+inline void SelectKeyRow(HWND list, int row) {
+  LVITEMA item{};
+  item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+  item.state = LVIS_SELECTED | LVIS_FOCUSED;
+  SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+}
+
+class ScanTest : public MainWindowTest {
+ protected:
+  void SetUp() override {
+    MainWindowTest::SetUp();
+    ASSERT_NO_FATAL_FAILURE();
+    ASSERT_TRUE(Open());
+    CreateDirectoryA(dir_.File("DataHtml").c_str(), nullptr);
+    SetCurrentLinksFolder("");
+    SharedDownloadRequest() = DownloadRequest{};
+    Settings().browserKind = kBrowserOther;
+    StoreSetting(Settings().otherBrowserCaption, kTestBrowserName);
+    StoreSetting(Settings().browserProgram, WinePath(QB_BROWSER_STAND_IN));
+    SetBrowserWindowChoiceOption(kFirstBrowserWindow);
+    WNDCLASSA wc{};
+    wc.lpfnWndProc = DefWindowProcA;
+    wc.hInstance = Instance();
+    wc.lpszClassName = kBrowserClass;
+    RegisterClassA(&wc);
+  }
+
+  void TearDown() override {
+    for (HWND w : browsers_) DestroyWindow(w);
+    MainWindowTest::TearDown();
+  }
+
+  // A top-level window titled `caption` whose address bar shows `address`,
+  // placed just below the main window or below the previous stand-in.
+  HWND ShowBrowser(const std::string& caption, const std::string& address) {
+    HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
+                             300, 120, nullptr, nullptr, Instance(), nullptr);
+    CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, Instance(), nullptr);
+    CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, Instance(),
+                    nullptr);
+    SetWindowPos(w, browsers_.empty() ? window_ : browsers_.back(), 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    browsers_.push_back(w);
+    return w;
+  }
+
+  // A key at the end of the table; it is also a row of the Keys view.
+  int AddKey(const std::string& name, const std::string& searchNames, const std::string& selection,
+             const std::string& description) {
+    KeyTable& keys = Keys();
+    const int index = keys.count++;
+    SetKeyField(keys, index, kName, name);
+    SetKeyField(keys, index, kSearchNames, searchNames);
+    SetKeyField(keys, index, kSelection, selection);
+    SetKeyField(keys, index, kDescription, description);
+    SetDatabaseChanged(false);
+    LVITEMA item{};
+    item.mask = LVIF_TEXT;
+    item.iItem = index;
+    item.pszText = const_cast<char*>(name.c_str());
+    SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    return index;
+  }
+
+  std::string Saved(const std::string& name) const { return dir_.File("DataHtml\\" + name); }
+
+  // A page saved in DataHtml, recorded under `url` unless that is empty.
+  std::string SavePage(const std::string& name, const std::string& html, const std::string& url = "") {
+    const std::string path = Saved(name);
+    WriteText(path, html);
+    if (!url.empty()) registry_ += url + "\r\n" + path + "\r\n";
+    WriteText(dir_.File(kRegistryFileName), std::string(kRegistryHeader) + "\r\n" + registry_);
+    return path;
+  }
+
+  std::string FilledPage() const { return ReadText(dir_.File("QuellbarrowTemproaryFile.htm")); }
+  bool FilledPageWritten() const { return FileExists(dir_.File("QuellbarrowTemproaryFile.htm")); }
+
+  // What the stand-in browser was asked to open, once it has written it.
+  std::string Opened() {
+    const std::string file = dir_.File("opened.txt");
+    PumpUntil([&] { return FileExists(file) && !ReadText(file).empty(); }, 10000);
+    return FileExists(file) ? ReadText(file) : std::string();
+  }
+
+  std::vector<HWND> browsers_;
+  std::string registry_;
+};
+
+}  // namespace qb::test
