@@ -2,6 +2,7 @@
 // program has always kept them; lookup takes the first match.
 #include "app/frame.h"
 #include "bars/status_bar.h"
+#include "keys/key_editor.h"
 #include "keys/merge_dialog.h"
 #include "resources/resource.h"
 
@@ -34,7 +35,9 @@ const CommandRow kMainCommands[] = {
     {IDM_LINK_WINDOW,        OnViewToggleCommand},
     {IDM_KEY_WINDOW,         OnViewToggleCommand},
     {IDM_STATUS_BAR,         OnStatusBarCommand},
+    {IDM_ADD_KEY,            OnAddKeyCommand},
     {IDM_ADD_COMPARE,        OnAddCompareCommand},
+    {IDM_MODIFY_KEY,         OnModifyKeyCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},

@@ -102,6 +102,16 @@
 // IDD_KEY_VALUES: edits 400..403 show Name, Search Names, Selection, Description
 #define IDC_KEYVALUES_FIRST        400
 
+// IDD_DEFAULT_KEYS: the key editor
+#define IDC_KEYEDIT_NAME           120
+#define IDC_KEYEDIT_SEARCH         121
+#define IDC_KEYEDIT_SELECTION      122
+#define IDC_KEYEDIT_DESCRIPTION    123
+#define IDC_KEYEDIT_CREATE         124
+#define IDC_KEYEDIT_SAVE           127
+#define IDC_KEYEDIT_DELETE         128
+#define IDC_KEYEDIT_LIST           129
+
 // IDD_DOWNLOADING
 #define IDC_DOWNLOAD_STATUS      400
 #define IDC_DOWNLOAD_GROUP       401

@@ -11,12 +11,15 @@
 //   screenshot_driver click TITLE ID        presses button ID of that dialog
 //   screenshot_driver settext TITLE ID TEXT sets the text of control ID of that dialog
 //   screenshot_driver dblclick TITLE ID X Y double-clicks client point (X, Y) of control ID of that dialog
+//   screenshot_driver setlines TITLE ID TEXT sets the text of control ID, '|' standing for a line break
+//   screenshot_driver pickrow ID ROW        selects row ROW of the main window's list view ID by keys
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <string>
 
 namespace {
 
@@ -124,6 +127,15 @@ int main(int argc, char** argv) {
       Mouse(c, m, m == WM_LBUTTONUP ? 0 : MK_LBUTTON, p);
     return 0;
   }
+  if (!std::strcmp(what, "setlines") && argc == 5) {
+    HWND d = FindDialog(argv[2]);
+    if (!d) return 1;
+    std::string text;
+    for (const char* c = argv[4]; *c; ++c) text += *c == '|' ? std::string("\r\n") : std::string(1, *c);
+    SetDlgItemTextA(d, std::atoi(argv[3]), text.c_str());
+    Sleep(200);
+    return 0;
+  }
   if (argc >= 4 && (!std::strcmp(what, "click") || !std::strcmp(what, "settext"))) {
     HWND d = FindDialog(argv[2]);
     if (!d) return 1;
@@ -141,6 +153,14 @@ int main(int argc, char** argv) {
   if (!std::strcmp(what, "command") && argc == 3) {
     PostMessageA(main, WM_COMMAND, MAKEWPARAM(std::atoi(argv[2]), 0), 0);
     Sleep(500);
+    return 0;
+  }
+  if (!std::strcmp(what, "pickrow") && argc == 4) {
+    HWND list = GetDlgItem(main, std::atoi(argv[2]));
+    if (!list) return 1;
+    PostMessageA(list, WM_KEYDOWN, VK_HOME, 0);
+    for (int i = std::atoi(argv[3]); i > 0; --i) PostMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
+    Sleep(300);
     return 0;
   }
   if (!std::strcmp(what, "close")) {
