@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -41,10 +42,12 @@ struct OpenRequest {
   std::string description;  // mode 5
 };
 
-// The one open editor.
+// The one open editor. Its list is virtual: row r shows key rowKeys[r], so a
+// table of 2000 keys opens as fast as an empty one.
 struct EditorRun {
   int mode = kEditorAdd;
   int editing = -1;  // the key Save key and OK act on; -1 for none
+  std::vector<int> rowKeys;
   // The Name block of the key added last: found again after the Keys view's refill
   // may have sorted the table.
   TextBlock newKeyName = kNoBlock;
@@ -56,6 +59,20 @@ int g_newKey = kNoKey;
 
 HWND Item(HWND dialog, int id) { return GetDlgItem(dialog, id); }
 HWND KeyList(HWND dialog) { return Item(dialog, IDC_KEYEDIT_LIST); }
+
+int KeyOfRow(int row) {
+  return row >= 0 && row < static_cast<int>(g_run.rowKeys.size()) ? g_run.rowKeys[row] : -1;
+}
+
+int RowOfKey(int key) {
+  const auto& rows = g_run.rowKeys;
+  const auto at = std::find(rows.begin(), rows.end(), key);
+  return at == rows.end() ? -1 : static_cast<int>(at - rows.begin());
+}
+
+void ShowRowCount(HWND list) {
+  ListView_SetItemCountEx(list, static_cast<int>(g_run.rowKeys.size()), LVSICF_NOSCROLL);
+}
 
 template <std::size_t N>
 std::string_view ReadEdit(HWND dialog, int id, std::array<char, N>& buffer) {
@@ -125,8 +142,8 @@ void RenameKey(HWND list, int key, const std::string& name) {
   const bool newKey = g_run.newKeyName != kNoBlock && KeyFieldBlock(keys, key, kName) == g_run.newKeyName;
   SetKeyField(keys, key, kName, name);
   if (newKey) g_run.newKeyName = KeyFieldBlock(keys, key, kName);
-  const int row = RowOfKey(list, key);
-  if (row >= 0) SetRowText(list, row, name);
+  const int row = RowOfKey(key);
+  if (row >= 0) ListView_RedrawItems(list, row, row);
   for (int mainRow : mainRows) SetRowText(App().keysView, mainRow, name);
 }
 
@@ -139,11 +156,9 @@ int AddKey(HWND list, const std::string& name) {
     return kNoKey;
   }
   if (!SetKeyField(keys, key, kName, name)) return kNoKey;
-  const int row = AddKeyRow(list, key, name, kKeyImage);
-  if (row < 0) {
-    SetKeyField(keys, key, kName, {});
-    return kNoKey;
-  }
+  g_run.rowKeys.push_back(key);
+  ShowRowCount(list);
+  const int row = static_cast<int>(g_run.rowKeys.size()) - 1;
   g_run.editing = key;
   SelectOwnRow(list, row);
   InsertMainRow(key);
@@ -188,7 +203,13 @@ void FillEditorList(HWND list) {
   ImageList_AddMasked(images, picture, kKeyMaskColour);
   DeleteObject(picture);
   ListView_SetImageList(list, images, LVSIL_SMALL);  // the list destroys it with itself
-  FillKeyRows(list, Keys(), kKeyImage);
+  // A row for each key whose Name can be read.
+  const KeyTable& keys = Keys();
+  const int count = KeysInUse(keys);
+  for (int i = 0; i < count; ++i) {
+    if (!LockKeyField(keys, i, kName).text().empty()) g_run.rowKeys.push_back(i);
+  }
+  ShowRowCount(list);
 }
 
 LRESULT OnKeyEditorInit(HWND dialog, UINT, WPARAM, LPARAM lParam) {
@@ -205,7 +226,7 @@ LRESULT OnKeyEditorInit(HWND dialog, UINT, WPARAM, LPARAM lParam) {
   if (request.keyIndex >= 0 && request.keyIndex < kMaxKeys) {
     g_run.editing = request.keyIndex;
     ShowKey(dialog, request.keyIndex);
-    const int row = RowOfKey(list, request.keyIndex);
+    const int row = RowOfKey(request.keyIndex);
     if (row >= 0) SelectOwnRow(list, row);
     return TRUE;
   }
@@ -237,16 +258,22 @@ LRESULT OnDeleteKey(HWND dialog, WORD, WORD, LPARAM) {
   if (KeysInUse(keys) <= 0) return 1;
   HWND list = KeyList(dialog);
   const int row = SelectedRow(list);
-  const int key = row >= 0 ? RowKey(list, row) : -1;
-  if (key < 0 || key >= KeysInUse(keys) || !ListView_DeleteItem(list, row)) return 1;
+  const int key = KeyOfRow(row);
+  if (key < 0 || key >= KeysInUse(keys)) return 1;
   if (KeyFieldBlock(keys, key, kName) == g_run.newKeyName) g_run.newKeyName = kNoBlock;
   DeleteKey(keys, key);
-  // The keys after it moved up one place, and their rows follow them.
-  const int rows = ListView_GetItemCount(list);
-  for (int r = 0; r < rows; ++r) {
-    const int k = RowKey(list, r);
-    if (k > key) SetRowKey(list, r, k - 1);
+  // The keys after it moved up one place, and their rows follow them. No row stays
+  // selected: the selection would pass to the next key.
+  g_run.selecting = true;
+  ListView_SetItemState(list, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+  g_run.selecting = false;
+  auto& rows = g_run.rowKeys;
+  rows.erase(rows.begin() + row);
+  for (int& k : rows) {
+    if (k > key) --k;
   }
+  ShowRowCount(list);
+  InvalidateRect(list, nullptr, TRUE);
   if (g_run.editing == key) {
     g_run.editing = -1;
   } else if (g_run.editing > key) {
@@ -260,7 +287,7 @@ LRESULT OnDeleteKey(HWND dialog, WORD, WORD, LPARAM) {
 LRESULT OnKeyEditorOk(HWND dialog, WORD, WORD, LPARAM) {
   HWND list = KeyList(dialog);
   const int row = SelectedRow(list);
-  g_run.editing = row >= 0 ? RowKey(list, row) : -1;
+  g_run.editing = KeyOfRow(row);
   if (row >= 0) {
     if (!StoreKey(dialog, g_run.editing)) return 1;
   } else if (g_run.mode != kEditorModify) {
@@ -299,7 +326,7 @@ LRESULT OnKeyEditorCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
 
 // The row's key becomes the one edited; its fields replace whatever the edits held.
 void LoadRow(HWND list, int row) {
-  const int key = RowKey(list, row);
+  const int key = KeyOfRow(row);
   if (key < 0) return;
   g_run.editing = key;
   ShowKey(GetParent(list), key);
@@ -321,6 +348,47 @@ LRESULT OnListItemChanged(const NMHDR& header) {
   return 0;
 }
 
+// The virtual list's rows: the Name as text (as much as the control takes) and the key.
+LRESULT OnListDisplayInfo(const NMHDR& header) {
+  LVITEMA& item = const_cast<NMLVDISPINFOA&>(reinterpret_cast<const NMLVDISPINFOA&>(header)).item;
+  if (item.mask & LVIF_IMAGE) item.iImage = kKeyImage;
+  if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0) {
+    const TextLock name = LockKeyField(Keys(), KeyOfRow(item.iItem), kName);
+    const std::size_t n = std::min(name.text().size(), static_cast<std::size_t>(item.cchTextMax - 1));
+    name.text().copy(item.pszText, n);
+    item.pszText[n] = '\0';
+  }
+  return 0;
+}
+
+// Typing in the list goes to the next row, from `start` on and round again, whose
+// Name begins with what was typed.
+int FindRowByTyping(std::string_view typed, int start) {
+  const int rows = static_cast<int>(g_run.rowKeys.size());
+  for (int i = 0; i < rows && !typed.empty(); ++i) {
+    const int row = (std::max(start, 0) + i) % rows;
+    const TextLock name = LockKeyField(Keys(), g_run.rowKeys[row], kName);
+    if (CompareNoCase(name.text().substr(0, typed.size()), typed) == 0) return row;
+  }
+  return -1;
+}
+
+LRESULT OnListFindItemA(const NMHDR& header) {
+  const auto& find = reinterpret_cast<const NMLVFINDITEMA&>(header);
+  if (!(find.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !find.lvfi.psz) return -1;
+  return FindRowByTyping(find.lvfi.psz, find.iStart);
+}
+
+// Some list controls ask in UTF-16 whatever the dialog's character set.
+LRESULT OnListFindItemW(const NMHDR& header) {
+  const auto& find = reinterpret_cast<const NMLVFINDITEMW&>(header);
+  if (!(find.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !find.lvfi.psz) return -1;
+  std::array<char, kKeyNameBufferSize> typed{};
+  WideCharToMultiByte(CP_ACP, 0, find.lvfi.psz, -1, typed.data(), static_cast<int>(typed.size()) - 1, nullptr,
+                      nullptr);
+  return FindRowByTyping(BufferText(typed), find.iStart);
+}
+
 struct NotifyRow {
   int control;
   UINT code;
@@ -329,12 +397,19 @@ struct NotifyRow {
 const NotifyRow kKeyEditorNotifications[] = {
     {IDC_KEYEDIT_LIST,  NM_CLICK,          OnListClick},
     {IDC_KEYEDIT_LIST,  LVN_ITEMCHANGED,   OnListItemChanged},
+    {IDC_KEYEDIT_LIST,  LVN_GETDISPINFOA,  OnListDisplayInfo},
+    {IDC_KEYEDIT_LIST,  LVN_ODFINDITEMA,   OnListFindItemA},
+    {IDC_KEYEDIT_LIST,  LVN_ODFINDITEMW,   OnListFindItemW},
 };
 
-LRESULT OnKeyEditorNotify(HWND, UINT, WPARAM, LPARAM lParam) {
+// A dialog gives a notification's result through DWLP_MSGRESULT.
+LRESULT OnKeyEditorNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
   const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
   for (const NotifyRow& row : kKeyEditorNotifications) {
-    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code) return row.handler(header);
+    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code) {
+      SetWindowLongPtrA(dialog, DWLP_MSGRESULT, row.handler(header));
+      return TRUE;
+    }
   }
   return 0;
 }

@@ -16,25 +16,23 @@ void AddFullWidthColumn(HWND list) {
   SendMessageA(list, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
 }
 
-int AddKeyRow(HWND list, int index, std::string_view name, int image) {
+int AddKeyRow(HWND list, int index, std::string_view name) {
   std::string text(name);
   LVITEMA item{};
-  item.mask = LVIF_TEXT | LVIF_PARAM | (image >= 0 ? LVIF_IMAGE : 0);
+  item.mask = LVIF_TEXT | LVIF_PARAM;
   item.iItem = ListView_GetItemCount(list);
   item.pszText = text.data();
-  item.iImage = image;
   item.lParam = index;
   return static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
 }
 
-void FillKeyRows(HWND list, const KeyTable& table, int image) {
+void FillKeyRows(HWND list, const KeyTable& table) {
   SendMessageA(list, WM_SETREDRAW, FALSE, 0);
   ListView_DeleteAllItems(list);
   const int count = KeysInUse(table);
-  ListView_SetItemCount(list, count);
   for (int i = 0; i < count; ++i) {
     TextLock name(table.fields[kName][i]);
-    if (!name.text().empty()) AddKeyRow(list, i, name.text(), image);
+    if (!name.text().empty()) AddKeyRow(list, i, name.text());
   }
   SendMessageA(list, WM_SETREDRAW, TRUE, 0);
 }
@@ -45,21 +43,6 @@ int RowKey(HWND list, int row) {
   item.iItem = row;
   if (!SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item))) return -1;
   return static_cast<int>(item.lParam);
-}
-
-int RowOfKey(HWND list, int index) {
-  LVFINDINFOA find{};
-  find.flags = LVFI_PARAM;
-  find.lParam = index;
-  return static_cast<int>(SendMessageA(list, LVM_FINDITEMA, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
-}
-
-void SetRowKey(HWND list, int row, int index) {
-  LVITEMA item{};
-  item.mask = LVIF_PARAM;
-  item.iItem = row;
-  item.lParam = index;
-  SendMessageA(list, LVM_SETITEMA, 0, reinterpret_cast<LPARAM>(&item));
 }
 
 void SetRowText(HWND list, int row, std::string_view text) {

@@ -12,15 +12,12 @@ namespace qb {
 
 // A report list without a header: one column as wide as the list less a scroll bar.
 void AddFullWidthColumn(HWND list);
-// Appends a row; `image` -1 for none. The new row's number, or -1.
-int AddKeyRow(HWND list, int index, std::string_view name, int image = -1);
+// Appends a row; the new row's number, or -1.
+int AddKeyRow(HWND list, int index, std::string_view name);
 // Replaces the rows with one per key of `table` that has a Name, in table order.
-void FillKeyRows(HWND list, const KeyTable& table, int image = -1);
+void FillKeyRows(HWND list, const KeyTable& table);
 // The key index a row carries; -1 for no such row.
 int RowKey(HWND list, int row);
-// The row carrying key `index`; -1 when there is none.
-int RowOfKey(HWND list, int index);
-void SetRowKey(HWND list, int row, int index);
 void SetRowText(HWND list, int row, std::string_view text);
 void SelectRow(HWND list, int row, bool selected);
 // The first selected row, or -1.

@@ -340,15 +340,17 @@ TEST_F(KeyEditorTest, DeleteKeyKeepsTheChangedFlagAndRowsFollowTheirKeys) {
   EXPECT_EQ(g_refills, 0);
 }
 
-// Tab walks the controls in reading order; Alt + a letter reaches its control;
+// Tab walks the controls in reading order; a letter typed in the list chooses the
+// next key whose Name begins with it; Alt + a letter reaches its control;
 // Enter in a field of several lines is a new line, elsewhere OK; Esc is Cancel
 // even from such a field.
 TEST_F(KeyEditorTest, Keyboard) {
-  Load({{"Zip", "", "", ""}}, 0);
+  Load({{"Zip", "", "", ""}, {"City", "", "", ""}}, 0);
   std::vector<int> tabOrder;
-  bool nameFocused = false, created = false, newLine = false;
+  bool found = false, nameFocused = false, created = false, newLine = false;
   const auto key = [](HWND d, int id, UINT message, WPARAM vk) {
-    PostMessageA(GetDlgItem(d, id), message, vk, message == WM_SYSCHAR ? (1 << 29) : 0);
+    // A repeat count of 1, and for WM_SYSCHAR the Alt key down, as typing gives them.
+    PostMessageA(GetDlgItem(d, id), message, vk, message == WM_SYSCHAR ? (1 | 1 << 29) : 1);
   };
   int result = -1;
   const auto entered = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
@@ -358,11 +360,13 @@ TEST_F(KeyEditorTest, Keyboard) {
       at = GetNextDlgTabItem(d, at, FALSE);
       if (at == first) break;
     }
+    key(d, IDC_KEYEDIT_LIST, WM_CHAR, 'c');
+    found = WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_NAME)) == "City"; });
     key(d, IDC_KEYEDIT_LIST, WM_SYSCHAR, 'n');
     nameFocused = WaitFor([&] { return FocusOf(d) == GetDlgItem(d, IDC_KEYEDIT_NAME); });
     SetControlText(d, IDC_KEYEDIT_NAME, "Town");
     key(d, IDC_KEYEDIT_NAME, WM_SYSCHAR, 'c');
-    created = WaitFor([] { return Keys().count == 2; });
+    created = WaitFor([] { return Keys().count == 3; });
     key(d, IDC_KEYEDIT_DESCRIPTION, WM_KEYDOWN, VK_RETURN);
     newLine = WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_DESCRIPTION)) == "\r\n"; });
     key(d, IDC_KEYEDIT_NAME, WM_KEYDOWN, VK_RETURN);
@@ -371,12 +375,14 @@ TEST_F(KeyEditorTest, Keyboard) {
   EXPECT_EQ(tabOrder, (std::vector<int>{IDC_KEYEDIT_LIST, IDC_KEYEDIT_NAME, IDC_KEYEDIT_SEARCH, IDC_KEYEDIT_SELECTION,
                                         IDC_KEYEDIT_DESCRIPTION, IDC_KEYEDIT_CREATE, IDC_KEYEDIT_SAVE,
                                         IDC_KEYEDIT_DELETE, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
+  EXPECT_TRUE(found);
   EXPECT_TRUE(nameFocused);
   EXPECT_TRUE(created);
   EXPECT_TRUE(newLine);
   EXPECT_EQ(result, 1);
   // OK stored the edits once more into the key Create key had made and selected.
-  EXPECT_EQ(TableTexts(Keys()), (std::vector<KeyTexts>{{"Zip", "", "", ""}, {"Town", "", "", "\r\n"}}));
+  EXPECT_EQ(TableTexts(Keys()),
+            (std::vector<KeyTexts>{{"Zip", "", "", ""}, {"City", "", "", ""}, {"Town", "", "", "\r\n"}}));
 
   const auto escaped = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
     SetControlText(d, IDC_KEYEDIT_NAME, "Changed");
