@@ -138,13 +138,17 @@ void RenameKey(HWND list, int key, const std::string& name) {
   KeyTable& keys = Keys();
   const std::string old = KeyFieldText(keys, key, kName);
   if (CompareNoCase(name, old) == 0) return;
-  const std::vector<int> mainRows = MainRowsNamed(old);
+  // Rows showing the old Name take the new one; with no old Name only the key's own
+  // row, as every nameless key's row would match.
+  const std::vector<int> mainRows = old.empty() ? std::vector<int>{key} : MainRowsNamed(old);
   const bool newKey = g_run.newKeyName != kNoBlock && KeyFieldBlock(keys, key, kName) == g_run.newKeyName;
   SetKeyField(keys, key, kName, name);
   if (newKey) g_run.newKeyName = KeyFieldBlock(keys, key, kName);
   const int row = RowOfKey(key);
   if (row >= 0) ListView_RedrawItems(list, row, row);
-  for (int mainRow : mainRows) SetRowText(App().keysView, mainRow, name);
+  if (HWND view = App().keysView) {
+    for (int mainRow : mainRows) SetRowText(view, mainRow, name);
+  }
 }
 
 // The new key's index, or kNoKey when there was no room or no memory.
@@ -389,11 +393,6 @@ LRESULT OnListFindItemW(const NMHDR& header) {
   return FindRowByTyping(BufferText(typed), find.iStart);
 }
 
-struct NotifyRow {
-  int control;
-  UINT code;
-  LRESULT (*handler)(const NMHDR& header);
-};
 const NotifyRow kKeyEditorNotifications[] = {
     {IDC_KEYEDIT_LIST,  NM_CLICK,          OnListClick},
     {IDC_KEYEDIT_LIST,  LVN_ITEMCHANGED,   OnListItemChanged},
@@ -401,17 +400,10 @@ const NotifyRow kKeyEditorNotifications[] = {
     {IDC_KEYEDIT_LIST,  LVN_ODFINDITEMA,   OnListFindItemA},
     {IDC_KEYEDIT_LIST,  LVN_ODFINDITEMW,   OnListFindItemW},
 };
+const NotifyMap kKeyEditorNotifyMap = MakeNotifyMap(kKeyEditorNotifications);
 
-// A dialog gives a notification's result through DWLP_MSGRESULT.
 LRESULT OnKeyEditorNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
-  const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
-  for (const NotifyRow& row : kKeyEditorNotifications) {
-    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code) {
-      SetWindowLongPtrA(dialog, DWLP_MSGRESULT, row.handler(header));
-      return TRUE;
-    }
-  }
-  return 0;
+  return LookupDialogNotify(kKeyEditorNotifyMap, dialog, lParam);
 }
 
 const MessageRow kKeyEditorMessages[] = {

@@ -207,22 +207,14 @@ LRESULT PreviewRow(const NMHDR& header, WORD source) {
 LRESULT OnCurrentListDoubleClick(const NMHDR& header) { return PreviewRow(header, kPreviewTable); }
 LRESULT OnLoadedListDoubleClick(const NMHDR& header) { return PreviewRow(header, kPreviewLoaded); }
 
-struct NotifyRow {
-  int control;
-  UINT code;
-  LRESULT (*handler)(const NMHDR& header);
-};
 const NotifyRow kMergeNotifications[] = {
     {IDC_MERGE_CURRENT_LIST,  NM_DBLCLK,  OnCurrentListDoubleClick},
     {IDC_MERGE_LOADED_LIST,   NM_DBLCLK,  OnLoadedListDoubleClick},
 };
+const NotifyMap kMergeNotifyMap = MakeNotifyMap(kMergeNotifications);
 
-LRESULT OnMergeNotify(HWND, UINT, WPARAM, LPARAM lParam) {
-  const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
-  for (const NotifyRow& row : kMergeNotifications) {
-    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code) return row.handler(header);
-  }
-  return 0;
+LRESULT OnMergeNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
+  return LookupDialogNotify(kMergeNotifyMap, dialog, lParam);
 }
 
 const MessageRow kMergeMessages[] = {

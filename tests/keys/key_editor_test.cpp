@@ -14,6 +14,7 @@
 #include "keys/merge_dialog.h"
 #include "resources/resource.h"
 #include "tests/keys/key_test_util.h"
+#include "tests/keys/list_rows_util.h"
 #include "tests/support/gui_helper.h"
 #include "tests/support/main_window.h"
 
@@ -28,20 +29,6 @@ void SortingRefill() {
 }
 
 using Texts = std::vector<std::string>;
-
-Texts ListTexts(HWND list) {
-  Texts rows;
-  const int count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
-  for (int row = 0; row < count; ++row) {
-    char text[300] = {};
-    LVITEMA item{};
-    item.pszText = text;
-    item.cchTextMax = sizeof(text);
-    SendMessageA(list, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
-    rows.push_back(text);
-  }
-  return rows;
-}
 
 void SelectListRow(HWND list, int row) {
   LVITEMA item{};
