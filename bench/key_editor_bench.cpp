@@ -16,6 +16,7 @@
 
 #include "base/app_state.h"
 #include "keys/key_editor.h"
+#include "keys/key_rows.h"
 #include "keys/key_table.h"
 
 namespace {
@@ -64,17 +65,8 @@ void FillKeys(int count) {
 HWND MakeKeysView(int rows) {
   HWND view = CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT | LVS_SINGLESEL, 0, 0, 200, 400,
                               nullptr, nullptr, nullptr, nullptr);
-  LVCOLUMNA column{};
-  column.mask = LVCF_WIDTH;
-  column.cx = 180;
-  SendMessageA(view, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
-  for (int i = 0; i < rows; ++i) {
-    LVITEMA item{};
-    item.mask = LVIF_TEXT;
-    item.iItem = i;
-    item.pszText = LPSTR_TEXTCALLBACKA;
-    SendMessageA(view, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-  }
+  qb::AddFullWidthColumn(view);
+  for (int i = 0; i < rows; ++i) qb::AddKeyRow(view, i, qb::KeyFieldText(qb::Keys(), i, qb::kName));
   ListView_SetItemState(view, rows / 2, LVIS_SELECTED, LVIS_SELECTED);
   return view;
 }

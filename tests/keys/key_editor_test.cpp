@@ -11,6 +11,7 @@
 
 #include "base/app_state.h"
 #include "keys/editor_buffers.h"
+#include "keys/key_rows.h"
 #include "keys/merge_dialog.h"
 #include "resources/resource.h"
 #include "tests/keys/key_test_util.h"
@@ -29,17 +30,6 @@ void SortingRefill() {
 }
 
 using Texts = std::vector<std::string>;
-
-void SelectListRow(HWND list, int row) {
-  LVITEMA item{};
-  item.stateMask = LVIS_SELECTED;
-  item.state = LVIS_SELECTED;
-  SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
-}
-
-int SelectedListRow(HWND list) {
-  return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-}
 
 KeyTexts Edits(HWND d) {
   KeyTexts texts;
@@ -94,19 +84,9 @@ class KeyEditorTest : public ::testing::Test {
     if (App().keysView) DestroyWindow(App().keysView);
     HWND view = CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT | LVS_SINGLESEL, 0, 0, 200, 300,
                                 nullptr, nullptr, nullptr, nullptr);
-    LVCOLUMNA column{};
-    column.mask = LVCF_WIDTH;
-    column.cx = 180;
-    SendMessageA(view, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-      std::string name = keys[i][kName];
-      LVITEMA item{};
-      item.mask = LVIF_TEXT;
-      item.iItem = static_cast<int>(i);
-      item.pszText = name.data();
-      SendMessageA(view, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-    }
-    if (selected >= 0) SelectListRow(view, selected);
+    AddFullWidthColumn(view);
+    for (std::size_t i = 0; i < keys.size(); ++i) AddKeyRow(view, static_cast<int>(i), keys[i][kName]);
+    if (selected >= 0) SelectRow(view, selected, true);
     App().keysView = view;
   }
 
@@ -156,7 +136,7 @@ TEST_F(KeyEditorTest, EachModeOpensWithItsKeyAndControls) {
     const ModalStep look = Custom([&](HWND d, const WindowSnapshot&) {
       edits = Edits(d);
       listRows = ListTexts(GetDlgItem(d, IDC_KEYEDIT_LIST));
-      listRow = SelectedListRow(GetDlgItem(d, IDC_KEYEDIT_LIST));
+      listRow = SelectedRow(GetDlgItem(d, IDC_KEYEDIT_LIST));
       ClickButton(d, IDCANCEL);
     });
     const auto opened = row.mode == kEditorAddPrepared
@@ -309,11 +289,11 @@ TEST_F(KeyEditorTest, DeleteKeyKeepsTheChangedFlagAndRowsFollowTheirKeys) {
   Texts listRows;
   const auto run = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
     HWND list = GetDlgItem(d, IDC_KEYEDIT_LIST);
-    SelectListRow(list, 1);
+    SelectRow(list, 1, true);
     loadedB = Edits(d);
     PressNow(d, IDC_KEYEDIT_DELETE);
     listRows = ListTexts(list);
-    SelectListRow(list, 1);
+    SelectRow(list, 1, true);
     loadedC = Edits(d);
     ClickButton(d, IDCANCEL);
   })});
