@@ -3,6 +3,7 @@
 #include "acquire/browser.h"
 #include "app/frame.h"
 #include "bars/status_bar.h"
+#include "keys/key_editor.h"
 #include "keys/merge_dialog.h"
 #include "links/link_commands.h"
 #include "links/links_view.h"
@@ -40,6 +41,7 @@ const CommandRow kMainCommands[] = {
     {IDM_LINK_WINDOW,        OnViewToggleCommand},
     {IDM_KEY_WINDOW,         OnViewToggleCommand},
     {IDM_STATUS_BAR,         OnStatusBarCommand},
+    {IDM_ADD_KEY,            OnAddKeyCommand},
     {IDM_ADD_COMPARE,        OnAddCompareCommand},
     {IDM_LINK_INFO,          OnLinkInfoCommand},
     {IDM_NEW_FOLDER,         OnNewFolderCommand},
@@ -49,6 +51,7 @@ const CommandRow kMainCommands[] = {
     {IDM_RENAME_LINK,        OnRenameLinkCommand},
     {IDM_DELETE_LINK,        OnDeleteLinkCommand},
     {IDM_SCAN_HTML,          OnToolsCommand},
+    {IDM_MODIFY_KEY,         OnModifyKeyCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},

@@ -7,6 +7,18 @@ LRESULT EndDialogCancelled(HWND dialog, WORD, WORD, LPARAM) {
   return 1;
 }
 
+LRESULT LookupDialogNotify(const NotifyMap& map, HWND dialog, LPARAM lParam) {
+  const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
+  for (std::int32_t i = 0; i < map.count; ++i) {
+    const NotifyRow& row = map.rows[i];
+    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code && row.handler) {
+      SetWindowLongPtrA(dialog, DWLP_MSGRESULT, row.handler(header));
+      return TRUE;
+    }
+  }
+  return 0;
+}
+
 LRESULT DefaultProcedure(std::uint32_t selector, HWND window, UINT message, WPARAM wParam,
                          LPARAM lParam) {
   switch (selector) {

@@ -51,6 +51,27 @@ constexpr CommandMap MakeCommandMap(const CommandRow (&rows)[N], std::uint32_t s
   return CommandMap{static_cast<std::int32_t>(N), rows, selector};
 }
 
+// A dialog's WM_NOTIFY: rows keyed by the sending control and the notification code.
+struct NotifyRow {
+  int control;
+  UINT code;
+  LRESULT (*handler)(const NMHDR& header);
+};
+
+struct NotifyMap {
+  std::int32_t count;
+  const NotifyRow* rows;
+};
+
+template <std::size_t N>
+constexpr NotifyMap MakeNotifyMap(const NotifyRow (&rows)[N]) {
+  return NotifyMap{static_cast<std::int32_t>(N), rows};
+}
+
+// Runs the first row that matches the notification in `lParam` and hands its
+// result to the dialog's caller through DWLP_MSGRESULT; 0 when no row matches.
+LRESULT LookupDialogNotify(const NotifyMap& map, HWND dialog, LPARAM lParam);
+
 // The Cancel row modal dialogs share: ends the dialog with 0, nothing changed.
 LRESULT EndDialogCancelled(HWND dialog, WORD id, WORD code, LPARAM control);
 

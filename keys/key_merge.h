@@ -34,7 +34,6 @@ constexpr std::size_t kMergeNameMax = 512;
 
 constexpr char kSafetyCopyName[] = "qbdkdTemp.tmp";
 constexpr char kCantOpenDatabaseText[] = "Can't open Quellbarrow database file";
-constexpr char kNoRoomText[] = "Ther is no room for a new key.\nEach database can hold maximum 1000 keys";
 
 // What happens to a loaded key whose Name the table already holds; the values are
 // those of the radio buttons' order.

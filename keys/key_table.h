@@ -24,6 +24,9 @@ constexpr int kNoKey = kMaxKeys;
 // The longest field text the database file carries; the key editor reads at most
 // this many characters into a field.
 constexpr std::size_t kMaxFieldLength = 29999;
+// What a user who adds a key to a full table is told. It names half the real
+// capacity; users know the program by this text, so it stays as it is.
+constexpr char kNoRoomText[] = "Ther is no room for a new key.\nEach database can hold maximum 1000 keys";
 
 enum KeyField : int { kName = 0, kSearchNames = 1, kSelection = 2, kDescription = 3 };
 constexpr int kKeyFieldCount = 4;

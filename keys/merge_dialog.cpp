@@ -13,6 +13,7 @@
 #include "base/help.h"
 #include "base/user_message.h"
 #include "keys/key_file.h"
+#include "keys/key_rows.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -39,55 +40,10 @@ std::unique_ptr<OpenMerge> g_open;
 
 HWND List(HWND dialog, int id) { return GetDlgItem(dialog, id); }
 
-// One full-width column; rows are the keys that have a Name, each row's data its
-// key index.
-void PrepareList(HWND list) {
-  ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT);
-  RECT client;
-  GetClientRect(list, &client);
-  LVCOLUMNA column{};
-  column.mask = LVCF_WIDTH;
-  column.cx = client.right - GetSystemMetrics(SM_CXVSCROLL);
-  SendMessageA(list, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
-}
-
-int AddRow(HWND list, int index, std::string_view name) {
-  std::string text(name);
-  LVITEMA item{};
-  item.mask = LVIF_TEXT | LVIF_PARAM;
-  item.iItem = ListView_GetItemCount(list);
-  item.pszText = text.data();
-  item.lParam = index;
-  return static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
-}
-
-void FillList(HWND list, const KeyTable& table) {
-  SendMessageA(list, WM_SETREDRAW, FALSE, 0);
-  ListView_DeleteAllItems(list);
-  const int count = KeysInUse(table);
-  for (int i = 0; i < count; ++i) {
-    TextLock name(table.fields[kName][i]);
-    if (!name.text().empty()) AddRow(list, i, name.text());
-  }
-  SendMessageA(list, WM_SETREDRAW, TRUE, 0);
-}
-
-int RowKey(HWND list, int row) {
-  LVITEMA item{};
-  item.mask = LVIF_PARAM;
-  item.iItem = row;
-  if (!SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item))) return -1;
-  return static_cast<int>(item.lParam);
-}
-
-void SelectRow(HWND list, int row, bool selected) {
-  ListView_SetItemState(list, row, selected ? LVIS_SELECTED : 0, LVIS_SELECTED);
-}
-
 // The loaded list, and the file's name above it when it has rows.
 void ShowLoaded(HWND dialog) {
   HWND list = List(dialog, IDC_MERGE_LOADED_LIST);
-  FillList(list, *g_open->loaded);
+  FillKeyRows(list, *g_open->loaded);
   const bool rows = ListView_GetItemCount(list) > 0;
   SetDlgItemTextA(dialog, IDC_MERGE_FILE_NAME, rows ? MergeMemory().loadedPath.c_str() : "");
 }
@@ -128,9 +84,9 @@ LRESULT OnMergeInit(HWND dialog, UINT, WPARAM, LPARAM) {
     EndDialog(dialog, 0);
     return 1;
   }
-  PrepareList(List(dialog, IDC_MERGE_CURRENT_LIST));
-  PrepareList(List(dialog, IDC_MERGE_LOADED_LIST));
-  FillList(List(dialog, IDC_MERGE_CURRENT_LIST), Keys());
+  AddFullWidthColumn(List(dialog, IDC_MERGE_CURRENT_LIST));
+  AddFullWidthColumn(List(dialog, IDC_MERGE_LOADED_LIST));
+  FillKeyRows(List(dialog, IDC_MERGE_CURRENT_LIST), Keys());
   const std::string& path = MergeMemory().loadedPath;
   if (!path.empty()) {
     LoadDatabase(path, *g_open->loaded);
@@ -190,7 +146,7 @@ LRESULT OnAddCompare(HWND dialog, WORD, WORD, LPARAM) {
   }
   HWND current = List(dialog, IDC_MERGE_CURRENT_LIST);
   const auto showNewKey = [current](int index, std::string_view name) {
-    const int row = AddRow(current, index, name);
+    const int row = AddKeyRow(current, index, name);
     if (row < 0) return false;
     SelectRow(current, row, true);
     ListView_EnsureVisible(current, row, FALSE);
@@ -205,13 +161,13 @@ LRESULT OnAddCompare(HWND dialog, WORD, WORD, LPARAM) {
 
 LRESULT OnUndoChanges(HWND dialog, WORD, WORD, LPARAM) {
   g_open->session.Restore();
-  FillList(List(dialog, IDC_MERGE_CURRENT_LIST), Keys());
+  FillKeyRows(List(dialog, IDC_MERGE_CURRENT_LIST), Keys());
   return 1;
 }
 
 LRESULT OnMergeOk(HWND dialog, WORD, WORD, LPARAM) {
   CloseMerge(dialog, 1);
-  if (g_refill) g_refill();
+  RefillKeyList();
   return 1;
 }
 
@@ -251,22 +207,14 @@ LRESULT PreviewRow(const NMHDR& header, WORD source) {
 LRESULT OnCurrentListDoubleClick(const NMHDR& header) { return PreviewRow(header, kPreviewTable); }
 LRESULT OnLoadedListDoubleClick(const NMHDR& header) { return PreviewRow(header, kPreviewLoaded); }
 
-struct NotifyRow {
-  int control;
-  UINT code;
-  LRESULT (*handler)(const NMHDR& header);
-};
 const NotifyRow kMergeNotifications[] = {
     {IDC_MERGE_CURRENT_LIST,  NM_DBLCLK,  OnCurrentListDoubleClick},
     {IDC_MERGE_LOADED_LIST,   NM_DBLCLK,  OnLoadedListDoubleClick},
 };
+const NotifyMap kMergeNotifyMap = MakeNotifyMap(kMergeNotifications);
 
-LRESULT OnMergeNotify(HWND, UINT, WPARAM, LPARAM lParam) {
-  const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
-  for (const NotifyRow& row : kMergeNotifications) {
-    if (row.control == static_cast<int>(header.idFrom) && row.code == header.code) return row.handler(header);
-  }
-  return 0;
+LRESULT OnMergeNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
+  return LookupDialogNotify(kMergeNotifyMap, dialog, lParam);
 }
 
 const MessageRow kMergeMessages[] = {
@@ -322,6 +270,10 @@ INT_PTR CALLBACK KeyValuesDialogProc(HWND dialog, UINT message, WPARAM wParam, L
 }  // namespace
 
 void SetKeyListRefill(KeyListRefill refill) { g_refill = refill; }
+
+void RefillKeyList() {
+  if (g_refill) g_refill();
+}
 
 MergeDialogMemory& MergeMemory() {
   static MergeDialogMemory memory;

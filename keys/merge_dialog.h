@@ -23,8 +23,10 @@ constexpr WORD kPreviewLoaded = 1;
 
 // OK leaves the table changed, so the main window's key list must be filled
 // again; the frame names the function that does it at start-up (none: nothing).
+// The key editor's OK refills through the same function.
 using KeyListRefill = void (*)();
 void SetKeyListRefill(KeyListRefill refill);
+void RefillKeyList();
 
 // What the dialog remembers for the rest of the process: the field choices, the
 // duplicate mode and the file last loaded (loaded again at the next opening).

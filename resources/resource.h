@@ -110,6 +110,16 @@
 // The program's version, shown in the about box
 #define QB_VERSION               "1.0"
 
+// IDD_DEFAULT_KEYS: the key editor
+#define IDC_KEYEDIT_NAME           120
+#define IDC_KEYEDIT_SEARCH         121
+#define IDC_KEYEDIT_SELECTION      122
+#define IDC_KEYEDIT_DESCRIPTION    123
+#define IDC_KEYEDIT_CREATE         124
+#define IDC_KEYEDIT_SAVE           127
+#define IDC_KEYEDIT_DELETE         128
+#define IDC_KEYEDIT_LIST           129
+
 // IDD_DOWNLOADING
 #define IDC_DOWNLOAD_STATUS      400
 #define IDC_DOWNLOAD_GROUP       401

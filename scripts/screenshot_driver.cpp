@@ -17,6 +17,8 @@
 //   screenshot_driver helpquit              closes the help viewer
 //   screenshot_driver press CAPTION ID      sends button ID's click to the window so titled
 //   screenshot_driver address TEXT          waits for a window whose address bar holds TEXT, prints its rectangle
+//   screenshot_driver setlines TITLE ID TEXT sets the text of control ID, '|' standing for a line break
+//   screenshot_driver pickrow ID ROW        selects row ROW of the main window's list view ID by keys
 #include <windows.h>
 
 #include <cstdio>
@@ -180,6 +182,15 @@ int main(int argc, char** argv) {
       Mouse(c, m, m == WM_LBUTTONUP ? 0 : MK_LBUTTON, p);
     return 0;
   }
+  if (!std::strcmp(what, "setlines") && argc == 5) {
+    HWND d = FindDialog(argv[2]);
+    if (!d) return 1;
+    std::string text;
+    for (const char* c = argv[4]; *c; ++c) text += *c == '|' ? std::string("\r\n") : std::string(1, *c);
+    SetDlgItemTextA(d, std::atoi(argv[3]), text.c_str());
+    Sleep(200);
+    return 0;
+  }
   if (argc >= 4 && (!std::strcmp(what, "click") || !std::strcmp(what, "settext"))) {
     HWND d = FindDialog(argv[2]);
     if (!d) return 1;
@@ -252,6 +263,14 @@ int main(int argc, char** argv) {
     PostMessageA(child, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(inside.x, inside.y));
     PostMessageA(child, WM_RBUTTONUP, 0, MAKELPARAM(inside.x, inside.y));
     Sleep(900);  // the menu opens and paints
+    return 0;
+  }
+  if (!std::strcmp(what, "pickrow") && argc == 4) {
+    HWND list = GetDlgItem(main, std::atoi(argv[2]));
+    if (!list) return 1;
+    PostMessageA(list, WM_KEYDOWN, VK_HOME, 0);
+    for (int i = std::atoi(argv[3]); i > 0; --i) PostMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
+    Sleep(300);
     return 0;
   }
   if (!std::strcmp(what, "close")) {

@@ -4,12 +4,12 @@
 # arrangement, the options dialog, the Add / Compare dialog with a second
 # database loaded and all its keys selected and added, its preview of a loaded
 # key, the Links view at the DataHtml root, one folder down and with its pop-up
-# menu, the help viewer at the contents and at the key editor's topic, and the
+# menu, the key editor changing a key, the help viewer at the contents and at the key editor's topic, and the
 # about box. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
 # Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
 # add-compare,preview,links-root,links-folder,links-menu,help-contents,
-# help-key-editor,about}.png
+# help-key-editor,about,key-editor}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -161,4 +161,30 @@ run "$driver" wait Quellbarrow >/dev/null
 run "$driver" command 50902
 geometry=$(run "$driver" wait '#32770')
 shot about "$geometry"
+finish
+
+# The key editor in modify mode: keys added through the editor itself, then the
+# second key of the Keys view chosen and opened with 50202.
+prepare 0 0 0
+start
+run "$driver" wait Quellbarrow >/dev/null
+editor="Quellbarrow - Keys"
+add_key() {  # name search-names selection description ('|' breaks lines)
+  run "$driver" command 50200
+  run "$driver" dialog "$editor" >/dev/null
+  run "$driver" settext "$editor" 120 "$1"
+  run "$driver" setlines "$editor" 121 "$2"
+  run "$driver" setlines "$editor" 122 "$3"
+  run "$driver" setlines "$editor" 123 "$4"
+  run "$driver" click "$editor" 1
+}
+add_key "First name" "firstname, vorname, given_name" "" "Anna"
+add_key "Country" "country, land" "Germany|France|Netherlands" "Germany"
+add_key "Street" "street, address1, strasse" "" "Lindenallee 14"
+add_key "E-mail" "email, e-mail, mail" "" "anna.schmidt@example.org"
+run "$driver" pickrow 2901 1
+run "$driver" command 50202
+geometry=$(run "$driver" dialog "$editor")
+shot key-editor "$geometry"
+run "$driver" click "$editor" 2
 finish

@@ -498,6 +498,20 @@ def bar_art():
 DRAWINGS['bars'] = bar_art
 
 
+# ---- key editor ----
+def key_art():
+    """KEY_OFF: the shared key on 16 x 12, white standing for transparent."""
+    key = picture(KEY)
+    c = Canvas(16, 12)
+    for y in range(12):
+        c.px[y] = list(key.px[y + 4])
+    assert all(p[:3] != WHITE for row in c.px for p in row if p[3]), 'white is the mask colour'
+    write_bmp('key_off.bmp', c, background=WHITE)
+
+
+DRAWINGS['keys'] = key_art
+
+
 def main():
     write_ico('appicon.ico', [app_icon(32), app_icon(16)])
     for name, fn in DRAWINGS.items():

@@ -11,6 +11,7 @@
 #include "keys/key_file.h"
 #include "resources/resource.h"
 #include "tests/keys/key_test_util.h"
+#include "tests/keys/list_rows_util.h"
 #include "tests/support/gui_helper.h"
 #include "tests/support/main_window.h"
 #include "tests/support/temp_dir.h"
@@ -21,22 +22,7 @@ namespace {
 int g_refills = 0;
 void CountRefill() { ++g_refills; }
 
-// What the steps see of the dialog, read on the watcher thread through messages
-// the dialog's thread answers.
-std::vector<std::string> Rows(HWND dialog, int listId) {
-  HWND list = GetDlgItem(dialog, listId);
-  std::vector<std::string> rows;
-  const int count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
-  for (int row = 0; row < count; ++row) {
-    char text[600] = {};
-    LVITEMA item{};
-    item.pszText = text;
-    item.cchTextMax = sizeof(text);
-    SendMessageA(list, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
-    rows.push_back(text);
-  }
-  return rows;
-}
+std::vector<std::string> Rows(HWND dialog, int listId) { return ListTexts(GetDlgItem(dialog, listId)); }
 
 std::vector<int> SelectedRows(HWND dialog, int listId) {
   HWND list = GetDlgItem(dialog, listId);
