@@ -3,8 +3,10 @@
 #include <commdlg.h>
 #include <shellapi.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <string_view>
 
 #include "acquire/acquire_state.h"
 #include "acquire/browser_name.h"
@@ -145,15 +147,16 @@ LRESULT OnBrowserKindClicked(HWND dialog, WORD id, WORD, LPARAM) {
   return 0;
 }
 
-void StoreText(std::array<char, kBrowserTextSize>& field, const char* text) {
+// Keeps at most size - 1 characters and always ends the text.
+void StoreText(std::array<char, kBrowserTextSize>& field, std::string_view text) {
   field.fill('\0');
-  std::strncpy(field.data(), text, field.size() - 1);
+  text.copy(field.data(), std::min(text.size(), field.size() - 1));
 }
 
 // The path is taken at once; the box below shows it when the dialog opens again.
 LRESULT OnBrowseForProgram(HWND dialog, WORD, WORD, LPARAM) {
   std::array<char, MAX_PATH> file{};
-  std::strcpy(file.data(), "*.exe");
+  std::string_view("*.exe").copy(file.data(), file.size() - 1);
   // A description with no pattern of its own, as the program has always offered it.
   static const char kFilter[] = "Executable files(*.exe)\0\0";
   OPENFILENAMEA ofn{};

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 #include "app/settings_file.h"
 #include "scan/scan_options.h"
@@ -18,7 +19,7 @@ bool Store(std::array<char, qb::kBrowserTextSize>& field, const char* text, cons
     std::fprintf(stderr, "initsettings: %s longer than %zu characters\n", what, field.size() - 1);
     return false;
   }
-  std::strncpy(field.data(), text, field.size() - 1);
+  std::string_view(text).copy(field.data(), field.size() - 1);
   return true;
 }
 
@@ -45,7 +46,7 @@ int main(int argc, char** argv) {
                    qb::kSlotNameSize - 1);
       return 1;
     }
-    std::strncpy(s.slotNames[0].data(), argv[2], qb::kSlotNameSize - 1);
+    std::string_view(argv[2]).copy(s.slotNames[0].data(), qb::kSlotNameSize - 1);
   }
   if (!qb::WriteSettingsFile(argv[1], s)) {
     std::fprintf(stderr, "initsettings: cannot write %s\n", argv[1]);
