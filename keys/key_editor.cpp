@@ -19,12 +19,6 @@
 namespace qb {
 namespace {
 
-constexpr char kKeyBitmapName[] = "KEY_OFF";
-constexpr int kKeyImageWidth = 16;
-constexpr int kKeyImageHeight = 12;
-constexpr int kKeyImageGrowth = 4;
-constexpr COLORREF kKeyMaskColour = RGB(255, 255, 255);
-constexpr int kKeyImage = 0;
 // The main key list's one image, the key icon.
 constexpr int kMainListKeyImage = 0;
 
@@ -197,16 +191,7 @@ bool StoreKey(HWND dialog, int index) {
 
 void FillEditorList(HWND list) {
   ListView_DeleteAllItems(list);
-  HIMAGELIST images =
-      ImageList_Create(kKeyImageWidth, kKeyImageHeight, ILC_COLOR24 | ILC_MASK, 1, kKeyImageGrowth);
-  if (!images) {
-    TellUser(kNoImageListText, nullptr, MessageIcon::kError);
-    return;
-  }
-  HBITMAP picture = LoadBitmapA(App().instance, kKeyBitmapName);
-  ImageList_AddMasked(images, picture, kKeyMaskColour);
-  DeleteObject(picture);
-  ListView_SetImageList(list, images, LVSIL_SMALL);  // the list destroys it with itself
+  if (!AttachKeyPictures(list)) return;
   // A row for each key whose Name can be read.
   const KeyTable& keys = Keys();
   const int count = KeysInUse(keys);
@@ -355,7 +340,7 @@ LRESULT OnListItemChanged(const NMHDR& header) {
 // The virtual list's rows: the Name as text (as much as the control takes) and the key.
 LRESULT OnListDisplayInfo(const NMHDR& header) {
   LVITEMA& item = const_cast<NMLVDISPINFOA&>(reinterpret_cast<const NMLVDISPINFOA&>(header)).item;
-  if (item.mask & LVIF_IMAGE) item.iImage = kKeyImage;
+  if (item.mask & LVIF_IMAGE) item.iImage = kKeyPicture;
   if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0) {
     const TextLock name = LockKeyField(Keys(), KeyOfRow(item.iItem), kName);
     const std::size_t n = std::min(name.text().size(), static_cast<std::size_t>(item.cchTextMax - 1));

@@ -21,7 +21,6 @@ enum KeyEditorMode : int {
 
 constexpr char kEmptyNameText[] =
     "You must select at least Name for a new key\nor an key which you want to modify";
-constexpr char kNoImageListText[] = "Can't create image list";
 
 // Modal, owned by `owner`: 1 after OK, 0 after Cancel.
 int OpenKeyEditor(HWND owner, int mode, const std::string& name = "", const std::string& description = "");

@@ -4,7 +4,33 @@
 
 #include <string>
 
+#include "base/app_state.h"
+#include "base/user_message.h"
+
 namespace qb {
+namespace {
+
+constexpr char kKeyBitmapName[] = "KEY_OFF";
+constexpr int kKeyImageWidth = 16;
+constexpr int kKeyImageHeight = 12;
+constexpr int kKeyImageGrowth = 4;
+constexpr COLORREF kKeyMaskColour = RGB(255, 255, 255);
+
+}  // namespace
+
+bool AttachKeyPictures(HWND list) {
+  HIMAGELIST images =
+      ImageList_Create(kKeyImageWidth, kKeyImageHeight, ILC_COLOR24 | ILC_MASK, 1, kKeyImageGrowth);
+  if (!images) {
+    TellUser(kNoImageListText, nullptr, MessageIcon::kError);
+    return false;
+  }
+  HBITMAP picture = LoadBitmapA(App().instance, kKeyBitmapName);
+  ImageList_AddMasked(images, picture, kKeyMaskColour);
+  DeleteObject(picture);
+  ListView_SetImageList(list, images, LVSIL_SMALL);  // the list destroys it with itself
+  return true;
+}
 
 void AddFullWidthColumn(HWND list) {
   ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT);
@@ -19,8 +45,9 @@ void AddFullWidthColumn(HWND list) {
 int AddKeyRow(HWND list, int index, std::string_view name) {
   std::string text(name);
   LVITEMA item{};
-  item.mask = LVIF_TEXT | LVIF_PARAM;
+  item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_IMAGE;
   item.iItem = ListView_GetItemCount(list);
+  item.iImage = kKeyPicture;
   item.pszText = text.data();
   item.lParam = index;
   return static_cast<int>(SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));

@@ -10,6 +10,12 @@
 
 namespace qb {
 
+// The picture every key row shows: index 0 of the list's small images.
+constexpr int kKeyPicture = 0;
+constexpr char kNoImageListText[] = "Can't create image list";
+// Gives the list the key picture "KEY_OFF" as its small images; tells the user
+// "Can't create image list" and gives false when the list can't be made.
+bool AttachKeyPictures(HWND list);
 // A report list without a header: one column as wide as the list less a scroll bar.
 void AddFullWidthColumn(HWND list);
 // Appends a row; the new row's number, or -1.

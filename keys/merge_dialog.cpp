@@ -84,8 +84,10 @@ LRESULT OnMergeInit(HWND dialog, UINT, WPARAM, LPARAM) {
     EndDialog(dialog, 0);
     return 1;
   }
-  AddFullWidthColumn(List(dialog, IDC_MERGE_CURRENT_LIST));
-  AddFullWidthColumn(List(dialog, IDC_MERGE_LOADED_LIST));
+  for (int id : {IDC_MERGE_CURRENT_LIST, IDC_MERGE_LOADED_LIST}) {
+    AddFullWidthColumn(List(dialog, id));
+    AttachKeyPictures(List(dialog, id));
+  }
   FillKeyRows(List(dialog, IDC_MERGE_CURRENT_LIST), Keys());
   const std::string& path = MergeMemory().loadedPath;
   if (!path.empty()) {
