@@ -20,20 +20,11 @@ echo "== Windows tests under Wine"
 
 echo "== fuzz targets, ${fuzz_seconds} s each"
 fuzz_pass=0 fuzz_fail=0
+. "$root/scripts/fuzz-lib.sh"
 for name in $(tr ';' ' ' <"$build/native/fuzzers.txt"); do
-  exe=$(find "$build/native" -type f -name "$name" -perm -u+x | head -n 1)
-  corpus="$build/native/fuzz-corpus/$name"
-  mkdir -p "$corpus"
-  seeds=$(find "$root/tests" -type d -path "*/fuzz_seeds/$name" | head -n 1)
-  log="$build/native/fuzz-corpus/$name.log"
-  if "$exe" -max_total_time="$fuzz_seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-       -artifact_prefix="$build/native/fuzz-corpus/$name-" "$corpus" ${seeds:+"$seeds"} >"$log" 2>&1; then
-    runs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$')
-    echo "$name: ok, ${runs:-?} executions"
+  if fuzz_run "$root" "$build/native" "$name" "$fuzz_seconds"; then
     fuzz_pass=$((fuzz_pass + 1))
   else
-    echo "$name: FAILED (log: $log)"
-    tail -n 40 "$log"
     fuzz_fail=$((fuzz_fail + 1))
     failed=1
   fi

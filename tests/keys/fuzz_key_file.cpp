@@ -41,7 +41,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } else {
     CheckTable(g_table, 0);
   }
+  // A read with the wrong magic leaves its table as it was, so this one is cleared
+  // here; the copy is always read from a good image, which clears it first.
   qb::ClearAllKeys(g_table);
-  qb::ClearAllKeys(g_again);
   return 0;
 }
