@@ -2,11 +2,30 @@
 // program has always kept them; lookup takes the first match.
 #include "app/frame.h"
 #include "bars/status_bar.h"
+#include "keys/database_slots.h"
+#include "keys/key_list.h"
 #include "keys/merge_dialog.h"
 #include "resources/resource.h"
 
 namespace qb {
 namespace {
+
+// The list views' notifications, by the control that sends them.
+struct ViewNotifyRow {
+  UINT_PTR control;
+  LRESULT (*handler)(HWND main, const NMHDR& header);
+};
+const ViewNotifyRow kViewNotifications[] = {
+    {IDC_KEYS_VIEW, OnKeyListNotify},
+};
+
+LRESULT OnMainNotify(HWND window, UINT, WPARAM, LPARAM lParam) {
+  const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
+  for (const ViewNotifyRow& row : kViewNotifications) {
+    if (row.control == header.idFrom) return row.handler(window, header);
+  }
+  return 0;
+}
 
 const MessageRow kMainMessages[] = {
     {WM_CREATE,         OnMainCreate},
@@ -14,6 +33,7 @@ const MessageRow kMainMessages[] = {
     {WM_SIZE,           OnMainSize},
     {WM_INITMENU,       OnMainInitMenu},
     {WM_MENUSELECT,     OnMainMenuSelect},
+    {WM_NOTIFY,         OnMainNotify},
     {WM_TIMER,          OnMainTimer},
     {WM_LBUTTONDOWN,    OnMainRecapture},
     {WM_MOUSEMOVE,      OnMainMouseMove},
@@ -27,6 +47,10 @@ const MessageRow kMainMessages[] = {
 };
 
 const CommandRow kMainCommands[] = {
+    {IDM_NEW_DATABASE,       OnNewDatabaseCommand},
+    {IDM_OPEN_DATABASE,      OnDatabaseFileCommand},
+    {IDM_SAVE_DATABASE,      OnSaveDatabaseCommand},
+    {IDM_SAVEAS_DATABASE,    OnDatabaseFileCommand},
     {IDM_GLOBAL_OPTIONS,     OnOptionsDialogCommand},
     {IDM_EXIT,               OnFileCommand},
     {IDM_TOOL_BAR,           OnBarToggleCommand},
@@ -34,7 +58,20 @@ const CommandRow kMainCommands[] = {
     {IDM_LINK_WINDOW,        OnViewToggleCommand},
     {IDM_KEY_WINDOW,         OnViewToggleCommand},
     {IDM_STATUS_BAR,         OnStatusBarCommand},
+    {IDM_DATABASE_FIRST + 0, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 1, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 2, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 3, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 4, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 5, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 6, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 7, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 8, OnSelectDatabaseCommand},
     {IDM_ADD_COMPARE,        OnAddCompareCommand},
+    {IDM_COPY_KEY,           OnCopyKeyCommand},
+    {IDM_PASTE_KEY,          OnPasteKeyCommand},
+    {IDM_DELETE_KEY,         OnDeleteKeyCommand},
+    {IDM_DELETE_DATABASE,    OnDeleteDatabaseCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},

@@ -8,6 +8,9 @@
 #include "app/menu_state.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "keys/database_slots.h"
+#include "keys/key_list.h"
+#include "keys/merge_dialog.h"
 #include "base/app_state.h"
 #include "base/frame_gdi.h"
 #include "resources/resource.h"
@@ -78,7 +81,11 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   app.keysView = CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown);
   if (!app.keysView) return Quit(kListViewFailed);
 
-  PressDatabaseButton(1);  // slot 0 is current at start
+  ResetKeyList();
+  PrepareKeyList(app.keysView);
+  SetKeyListRefill(FillKeyList);
+  LoadFirstDatabase();
+  PressDatabaseButton(CurrentSlot() + 1);
   RefreshDatabaseCaptions();
 
   if (Settings().onTop == 1) OrderMainWindow(window, true);
@@ -87,6 +94,7 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
 }
 
 LRESULT OnMainClose(HWND window, UINT, WPARAM, LPARAM) {
+  if (!AskToSaveChanges()) return 1;  // Cancel: the window stays, the settings unwritten
   LoadOrSaveSettings(kSaveSettings);
   DestroyWindow(window);
   return 0;

@@ -42,6 +42,9 @@
 #define IDM_MOVE_LINK           50305
 #define IDM_LINKS_PAGE          50306
 
+// Enter in a list view, passed on to the Links view (sent by the program, no menu item)
+#define IDM_LINKS_ENTER         50390
+
 // &Tools
 #define IDM_SCAN_HTML           50500
 #define IDM_SCAN_FILE_HTML      50501
@@ -107,5 +110,16 @@
 #define IDC_DOWNLOAD_GROUP       401
 // Self-posted command that starts a transfer once the dialog is shown
 #define IDC_DOWNLOAD_START       735
+
+// IDD_MAKEDIR: the name typed in edit 100 under group box 101
+#define IDC_MAKEDIR_NAME           100
+#define IDC_MAKEDIR_GROUP          101
+
+// IDD_NAMEKEY: the loaded database's keys (200) and the new database's (201)
+#define IDC_NAMEKEY_LOADED         200
+#define IDC_NAMEKEY_NEW            201
+#define IDC_NAMEKEY_ADD            202
+#define IDC_NAMEKEY_REMOVE         203
+#define IDC_NAMEKEY_LOAD           205
 
 #endif

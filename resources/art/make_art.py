@@ -495,6 +495,37 @@ def bar_art():
 DRAWINGS['bars'] = bar_art
 
 
+# ---- the Keys view ----
+# The key every row of the key list shows: a gold key lying across, its bow at
+# the left with a hole, two bits at the end of its shaft.
+KEY_ROW = """
+................
+................
+................
+................
+..aaaa..........
+.aLLLAa.........
+aLAaaLAa........
+aLa..aAaaaaaaaa.
+aAa..aAAAAAAAAAa
+aAAaaAAaaaaAAaAa
+.aAAAAa....aAaAa
+..aaaa.....aaaaa
+................
+................
+................
+................
+"""
+
+
+def key_list_art():
+    c = picture(KEY_ROW)
+    write_ico('key_icon.ico', [c])
+
+
+DRAWINGS['keys'] = key_list_art
+
+
 def main():
     write_ico('appicon.ico', [app_icon(32), app_icon(16)])
     for name, fn in DRAWINGS.items():
