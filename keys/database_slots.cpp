@@ -72,6 +72,7 @@ void SwitchToSlot(int slot) {
 
 void LoadFirstDatabase() {
   g_currentSlot = 0;
+  SetDatabaseChanged(false);
   SlotName& name = CurrentSlotName();
   if (name[0] != '\0' && LoadDatabase(CurrentDatabasePath(), Keys(), &name).loaded()) FillKeyList();
 }

@@ -124,7 +124,9 @@ TEST_F(PasteKeyTest, AppendsThePositionPastTheKeysAndTakesTheFieldBuffer) {
   DeleteKey(*table, 2);
   SetCopiedKeyIndex(0);
   std::strcpy(KeyFieldBuffer().data(), "last read field");
+  const TextBlock replaced = table->fields[kDescription][0];  // Set description keeps it
   EXPECT_EQ(PasteKey(*table), 2);
+  FreeTextBlock(replaced);
   EXPECT_EQ(table->count, 3);
   EXPECT_TRUE(DatabaseChanged());
   EXPECT_STREQ(KeyNameBuffer().data(), "A");

@@ -13,6 +13,7 @@
 #include "base/user_message.h"
 #include "keys/database_slots.h"
 #include "keys/key_file.h"
+#include "keys/key_clipboard.h"
 #include "keys/key_list.h"
 #include "tests/keys/key_test_util.h"
 #include "tests/support/main_window_fixture.h"
