@@ -195,6 +195,9 @@ LRESULT CALLBACK ForwardCommands(HWND list, UINT message, WPARAM wParam, LPARAM 
 }
 constexpr UINT_PTR kForwardSubclassId = 1;
 
+// The rows hold nothing of their own: no word is needed of each one deleted.
+LRESULT OnDeleteAllItems(const NMHDR&) { return TRUE; }
+
 struct NotifyRow {
   UINT code;
   LRESULT (*handler)(const NMHDR& header);
@@ -209,6 +212,7 @@ const NotifyRow kKeyListNotifications[] = {
     {LVN_BEGINDRAG,      OnBeginDrag},
     {LVN_COLUMNCLICK,    OnColumnClick},
     {LVN_ITEMCHANGED,    OnItemChanged},
+    {LVN_DELETEALLITEMS, OnDeleteAllItems},
 };
 
 }  // namespace
@@ -269,6 +273,11 @@ void InsertKeyRow(int index) {
 
 int SelectedKey() { return g_list.selected; }
 int KeySortOrder() { return g_list.sortOrder; }
+
+void SetKeySortOrder(int order) {
+  g_list.sortOrder = order >= 0 && order < kSortOrderCount ? order : kSortUser;
+  if (List()) SetHeaderText(List());
+}
 void ResetKeyList() { g_list = KeyListState{}; }
 
 bool KeyDragInProgress() { return g_list.dragging; }

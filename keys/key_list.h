@@ -38,6 +38,7 @@ void InsertKeyRow(int index);
 // keyboard; kNoKey when none is.
 int SelectedKey();
 int KeySortOrder();
+void SetKeySortOrder(int order);
 // Back to the state of a new run (sort order "User", nothing selected or dragged).
 void ResetKeyList();
 

@@ -11,6 +11,7 @@
 //   screenshot_driver click TITLE ID        presses button ID of that dialog
 //   screenshot_driver settext TITLE ID TEXT sets the text of control ID of that dialog
 //   screenshot_driver dblclick TITLE ID X Y double-clicks client point (X, Y) of control ID of that dialog
+//   screenshot_driver rclick ID X Y         right-clicks client point (X, Y) of the main window's child ID
 #include <windows.h>
 
 #include <cstdio>
@@ -141,6 +142,15 @@ int main(int argc, char** argv) {
   if (!std::strcmp(what, "command") && argc == 3) {
     PostMessageA(main, WM_COMMAND, MAKEWPARAM(std::atoi(argv[2]), 0), 0);
     Sleep(500);
+    return 0;
+  }
+  if (!std::strcmp(what, "rclick") && argc == 5) {
+    HWND c = GetDlgItem(main, std::atoi(argv[2]));
+    if (!c) return 1;
+    const POINT p = ClientPoint(c, std::atoi(argv[3]), std::atoi(argv[4]));
+    Mouse(c, WM_RBUTTONDOWN, MK_RBUTTON, p);
+    Mouse(c, WM_RBUTTONUP, 0, p);
+    Sleep(700);  // the pop-up menu opens and paints
     return 0;
   }
   if (!std::strcmp(what, "close")) {
