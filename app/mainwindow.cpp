@@ -37,9 +37,9 @@ LRESULT Quit(const char* text) {
   return 0;
 }
 
-HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown) {
+HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown, DWORD without = 0) {
   return CreateWindowExA(WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
-                         kListViewStyle | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
+                         (kListViewStyle & ~without) | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
 }
 
@@ -78,7 +78,9 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   app.dataHtmlDir = app.programDir + kDataHtmlFolder;
   app.linksView = CreateListView(window, instance, IDC_LINKS_VIEW, Layout().linksShown);
   if (!app.linksView) return Quit(kListViewFailed);
-  app.keysView = CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown);
+  // The Keys view leaves drawing its rows (key icon and Name) to the control.
+  app.keysView =
+      CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown, LVS_OWNERDRAWFIXED);
   if (!app.keysView) return Quit(kListViewFailed);
 
   ResetKeyList();

@@ -128,6 +128,8 @@ LRESULT OnRightClick(const NMHDR& header) {
   if (!menu) return 0;
   POINT screen = click.ptAction;
   ClientToScreen(header.hwndFrom, &screen);
+  // A pop-up menu stays open only for the window in the foreground.
+  SetForegroundWindow(App().mainWindow);
   TrackPopupMenu(GetSubMenu(menu, 0), TPM_RIGHTBUTTON, screen.x, screen.y, 0, App().mainWindow, nullptr);
   DestroyMenu(menu);
   return 0;
@@ -218,8 +220,6 @@ const NotifyRow kKeyListNotifications[] = {
 }  // namespace
 
 void PrepareKeyList(HWND list) {
-  // The control draws the rows itself: icon, Name, selection.
-  SetWindowLongA(list, GWL_STYLE, GetWindowLongA(list, GWL_STYLE) & ~LVS_OWNERDRAWFIXED);
   ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT);
   ForwardCommandsToParent(list);
 }
@@ -236,6 +236,8 @@ void CreateKeyListColumn(HWND list) {
   column.cx = (r.right - r.left - kColumnMargin) / 2;
   column.pszText = const_cast<char*>(SortOrderName(g_list.sortOrder));
   SendMessageA(list, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
+  // Rows listed before the column had no width to be drawn in.
+  InvalidateRect(list, nullptr, TRUE);
 }
 
 void FillKeyList() {

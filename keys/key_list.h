@@ -19,8 +19,8 @@ constexpr char kSortQuestion[] =
 constexpr char kDeleteKeyQuestion[] = "Are you sure you want to delete selected key?";
 constexpr char kDragStatusFormat[] = "x=%d, y=%d";
 
-// Makes the list ready at the main window's creation: its rows drawn by the
-// control itself, whole rows selected.
+// Makes the list ready at the main window's creation: whole rows selected, menu
+// commands passed on to the main window.
 void PrepareKeyList(HWND list);
 // Menu commands that reach `list` (an accelerator pressed while it has the
 // keyboard) go on to its parent, the main window.

@@ -148,9 +148,16 @@ int main(int argc, char** argv) {
     HWND c = GetDlgItem(main, std::atoi(argv[2]));
     if (!c) return 1;
     const POINT p = ClientPoint(c, std::atoi(argv[3]), std::atoi(argv[4]));
-    Mouse(c, WM_RBUTTONDOWN, MK_RBUTTON, p);
-    Mouse(c, WM_RBUTTONUP, 0, p);
-    Sleep(700);  // the pop-up menu opens and paints
+    // Both queued at once, as a quick click: the list takes the release itself,
+    // and the menu that opens sees no button go up over nothing.
+    SetCursorPos(p.x, p.y);
+    POINT at = p;
+    ScreenToClient(c, &at);
+    PostMessageA(c, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
+    PostMessageA(c, WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    HWND menu = FindVisible("#32768");  // the pop-up menu
+    if (!menu) return 1;
+    Sleep(500);  // let it paint
     return 0;
   }
   if (!std::strcmp(what, "close")) {

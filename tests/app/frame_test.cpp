@@ -117,7 +117,7 @@ TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
     HWND view = GetDlgItem(window_, id);
     ASSERT_NE(view, nullptr) << id;
     // The list view shows its scroll bar only when the rows need it; the Keys view
-    // leaves drawing its rows to the control once it is prepared.
+    // leaves drawing its rows to the control.
     const LONG drawn = id == IDC_KEYS_VIEW ? LVS_OWNERDRAWFIXED : 0;
     EXPECT_EQ(GetWindowLongA(view, GWL_STYLE) & ~(WS_VISIBLE | WS_VSCROLL),
               0x40A0060D & ~WS_VSCROLL & ~drawn) << id;

@@ -224,6 +224,34 @@ TEST_F(DatabaseSlotsTest, NewDatabaseCancelledKeepsTheDatabase) {
   EXPECT_EQ(Settings().slotNames[0][0], '\0');
 }
 
+// Enter takes the name, Tab walks New database's controls in their order, Esc
+// leaves it with nothing made.
+TEST_F(DatabaseSlotsTest, NewDatabaseDialogsFromTheKeyboard) {
+  OpenWith({"A"});
+  std::vector<int> tabOrder;
+  const auto key = [](HWND window, WPARAM vk) {
+    PostMessageA(window, WM_KEYDOWN, vk, 0);
+    PostMessageA(window, WM_KEYUP, vk, 0);
+  };
+  const auto result = CommandAnswered(IDM_NEW_DATABASE, {
+      Custom([&](HWND dialog, const WindowSnapshot&) { key(GetDlgItem(dialog, IDC_MAKEDIR_NAME), VK_RETURN); }),
+      Custom([&](HWND dialog, const WindowSnapshot&) {
+        HWND first = GetDlgItem(dialog, IDC_NAMEKEY_LOADED);
+        HWND at = first;
+        do {
+          tabOrder.push_back(GetDlgCtrlID(at));
+          at = GetNextDlgTabItem(dialog, at, FALSE);
+        } while (at && at != first && tabOrder.size() < 20);
+        key(first, VK_ESCAPE);
+      }),
+  });
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(tabOrder, (std::vector<int>{IDC_NAMEKEY_LOADED, IDC_NAMEKEY_ADD, IDC_NAMEKEY_REMOVE, IDC_NAMEKEY_LOAD,
+                                        IDC_NAMEKEY_NEW, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
+  EXPECT_STREQ(Settings().slotNames[0].data(), "Data.dat");
+  EXPECT_EQ(Rows(), (Names{"A"}));
+}
+
 TEST_F(DatabaseSlotsTest, CloseAsksAndStaysOpenOnCancel) {
   OpenWith({"A"});
   SetKeyField(Keys(), 0, kName, "Edited");

@@ -1,7 +1,9 @@
 // The Keys view through the real list control and the main window's mouse rows:
 // the sort cycle with its questions, every drop rule, rename in place, the
 // Description on the system clipboard, and Copy, Paste and Delete key.
+#include <atomic>
 #include <cstring>
+#include <thread>
 
 #include "tests/keys/keys_window.h"
 
@@ -180,6 +182,45 @@ TEST_F(KeyListTest, ClickPutsTheDescriptionOnTheClipboardOnlyWithTheOptionAndATe
     EXPECT_EQ(GetClipboardOwner() == window_, click.placed) << click.what;
     if (!click.placed) EXPECT_EQ(ClipboardText(), "before") << click.what;
     EXPECT_TRUE(IsClipboardFormatAvailable(CF_TEXT)) << click.what;
+  }
+}
+
+// A right click on a row selects it and opens the key commands' pop-up menu,
+// which the watcher reads and closes; on no row nothing opens.
+TEST_F(KeyListTest, RightClickOpensThePopupMenuOverARow) {
+  OpenWith({"A", "B", "C"});
+  for (const bool overRow : {true, false}) {
+    std::atomic<bool> done{false};
+    int items = -1;
+    UINT firstId = 0;
+    std::thread watcher([&] {
+      for (int i = 0; i < 300 && !done; ++i) {
+        HWND menu = FindWindowA("#32768", nullptr);
+        if (menu && IsWindowVisible(menu)) {
+          HMENU handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
+          items = GetMenuItemCount(handle);
+          firstId = GetMenuItemID(handle, 0);
+          PostMessageA(window_, WM_CANCELMODE, 0, 0);
+          PostMessageA(menu, WM_KEYDOWN, VK_ESCAPE, 0);
+          return;
+        }
+        Sleep(10);
+      }
+    });
+    const POINT at = overRow ? RowPoint(1) : POINT{RowPoint(2).x, RowRect(2).bottom + 40};
+    PostMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
+    PostMessageA(List(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    PumpUntil([&] { return items >= 0; }, overRow ? 3000 : 500);
+    done = true;
+    watcher.join();
+    Drain();
+    if (overRow) {
+      EXPECT_EQ(items, 7);  // "&Add key" .. "&Delete key" with two separators
+      EXPECT_EQ(firstId, static_cast<UINT>(IDM_ADD_KEY));
+      EXPECT_EQ(SelectedKey(), 1);
+    } else {
+      EXPECT_EQ(items, -1);
+    }
   }
 }
 
