@@ -26,6 +26,8 @@ bool RegisterBarClasses(HINSTANCE instance);
 // Clamps the saved rectangle, creates, shows and activates the main window.
 HWND CreateMainWindow(HINSTANCE instance, int showCommand);
 int RunMessageLoop(HACCEL accelerators);
+// Whether `window` is an edit control (accelerators leave its keys alone).
+bool IsEditControl(HWND window);
 int QuellbarrowMain(HINSTANCE instance, HINSTANCE previous, int showCommand);
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -9,6 +9,7 @@
 #include "bars/status_bar.h"
 #include "base/app_state.h"
 #include "base/frame_gdi.h"
+#include "keys/key_list.h"
 
 namespace qb {
 namespace {
@@ -97,13 +98,20 @@ LRESULT OnMainTimer(HWND window, UINT, WPARAM id, LPARAM) {
 
 LRESULT OnMainMouseMove(HWND window, UINT, WPARAM, LPARAM lParam) {
   const LayoutState& layout = Layout();
-  if (layout.dragging) MoveBarDrag(BarByIndex(layout.draggedBar), ScreenPoint(window, lParam));
+  if (layout.dragging) {
+    MoveBarDrag(BarByIndex(layout.draggedBar), ScreenPoint(window, lParam));
+  } else if (KeyDragInProgress()) {
+    MoveKeyDrag(ScreenPoint(window, lParam));
+  }
   return 0;
 }
 
 LRESULT OnMainLButtonUp(HWND window, UINT, WPARAM, LPARAM lParam) {
   LayoutState& layout = Layout();
-  if (!layout.dragging) return 0;
+  if (!layout.dragging) {
+    if (KeyDragInProgress()) DropKey(ScreenPoint(window, lParam));
+    return 0;
+  }
   EndBarDrag(BarByIndex(layout.draggedBar), ScreenPoint(window, lParam));
   ReleaseCapture();
   layout.dragging = false;

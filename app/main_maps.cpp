@@ -4,6 +4,8 @@
 #include "app/frame.h"
 #include "bars/status_bar.h"
 #include "keys/key_editor.h"
+#include "keys/database_slots.h"
+#include "keys/key_list.h"
 #include "keys/merge_dialog.h"
 #include "links/link_commands.h"
 #include "links/links_view.h"
@@ -33,6 +35,10 @@ const MessageRow kMainMessages[] = {
 };
 
 const CommandRow kMainCommands[] = {
+    {IDM_NEW_DATABASE,       OnNewDatabaseCommand},
+    {IDM_OPEN_DATABASE,      OnDatabaseFileCommand},
+    {IDM_SAVE_DATABASE,      OnSaveDatabaseCommand},
+    {IDM_SAVEAS_DATABASE,    OnDatabaseFileCommand},
     {IDM_GLOBAL_OPTIONS,     OnOptionsDialogCommand},
     {IDM_SELECT_BROWSER,     OnSelectBrowserCommand},
     {IDM_EXIT,               OnFileCommand},
@@ -51,7 +57,22 @@ const CommandRow kMainCommands[] = {
     {IDM_RENAME_LINK,        OnRenameLinkCommand},
     {IDM_DELETE_LINK,        OnDeleteLinkCommand},
     {IDM_SCAN_HTML,          OnToolsCommand},
+    {IDM_LINKS_ENTER,        OnLinksEnterCommand},
     {IDM_MODIFY_KEY,         OnModifyKeyCommand},
+    {IDM_DATABASE_FIRST + 0, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 1, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 2, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 3, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 4, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 5, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 6, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 7, OnSelectDatabaseCommand},
+    {IDM_DATABASE_FIRST + 8, OnSelectDatabaseCommand},
+    {IDM_ADD_COMPARE,        OnAddCompareCommand},
+    {IDM_COPY_KEY,           OnCopyKeyCommand},
+    {IDM_PASTE_KEY,          OnPasteKeyCommand},
+    {IDM_DELETE_KEY,         OnDeleteKeyCommand},
+    {IDM_DELETE_DATABASE,    OnDeleteDatabaseCommand},
     {IDM_SCAN_OPTIONS,       OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML, OnToolsCommand},
     {IDM_WINDOW_NORMAL,      OnWindowCommand},
@@ -69,6 +90,7 @@ struct ViewNotifyRow {
 };
 
 const ViewNotifyRow kViewNotifications[] = {
+    {IDC_KEYS_VIEW,  OnKeyListNotify},
     {IDC_LINKS_VIEW, LinksViewNotify},
 };
 

@@ -8,6 +8,9 @@
 #include "app/menu_state.h"
 #include "bars/dock_bar.h"
 #include "bars/status_bar.h"
+#include "keys/database_slots.h"
+#include "keys/key_list.h"
+#include "keys/merge_dialog.h"
 #include "base/app_state.h"
 #include "base/frame_gdi.h"
 #include "links/links_view.h"
@@ -35,9 +38,10 @@ LRESULT Quit(const char* text) {
   return 0;
 }
 
-HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown, DWORD extraStyle = 0) {
+HWND CreateListView(HWND parent, HINSTANCE instance, int id, bool shown, DWORD add = 0,
+                    DWORD without = 0) {
   return CreateWindowExA(WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
-                         kListViewStyle | extraStyle | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
+                         ((kListViewStyle | add) & ~without) | (shown ? WS_VISIBLE : 0), 0, 0, 0, 0, parent,
                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
 }
 
@@ -79,10 +83,17 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   if (!app.linksView) return Quit(kListViewFailed);
   ResetLinksView();
   RefreshLinksView();
-  app.keysView = CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown);
+  // The Keys view leaves drawing its rows (key icon and Name) to the control.
+  app.keysView =
+      CreateListView(window, instance, IDC_KEYS_VIEW, Layout().keysShown, 0,
+                     LVS_OWNERDRAWFIXED);
   if (!app.keysView) return Quit(kListViewFailed);
 
-  PressDatabaseButton(1);  // slot 0 is current at start
+  ResetKeyList();
+  PrepareKeyList(app.keysView);
+  SetKeyListRefill(FillKeyList);
+  LoadFirstDatabase();
+  PressDatabaseButton(CurrentSlot() + 1);
   RefreshDatabaseCaptions();
 
   if (Settings().onTop == 1) OrderMainWindow(window, true);
@@ -91,6 +102,7 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
 }
 
 LRESULT OnMainClose(HWND window, UINT, WPARAM, LPARAM) {
+  if (!AskToSaveChanges()) return 1;  // Cancel: the window stays, the settings unwritten
   LoadOrSaveSettings(kSaveSettings);
   DestroyWindow(window);
   return 0;

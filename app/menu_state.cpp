@@ -13,8 +13,6 @@
 namespace qb {
 namespace {
 
-std::uint32_t g_copiedKey = kNoCopiedKey;
-
 // The help line of the highlighted item; it keeps its text when a load finds none.
 std::array<char, kMenuHelpMax + 1> g_statusText{};
 
@@ -43,7 +41,7 @@ Facts CurrentFacts() {
   Facts f{};
   f[kKeysPresent] = Keys().count > 0;
   f[kDatabaseModified] = DatabaseChanged();
-  f[kKeyCopied] = g_copiedKey != kNoCopiedKey;
+  f[kKeyCopied] = CopiedKeyIndex() != kNoCopiedKey;
   f[kToolBarShown] = BarShown(ToolBarDescriptor());
   f[kDatabaseBarShown] = BarShown(DatabaseBarDescriptor());
   f[kLinksViewShown] = Layout().linksShown;
@@ -86,9 +84,6 @@ const MenuRule kMenuRules[] = {
 };
 
 }  // namespace
-
-std::uint32_t CopiedKeyIndex() { return g_copiedKey; }
-void SetCopiedKeyIndex(std::uint32_t index) { g_copiedKey = index; }
 
 bool CommandAvailable(WORD id) {
   const Facts facts = CurrentFacts();

@@ -7,16 +7,12 @@
 
 #include <cstdint>
 
+#include "keys/key_clipboard.h"
+
 namespace qb {
 
 constexpr std::size_t kMenuHelpMax = 256;  // characters of a menu help line
 constexpr char kMenuClosedText[] = "Separator";
-
-// The key clipboard's copied key: an index into the key table, or all bits set
-// when nothing was copied.
-constexpr std::uint32_t kNoCopiedKey = 0xFFFFFFFF;
-std::uint32_t CopiedKeyIndex();
-void SetCopiedKeyIndex(std::uint32_t index);
 
 // Whether command `id` is available now (the menu's greying rules, in order).
 bool CommandAvailable(WORD id);

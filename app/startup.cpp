@@ -7,6 +7,8 @@
 #include "base/app_state.h"
 #include "base/user_message.h"
 #include "links/links_view.h"
+#include "keys/database_slots.h"
+#include "keys/key_list.h"
 
 namespace qb {
 
@@ -61,6 +63,7 @@ HWND CreateMainWindow(HINSTANCE instance, int showCommand) {
   s.windowRect = ClampWindowRect(s.windowRect, app.screenWidth, app.screenHeight);
   const WindowRect& r = s.windowRect;
 
+  SetCurrentSlot(0);
   const std::string title =
       FormatText("%s - %.*s", kAppName, static_cast<int>(kSlotNameSize), s.slotNames[0].data());
   HWND window = CreateWindowExA(0, kMainClassName, title.c_str(), WS_OVERLAPPEDWINDOW, r.left,
@@ -78,12 +81,18 @@ HWND CreateMainWindow(HINSTANCE instance, int showCommand) {
   return window;
 }
 
+bool IsEditControl(HWND window) {
+  char name[16] = {};
+  return window && GetClassNameA(window, name, sizeof(name)) && lstrcmpiA(name, "Edit") == 0;
+}
+
 int RunMessageLoop(HACCEL accelerators) {
   MSG msg;
   while (GetMessageA(&msg, nullptr, 0, 0) > 0) {
     // The accelerator goes to the window the message is addressed to, so a key
-    // pressed in a list view is translated for the list view.
-    if (!TranslateAcceleratorA(msg.hwnd, accelerators, &msg)) {
+    // pressed in a list view is translated for the list view. Keys typed into an
+    // edit (a Name renamed in place) stay the edit's: Del and Insert edit text there.
+    if (IsEditControl(msg.hwnd) || !TranslateAcceleratorA(msg.hwnd, accelerators, &msg)) {
       TranslateMessage(&msg);
       DispatchMessageA(&msg);
     }
@@ -100,6 +109,7 @@ int QuellbarrowMain(HINSTANCE instance, HINSTANCE previous, int showCommand) {
   if (!RegisterBarClasses(instance)) return 0;
   if (!CreateMainWindow(instance, showCommand)) return 0;
   HACCEL accelerators = LoadAcceleratorsA(instance, kMainClassName);
+  CreateKeyListColumn(App().keysView);
   return RunMessageLoop(accelerators);
 }
 

@@ -36,6 +36,7 @@ void CreateFrameGdi(HINSTANCE instance) {
   g.hiddenIcon = LoadIconA(instance, "ICON_HIDDEN");
   g.rootFolderIcon = LoadIconA(instance, "BFOLDER_ROOT");
   g.openFolderIcon = LoadIconA(instance, "BFOLDER_ON");
+  g.keyIcon = static_cast<HICON>(LoadImageA(instance, "KEY_ICON", IMAGE_ICON, 16, 16, LR_SHARED));
   g.lightYellowBrush = CreateSolidBrush(kLightYellow);
   g.darkBlueBrush = CreateSolidBrush(kDarkBlue);
   RefreshFrameColours();
@@ -59,7 +60,7 @@ void ReleaseFrameGdi() {
   if (g.font) DeleteObject(g.font);
   g.smallFont = g.font = nullptr;
   // Icons from resources are shared and need no freeing.
-  g.hiddenIcon = g.rootFolderIcon = g.openFolderIcon = nullptr;
+  g.hiddenIcon = g.rootFolderIcon = g.openFolderIcon = g.keyIcon = nullptr;
   FreeBrush(g.lightYellowBrush);
   FreeBrush(g.darkBlueBrush);
   FreeBrush(g.menuBrush);

@@ -12,6 +12,7 @@ struct FrameGdi {
   HICON hiddenIcon = nullptr;      // "ICON_HIDDEN"
   HICON rootFolderIcon = nullptr;  // "BFOLDER_ROOT"
   HICON openFolderIcon = nullptr;  // "BFOLDER_ON"
+  HICON keyIcon = nullptr;         // "KEY_ICON", 16 x 16: every row of the Keys view
   COLORREF highlight = 0;   // COLOR_3DHILIGHT
   COLORREF menu = 0;        // COLOR_MENU
   COLORREF grayText = 0;    // COLOR_GRAYTEXT

@@ -10,7 +10,8 @@
 #include "base/dispatch.h"
 #include "base/help.h"
 #include "base/user_message.h"
-#include "keys/editor_buffers.h"
+#include "keys/key_clipboard.h"
+#include "keys/key_list.h"
 #include "keys/key_rows.h"
 #include "keys/key_table.h"
 #include "keys/merge_dialog.h"
@@ -18,9 +19,6 @@
 
 namespace qb {
 namespace {
-
-// The main key list's one image, the key icon.
-constexpr int kMainListKeyImage = 0;
 
 // Edits 120..123 hold the fields in table order.
 static_assert(IDC_KEYEDIT_SEARCH == IDC_KEYEDIT_NAME + kSearchNames &&
@@ -114,19 +112,6 @@ std::vector<int> MainRowsNamed(std::string_view name) {
   return rows;
 }
 
-// A row for a new key at the end of the Keys view; the view supplies its text.
-void InsertMainRow(int key) {
-  HWND view = App().keysView;
-  if (!view) return;
-  LVITEMA item{};
-  item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
-  item.iItem = key;
-  item.pszText = LPSTR_TEXTCALLBACKA;
-  item.iImage = kMainListKeyImage;
-  item.lParam = key;
-  SendMessageA(view, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-}
-
 // A Name that differs only in letter case is no new Name: the key keeps its own.
 void RenameKey(HWND list, int key, const std::string& name) {
   KeyTable& keys = Keys();
@@ -159,7 +144,7 @@ int AddKey(HWND list, const std::string& name) {
   const int row = static_cast<int>(g_run.rowKeys.size()) - 1;
   g_run.editing = key;
   SelectOwnRow(list, row);
-  InsertMainRow(key);
+  InsertKeyRow(key);
   keys.count = key + 1;
   g_run.newKeyName = KeyFieldBlock(keys, key, kName);
   return key;
@@ -168,7 +153,7 @@ int AddKey(HWND list, const std::string& name) {
 // Stores the edits as key `index`: a key of the table is changed, any other
 // index adds a key. False (nothing stored) for an empty Name or a full table.
 bool StoreKey(HWND dialog, int index) {
-  const std::string name(ReadEdit(dialog, IDC_KEYEDIT_NAME, EditorNameBuffer()));
+  const std::string name(ReadEdit(dialog, IDC_KEYEDIT_NAME, KeyNameBuffer()));
   if (name.empty()) {
     TellUser(kEmptyNameText, nullptr, MessageIcon::kError);
     SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(dialog, IDC_KEYEDIT_NAME)), TRUE);
@@ -184,7 +169,7 @@ bool StoreKey(HWND dialog, int index) {
   }
   // The shared buffer keeps the last field read, the Description, for Paste key.
   for (KeyField f : {kSearchNames, kSelection, kDescription}) {
-    SetKeyField(Keys(), key, f, ReadEdit(dialog, IDC_KEYEDIT_NAME + f, EditorFieldBuffer()));
+    SetKeyField(Keys(), key, f, ReadEdit(dialog, IDC_KEYEDIT_NAME + f, KeyFieldBuffer()));
   }
   return true;
 }
@@ -205,7 +190,7 @@ LRESULT OnKeyEditorInit(HWND dialog, UINT, WPARAM, LPARAM lParam) {
   const OpenRequest& request = *reinterpret_cast<const OpenRequest*>(lParam);
   g_run = EditorRun{};
   g_run.mode = request.mode;
-  SendDlgItemMessageA(dialog, IDC_KEYEDIT_NAME, EM_LIMITTEXT, kKeyNameBufferSize - 1, 0);
+  SendDlgItemMessageA(dialog, IDC_KEYEDIT_NAME, EM_LIMITTEXT, kNameBufferSize - 1, 0);
   for (int id : {IDC_KEYEDIT_SEARCH, IDC_KEYEDIT_SELECTION, IDC_KEYEDIT_DESCRIPTION})
     SendDlgItemMessageA(dialog, id, EM_LIMITTEXT, kMaxFieldLength, 0);
 
@@ -372,7 +357,7 @@ LRESULT OnListFindItemA(const NMHDR& header) {
 LRESULT OnListFindItemW(const NMHDR& header) {
   const auto& find = reinterpret_cast<const NMLVFINDITEMW&>(header);
   if (!(find.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !find.lvfi.psz) return -1;
-  std::array<char, kKeyNameBufferSize> typed{};
+  std::array<char, kNameBufferSize> typed{};
   WideCharToMultiByte(CP_ACP, 0, find.lvfi.psz, -1, typed.data(), static_cast<int>(typed.size()) - 1, nullptr,
                       nullptr);
   return FindRowByTyping(BufferText(typed), find.iStart);

@@ -20,10 +20,6 @@ void EmptyEntry(KeyTable& table, int index) {
   for (auto& field : table.fields) field[index] = kNoBlock;
 }
 
-void SwapEntries(KeyTable& table, int a, int b) {
-  for (auto& field : table.fields) std::swap(field[a], field[b]);
-}
-
 }  // namespace
 
 unsigned char FoldCase(unsigned char c) {
@@ -141,27 +137,38 @@ std::string KeyFieldText(const KeyTable& table, int index, KeyField field) {
 
 void SortKeysByName(KeyTable& table, SortDirection direction) {
   const int count = KeysInUse(table);
-  // Names are read once; `names` moves in step with the entries.
+  // Names are read and folded once, and the sort moves key numbers; the keys
+  // themselves move once at the end. Folded texts compare bytewise as
+  // CompareNoCase compares the originals.
   struct Name {
     bool present;  // the entry has a block
-    std::string text;
+    std::string folded;
   };
   std::vector<Name> names(count);
   for (int i = 0; i < count; ++i) {
     const TextBlock block = table.fields[kName][i];
-    names[i] = Name{block != kNoBlock, TextOf(block)};
+    std::string text = TextOf(block);
+    for (char& c : text) c = static_cast<char>(FoldCase(static_cast<unsigned char>(c)));
+    names[i] = Name{block != kNoBlock, std::move(text)};
   }
+  const int sign = direction == SortDirection::kAscending ? 1 : -1;
   // 0 whenever either Name entry is empty, so such a key is never passed.
   auto compare = [&](int a, int b) {
     if (!names[a].present || !names[b].present) return 0;
-    const int c = CompareNoCase(names[a].text, names[b].text);
-    return direction == SortDirection::kAscending ? c : -c;
+    const int c = names[a].folded.compare(names[b].folded);
+    return sign * (c < 0 ? -1 : c > 0 ? 1 : 0);
   };
+  std::vector<int> order(count);
+  for (int i = 0; i < count; ++i) order[i] = i;
   for (int i = 1; i < count; ++i) {
-    for (int j = i; j > 0 && compare(j, j - 1) == -1; --j) {
-      SwapEntries(table, j, j - 1);
-      std::swap(names[j], names[j - 1]);
-    }
+    for (int j = i; j > 0 && compare(order[j], order[j - 1]) == -1; --j) std::swap(order[j], order[j - 1]);
+  }
+  std::vector<std::array<TextBlock, kKeyFieldCount>> sorted(count);
+  for (int i = 0; i < count; ++i) {
+    for (int f = 0; f < kKeyFieldCount; ++f) sorted[i][f] = table.fields[f][order[i]];
+  }
+  for (int i = 0; i < count; ++i) {
+    for (int f = 0; f < kKeyFieldCount; ++f) table.fields[f][i] = sorted[i][f];
   }
 }
 

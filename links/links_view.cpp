@@ -381,6 +381,11 @@ LRESULT DrawLinksRow(const DRAWITEMSTRUCT& item) {
   return TRUE;
 }
 
+LRESULT OnLinksEnterCommand(HWND, WORD, WORD, LPARAM) {
+  LinksEnter();
+  return 0;
+}
+
 void LinksEnter() {
   const int row = static_cast<int>(SendMessageA(View(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1),
                                                 LVNI_SELECTED));

@@ -47,6 +47,8 @@ LRESULT DrawLinksRow(const DRAWITEMSTRUCT& item);
 
 // Enter in a list: opens the selected row as a double click would.
 void LinksEnter();
+// The same, as a command row: the key list passes its Enter on with IDM_LINKS_ENTER.
+LRESULT OnLinksEnterCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 // The selected row's record, or null when no row is selected.
 const LinkEntry* SelectedLinkEntry();

@@ -42,6 +42,9 @@
 #define IDM_MOVE_LINK           50305
 #define IDM_LINKS_PAGE          50306
 
+// Enter in a list view, passed on to the Links view (sent by the program, no menu item)
+#define IDM_LINKS_ENTER         50390
+
 // &Tools
 #define IDM_SCAN_HTML           50500
 #define IDM_SCAN_FILE_HTML      50501
@@ -159,5 +162,12 @@
 #define IDC_NOMATCH_BELOW        108
 #define IDC_NOMATCH_UNMATCH      109
 #define IDC_NOMATCH_LEARN        110
+
+// IDD_NAMEKEY: the loaded database's keys (200) and the new database's (201)
+#define IDC_NAMEKEY_LOADED         200
+#define IDC_NAMEKEY_NEW            201
+#define IDC_NAMEKEY_ADD            202
+#define IDC_NAMEKEY_REMOVE         203
+#define IDC_NAMEKEY_LOAD           205
 
 #endif

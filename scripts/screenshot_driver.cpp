@@ -19,6 +19,7 @@
 //   screenshot_driver address TEXT          waits for a window whose address bar holds TEXT, prints its rectangle
 //   screenshot_driver setlines TITLE ID TEXT sets the text of control ID, '|' standing for a line break
 //   screenshot_driver pickrow ID ROW        selects row ROW of the main window's list view ID by keys
+//   screenshot_driver rclick ID X Y         right-clicks client point (X, Y) of the main window's child ID
 #include <windows.h>
 
 #include <cstdio>

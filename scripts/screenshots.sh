@@ -7,9 +7,11 @@
 # menu, the key editor changing a key, the help viewer at the contents and at the key editor's topic, and the
 # about box. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
+# Then the sample database listed in the Keys view, the key list's pop-up menu and
+# New database's dialog with two keys chosen.
 # Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
 # add-compare,preview,links-root,links-folder,links-menu,help-contents,
-# help-key-editor,about,key-editor}.png
+# help-key-editor,about,key-editor,keys-listed,keys-popup,new-database}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -187,4 +189,31 @@ run "$driver" command 50202
 geometry=$(run "$driver" dialog "$editor")
 shot key-editor "$geometry"
 run "$driver" click "$editor" 2
+finish
+
+# The sample database listed; the pop-up menu of its third key.
+prepare 0 0 0
+run "$win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" "$work/app/Databases/Data.dat" >/dev/null
+start
+geometry=$(run "$driver" wait Quellbarrow)
+shot keys-listed "$geometry"
+run "$driver" rclick 2901 60 58
+shot keys-popup "$geometry"
+finish
+
+# New database: the name dialog taken as it comes, then two keys moved across.
+prepare 0 0 0
+run "$win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" "$work/app/Databases/Data.dat" >/dev/null
+start
+run "$driver" wait Quellbarrow >/dev/null
+run "$driver" command 50000
+run "$driver" dialog "Quellbarrow - New name" >/dev/null
+run "$driver" click "Quellbarrow - New name" 1
+newdb="Quellbarrow - New database"
+run "$driver" dialog "$newdb" >/dev/null
+run "$driver" dblclick "$newdb" 200 30 8
+run "$driver" dblclick "$newdb" 200 30 40
+geometry=$(run "$driver" dialog "$newdb")
+shot new-database "$geometry"
+run "$driver" click "$newdb" 2
 finish

@@ -509,7 +509,42 @@ def key_art():
     write_bmp('key_off.bmp', c, background=WHITE)
 
 
-DRAWINGS['keys'] = key_art
+# ---- the Keys view ----
+# The key every row of the key list shows: a gold key lying across, its bow at
+# the left with a hole, two bits at the end of its shaft.
+KEY_ROW = """
+................
+................
+................
+................
+..aaaa..........
+.aLLLAa.........
+aLAaaLAa........
+aLa..aAaaaaaaaa.
+aAa..aAAAAAAAAAa
+aAAaaAAaaaaAAaAa
+.aAAAAa....aAaAa
+..aaaa.....aaaaa
+................
+................
+................
+................
+"""
+
+
+def key_list_art():
+    c = picture(KEY_ROW)
+    write_ico('key_icon.ico', [c])
+
+
+
+
+def keys_art():
+    key_art()
+    key_list_art()
+
+
+DRAWINGS['keys'] = keys_art
 
 
 def main():

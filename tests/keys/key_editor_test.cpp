@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "base/app_state.h"
-#include "keys/editor_buffers.h"
+#include "keys/key_clipboard.h"
 #include "keys/key_rows.h"
 #include "keys/merge_dialog.h"
 #include "resources/resource.h"
@@ -233,8 +233,8 @@ TEST_F(KeyEditorTest, SaveKeyRenamesOnlyForANewNameAndClearsEmptiedFields) {
     EXPECT_EQ(viewRows, row.viewRows);
     EXPECT_EQ(KeyFieldBlock(Keys(), 0, kDescription) == kNoBlock, row.typedDescription.empty());
     // Paste key reads the last field the editor read, the Description.
-    EXPECT_EQ(BufferText(EditorFieldBuffer()), row.typedDescription);
-    EXPECT_EQ(BufferText(EditorNameBuffer()), row.typedName);
+    EXPECT_EQ(BufferText(KeyFieldBuffer()), row.typedDescription);
+    EXPECT_EQ(BufferText(KeyNameBuffer()), row.typedName);
   }
 }
 

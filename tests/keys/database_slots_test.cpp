@@ -1,0 +1,291 @@
+// The database slots through the main window: switching with the databases bar's
+// buttons, the save prompt's answers, Open and Save As through the common file
+// dialog, Save and Delete database, New database's two dialogs, and closing.
+#include <cstring>
+
+#include "tests/keys/keys_window.h"
+
+namespace qb::test {
+namespace {
+
+constexpr char kDataPrompt[] = "Database Data.dat.dat was changed\nDo you want to save it?";
+
+class DatabaseSlotsTest : public KeysWindowTest {};
+
+TEST_F(DatabaseSlotsTest, StartListsSlotZeroAndSwitchingLoadsEachSlot) {
+  WriteDatabase("Other.dat", NamedKeys({"X", "Y"}));
+  std::strcpy(Settings().slotNames[2].data(), "Other.dat");
+  std::strcpy(Settings().slotNames[3].data(), "Gone.dat");
+  OpenWith({"A", "B"});
+  EXPECT_EQ(Rows(), (Names{"A", "B"}));
+  EXPECT_EQ(Header(), "User");
+  EXPECT_TRUE(Pressed(1));
+
+  const struct {
+    WORD command;
+    int slot;
+    const char* title;
+    Names rows;
+  } steps[] = {
+      {IDM_DATABASE_FIRST + 2, 2, "Quellbarrow - Other.dat", {"X", "Y"}},
+      {IDM_DATABASE_FIRST + 1, 1, "Quellbarrow - Not Loaded", {}},
+      {IDM_DATABASE_FIRST + 3, 3, "Quellbarrow - Not Loaded", {}},  // its file is missing
+      {IDM_DATABASE_FIRST + 0, 0, "Quellbarrow - Data.dat", {"A", "B"}},
+  };
+  for (const auto& step : steps) {
+    Command(step.command);
+    EXPECT_EQ(CurrentSlot(), step.slot);
+    EXPECT_EQ(Title(), step.title);
+    EXPECT_EQ(Rows(), step.rows) << step.title;
+    for (int button = 1; button <= kSlotCount; ++button) EXPECT_EQ(Pressed(button), button == step.slot + 1);
+  }
+  EXPECT_EQ(Settings().slotNames[3][0], '\0');  // a missing file empties its slot
+}
+
+// Yes saves then switches, No switches and drops the edit, Cancel stays with the
+// bar's buttons as they were. The slot already current is loaded again from disk.
+TEST_F(DatabaseSlotsTest, SavePromptAnswers) {
+  const struct {
+    const char* answer;
+    WORD command;
+    int slot;
+    Names file, rows;
+  } cases[] = {
+      {"Yes", IDM_DATABASE_FIRST + 1, 1, {"Edited", "B"}, {}},
+      {"No", IDM_DATABASE_FIRST + 1, 1, {"A", "B"}, {}},
+      {"No", IDM_DATABASE_FIRST + 0, 0, {"A", "B"}, {"A", "B"}},
+      {"Cancel", IDM_DATABASE_FIRST + 1, 0, {"A", "B"}, {"Edited", "B"}},
+  };
+  for (const auto& c : cases) {
+    OpenWith({"A", "B"});
+    SetKeyField(Keys(), 0, kName, "Edited");
+    const auto result = CommandAnswered(c.command, {Press(c.answer)});
+    ASSERT_TRUE(result.ok()) << result.Describe();
+    EXPECT_EQ(result.seen[0].caption, "Question");
+    EXPECT_EQ(result.seen[0].MessageText(), kDataPrompt);
+    EXPECT_EQ(FileNames("Data.dat"), c.file) << c.answer;
+    EXPECT_EQ(CurrentSlot(), c.slot) << c.answer;
+    EXPECT_EQ(Rows(), c.rows) << c.answer;
+    EXPECT_EQ(DatabaseChanged(), std::string(c.answer) == "Cancel");
+    EXPECT_EQ(Pressed(c.slot + 1), true) << c.answer;
+    EXPECT_EQ(Pressed(2), c.slot == 1) << c.answer;
+  }
+}
+
+TEST_F(DatabaseSlotsTest, SaveAsAndOpenGoThroughTheFileDialog) {
+  WriteDatabase("Other.dat", NamedKeys({"X"}));
+  OpenWith({"A", "B"});
+  SetKeyField(Keys(), 1, kName, "Bee");
+  auto result = CommandAnswered(IDM_SAVEAS_DATABASE, {ChooseFile(DatabaseFile("Copy.dat"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].caption, "Quellbarrow database");
+  EXPECT_EQ(FileNames("Copy.dat"), (Names{"A", "Bee"}));
+  EXPECT_EQ(FileNames("Data.dat"), (Names{"A", "B"}));
+  EXPECT_STREQ(Settings().slotNames[0].data(), "Copy.dat");
+  EXPECT_FALSE(DatabaseChanged());
+
+  result = CommandAnswered(IDM_OPEN_DATABASE, {ChooseFile(DatabaseFile("Other.dat"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Title(), "Quellbarrow - Other.dat");
+  EXPECT_EQ(Rows(), (Names{"X"}));
+
+  // With changes, the prompt already names the chosen file, and Yes writes there.
+  WriteDatabase("Third.dat", NamedKeys({"T"}));
+  SetKeyField(Keys(), 0, kName, "Changed");
+  result = CommandAnswered(IDM_OPEN_DATABASE, {ChooseFile(DatabaseFile("Third.dat")), Press("Yes")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[1].MessageText(), "Database Third.dat.dat was changed\nDo you want to save it?");
+  EXPECT_EQ(FileNames("Third.dat"), (Names{"Changed"}));
+  EXPECT_EQ(FileNames("Other.dat"), (Names{"X"}));
+  EXPECT_EQ(Rows(), (Names{"Changed"}));
+
+  // A cancelled dialog changes nothing.
+  result = CommandAnswered(IDM_OPEN_DATABASE, {Press("Cancel")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_STREQ(Settings().slotNames[0].data(), "Third.dat");
+}
+
+TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesTheFile) {
+  OpenWith({"A", "B"});
+  SetKeyField(Keys(), 0, kName, "Saved");
+  Command(IDM_SAVE_DATABASE);
+  EXPECT_EQ(FileNames("Data.dat"), (Names{"Saved", "B"}));
+  EXPECT_FALSE(DatabaseChanged());
+
+  std::strcpy(Settings().slotNames[0].data(), "a.da");
+  WriteDatabase("a.da", NamedKeys({"Short"}));
+  SetKeyField(Keys(), 0, kName, "Unsaved");
+  Command(IDM_SAVE_DATABASE);
+  EXPECT_EQ(FileNames("a.da"), (Names{"Short"}));
+  EXPECT_TRUE(DatabaseChanged());
+
+  std::strcpy(Settings().slotNames[0].data(), "Data.dat");
+  Command(IDM_DELETE_DATABASE);
+  EXPECT_EQ(Rows(), Names{});
+  EXPECT_EQ(Keys().count, 0);
+  EXPECT_EQ(Settings().slotNames[0][0], '\0');
+  EXPECT_EQ(Title(), "Quellbarrow - Data.dat");
+  EXPECT_TRUE(DatabaseChanged());
+  Command(IDM_SAVE_DATABASE);
+  EXPECT_EQ(FileNames("Data.dat"), (Names{"Saved", "B"}));
+}
+
+// Selected rows of the one list move to the end of the other.
+ModalStep MoveRows(int fromList, std::vector<int> rows, int button) {
+  return Custom([=](HWND dialog, const WindowSnapshot&) {
+    HWND list = GetDlgItem(dialog, fromList);
+    LVITEMA none{};
+    none.stateMask = LVIS_SELECTED;
+    SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
+    for (int row : rows) {
+      LVITEMA item{};
+      item.stateMask = LVIS_SELECTED;
+      item.state = LVIS_SELECTED;
+      SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+    }
+    ClickButton(dialog, button);
+  });
+}
+
+Names DialogRows(HWND dialog, int id) {
+  HWND list = GetDlgItem(dialog, id);
+  Names rows;
+  const int count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
+  for (int row = 0; row < count; ++row) {
+    char text[300] = {};
+    LVITEMA item{};
+    item.pszText = text;
+    item.cchTextMax = sizeof(text);
+    SendMessageA(list, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
+    rows.push_back(text);
+  }
+  return rows;
+}
+
+TEST_F(DatabaseSlotsTest, NewDatabaseFromChosenKeysIsWrittenOnlyBySave) {
+  WriteDatabase("Other.dat", NamedKeys({"X", "Y"}));
+  OpenWith({"A", "B", "C"});
+  std::string group, startName;
+  Names loadedAfterMoves, newAfterMoves, loadedFromFile;
+  const auto result = CommandAnswered(IDM_NEW_DATABASE, {
+      Custom([&](HWND dialog, const WindowSnapshot& snap) {
+        group = WindowText(GetDlgItem(dialog, IDC_MAKEDIR_GROUP));
+        startName = snap.Control(IDC_MAKEDIR_NAME)->text;
+        SetControlText(dialog, IDC_MAKEDIR_NAME, "Fresh.dat");
+        ClickButton(dialog, IDOK);
+      }),
+      MoveRows(IDC_NAMEKEY_LOADED, {0, 2}, IDC_NAMEKEY_ADD),
+      Again(MoveRows(IDC_NAMEKEY_NEW, {0}, IDC_NAMEKEY_REMOVE)),
+      Again(Custom([&](HWND dialog, const WindowSnapshot&) {
+        loadedAfterMoves = DialogRows(dialog, IDC_NAMEKEY_LOADED);
+        newAfterMoves = DialogRows(dialog, IDC_NAMEKEY_NEW);
+        ClickButton(dialog, IDC_NAMEKEY_LOAD);
+      })),
+      ChooseFile(DatabaseFile("Other.dat")),
+      Again(MoveRows(IDC_NAMEKEY_LOADED, {1}, IDC_NAMEKEY_ADD)),
+      Again(Custom([&](HWND dialog, const WindowSnapshot&) {
+        loadedFromFile = DialogRows(dialog, IDC_NAMEKEY_LOADED);
+        ClickButton(dialog, IDOK);
+      })),
+  });
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].caption, "Quellbarrow - New name");
+  EXPECT_EQ(group, "Type a new Database name");
+  EXPECT_EQ(startName, "Data.dat");
+  EXPECT_EQ(result.seen[1].caption, "Quellbarrow - New database");
+  EXPECT_EQ(loadedAfterMoves, (Names{"B", "A"}));
+  EXPECT_EQ(newAfterMoves, (Names{"C"}));
+  EXPECT_EQ(loadedFromFile, (Names{"X"}));
+
+  EXPECT_EQ(Rows(), (Names{"C", "Y"}));
+  EXPECT_EQ(Title(), "Quellbarrow - Fresh.dat");
+  EXPECT_TRUE(DatabaseChanged());
+  EXPECT_FALSE(FileExists(DatabaseFile("Fresh.dat")));
+  EXPECT_EQ(FileNames("Data.dat"), (Names{"A", "B", "C"}));
+  Command(IDM_SAVE_DATABASE);
+  EXPECT_EQ(FileNames("Fresh.dat"), (Names{"C", "Y"}));
+}
+
+TEST_F(DatabaseSlotsTest, NewDatabaseCancelledKeepsTheDatabase) {
+  OpenWith({"A", "B"});
+  auto result = CommandAnswered(IDM_NEW_DATABASE, {Press("Cancel")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  result = CommandAnswered(IDM_NEW_DATABASE, {Press("OK"), Press("Cancel")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_STREQ(Settings().slotNames[0].data(), "Data.dat");
+  EXPECT_EQ(Rows(), (Names{"A", "B"}));
+  EXPECT_FALSE(DatabaseChanged());
+  // An empty name ends the name dialog with nothing made, the slot left empty.
+  result = CommandAnswered(IDM_NEW_DATABASE, {Custom([](HWND dialog, const WindowSnapshot&) {
+                             SetControlText(dialog, IDC_MAKEDIR_NAME, "");
+                             ClickButton(dialog, IDOK);
+                           })});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Settings().slotNames[0][0], '\0');
+}
+
+// Enter takes the name, Tab walks New database's controls in their order, Esc
+// leaves it with nothing made.
+TEST_F(DatabaseSlotsTest, NewDatabaseDialogsFromTheKeyboard) {
+  OpenWith({"A"});
+  std::vector<int> tabOrder;
+  const auto key = [](HWND window, WPARAM vk) {
+    PostMessageA(window, WM_KEYDOWN, vk, 0);
+    PostMessageA(window, WM_KEYUP, vk, 0);
+  };
+  const auto result = CommandAnswered(IDM_NEW_DATABASE, {
+      Custom([&](HWND dialog, const WindowSnapshot&) { key(GetDlgItem(dialog, IDC_MAKEDIR_NAME), VK_RETURN); }),
+      Custom([&](HWND dialog, const WindowSnapshot&) {
+        HWND first = GetDlgItem(dialog, IDC_NAMEKEY_LOADED);
+        HWND at = first;
+        do {
+          tabOrder.push_back(GetDlgCtrlID(at));
+          at = GetNextDlgTabItem(dialog, at, FALSE);
+        } while (at && at != first && tabOrder.size() < 20);
+        key(first, VK_ESCAPE);
+      }),
+  });
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(tabOrder, (std::vector<int>{IDC_NAMEKEY_LOADED, IDC_NAMEKEY_ADD, IDC_NAMEKEY_REMOVE, IDC_NAMEKEY_LOAD,
+                                        IDC_NAMEKEY_NEW, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
+  EXPECT_STREQ(Settings().slotNames[0].data(), "Data.dat");
+  EXPECT_EQ(Rows(), (Names{"A"}));
+}
+
+TEST_F(DatabaseSlotsTest, CloseAsksAndStaysOpenOnCancel) {
+  OpenWith({"A"});
+  SetKeyField(Keys(), 0, kName, "Edited");
+  auto result = RunModal([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, {Press("Cancel")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), kDataPrompt);
+  EXPECT_TRUE(IsWindow(window_));
+  EXPECT_FALSE(FileExists(dir_.File("pellwick.cfg")));
+
+  result = RunModal([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, {Press("No")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_FALSE(IsWindow(window_));
+  EXPECT_TRUE(FileExists(dir_.File("pellwick.cfg")));
+  EXPECT_EQ(FileNames("Data.dat"), (Names{"A"}));
+}
+
+// Ctrl+2 reaches the slot from the key list, as the message loop translates it.
+TEST_F(DatabaseSlotsTest, AcceleratorFromTheKeyListSwitchesSlots) {
+  OpenWith({"A"});
+  HACCEL accelerators = LoadAcceleratorsA(Instance(), kMainClassName);
+  ASSERT_TRUE(accelerators);
+  SetFocus(List());
+  BYTE keys[256] = {};
+  GetKeyboardState(keys);
+  keys[VK_CONTROL] = 0x80;
+  SetKeyboardState(keys);
+  MSG msg{List(), WM_KEYDOWN, '2', 0, 0, {}};
+  EXPECT_TRUE(TranslateAcceleratorA(msg.hwnd, accelerators, &msg));
+  keys[VK_CONTROL] = 0;
+  SetKeyboardState(keys);
+  Drain();
+  EXPECT_EQ(CurrentSlot(), 1);
+  EXPECT_EQ(Title(), "Quellbarrow - Not Loaded");
+}
+
+}  // namespace
+}  // namespace qb::test

@@ -1,0 +1,294 @@
+// The Keys view through the real list control and the main window's mouse rows:
+// the sort cycle with its questions, every drop rule, rename in place, the
+// Description on the system clipboard, and Copy, Paste and Delete key.
+#include <atomic>
+#include <cstring>
+#include <thread>
+
+#include "tests/keys/keys_window.h"
+
+namespace qb::test {
+namespace {
+
+class KeyListTest : public KeysWindowTest {
+ protected:
+  // A click on the column header, as the mouse makes it.
+  static void ClickHeader() {
+    HWND header = ListView_GetHeader(List());
+    RECT r{};
+    Header_GetItemRect(header, 0, &r);
+    const LPARAM at = MAKELPARAM((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+    SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    SendMessageA(header, WM_LBUTTONUP, 0, at);
+  }
+
+  static POINT RowPoint(int row) {
+    const RECT r = RowRect(row);
+    return POINT{r.left + 30, (r.top + r.bottom) / 2};
+  }
+
+  // Presses on row `from`, moves past the drag threshold and lets go at `drop`
+  // (the list's client coordinates); the main window holds the mouse meanwhile.
+  void Drag(int from, POINT drop) {
+    const POINT start = RowPoint(from);
+    PostMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
+    PostMessageA(List(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
+    ASSERT_TRUE(PumpUntil([] { return KeyDragInProgress(); }, 3000));
+    POINT at = drop;
+    MapWindowPoints(List(), window_, &at, 1);
+    POINT screen = drop;
+    ClientToScreen(List(), &screen);
+    SetCursorPos(screen.x, screen.y);
+    SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+    dragStatus_ = StatusText();
+    expectedStatus_ = "x=" + std::to_string(screen.x) + ", y=" + std::to_string(screen.y);
+    SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    Drain();
+  }
+
+  static void SetClipboardText(const std::string& text) {
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, text.size() + 1);
+    std::memcpy(GlobalLock(block), text.c_str(), text.size() + 1);
+    GlobalUnlock(block);
+    SetClipboardData(CF_TEXT, block);
+    CloseClipboard();
+  }
+
+  static std::string ClipboardText() {
+    if (!OpenClipboard(nullptr)) return "<not opened>";
+    std::string text;
+    if (HANDLE data = GetClipboardData(CF_TEXT)) {
+      const char* locked = static_cast<const char*>(GlobalLock(data));
+      text = locked ? locked : "<unreadable>";
+      GlobalUnlock(data);
+    }
+    CloseClipboard();
+    return text;
+  }
+
+  // The clipboard's text as another program gets it (clipboard_text.exe beside
+  // this test).
+  static std::string PastedElsewhere() {
+    char exe[MAX_PATH] = {};
+    GetModuleFileNameA(nullptr, exe, sizeof(exe));
+    std::string command = exe;
+    command = "\"" + command.substr(0, command.find_last_of("\\/") + 1) + "clipboard_text.exe\"";
+    SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
+    HANDLE read = nullptr, write = nullptr;
+    if (!CreatePipe(&read, &write, &inherit, 0)) return "<no pipe>";
+    SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
+    STARTUPINFOA si{};
+    si.cb = sizeof(si);
+    si.dwFlags = STARTF_USESTDHANDLES;
+    si.hStdOutput = write;
+    si.hStdError = write;
+    PROCESS_INFORMATION pi{};
+    const BOOL started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &si, &pi);
+    CloseHandle(write);
+    std::string text = started ? "" : "<not started>";
+    char chunk[256];
+    DWORD got = 0;
+    while (started && ReadFile(read, chunk, sizeof(chunk), &got, nullptr) && got > 0) text.append(chunk, got);
+    CloseHandle(read);
+    if (started) {
+      WaitForSingleObject(pi.hProcess, 10000);
+      CloseHandle(pi.hThread);
+      CloseHandle(pi.hProcess);
+    }
+    return text;
+  }
+
+  std::string dragStatus_, expectedStatus_;
+};
+
+// User -> Ascending and the second User -> Descending ask; the way back does not,
+// and keeps the sorted order as the stored one.
+TEST_F(KeyListTest, SortCycleAsksTwiceAndTheUserOrderIsLost) {
+  OpenWith({"b", "C", "a"});
+  const struct {
+    const char* answer;  // nullptr: no question
+    const char* header;
+    Names rows;
+  } clicks[] = {
+      {"No", "User", {"b", "C", "a"}},
+      {"Yes", "Ascending", {"a", "b", "C"}},
+      {nullptr, "User", {"a", "b", "C"}},
+      {"Yes", "Descending", {"C", "b", "a"}},
+      {nullptr, "User", {"C", "b", "a"}},
+  };
+  for (const auto& click : clicks) {
+    SetDatabaseChanged(false);
+    std::vector<ModalStep> steps;
+    if (click.answer) steps.push_back(Press(click.answer));
+    const auto result = RunModal(ClickHeader, std::move(steps));
+    ASSERT_TRUE(result.ok()) << click.header << ": " << result.Describe();
+    if (click.answer) {
+      EXPECT_EQ(result.seen[0].caption, "Quellbarrow");
+      EXPECT_EQ(result.seen[0].MessageText(), kSortQuestion);
+    }
+    EXPECT_EQ(Header(), click.header);
+    EXPECT_EQ(Rows(), click.rows) << click.header;
+    EXPECT_EQ(TableNames(), click.rows) << click.header;
+    // Only a Yes changes the stored order; the clicks back to User keep it.
+    EXPECT_EQ(DatabaseChanged(), click.answer && std::string(click.answer) == "Yes") << click.header;
+  }
+}
+
+TEST_F(KeyListTest, DropRules) {
+  const struct {
+    const char* what;
+    int from;
+    int onRow;  // -1: below every row
+    Names rows;
+  } drops[] = {
+      {"on a row below: just before it", 0, 2, {"B", "A", "C", "D"}},
+      {"on a row above: just after it", 3, 1, {"A", "B", "D", "C"}},
+      {"on its own row: one place down", 1, 1, {"A", "C", "B", "D"}},
+      {"the last on its own row: every key once", 3, 3, {"A", "B", "C", "D"}},
+      {"outside every row: unchanged", 1, -1, {"A", "B", "C", "D"}},
+  };
+  for (const auto& drop : drops) {
+    OpenWith({"A", "B", "C", "D"});
+    POINT at = drop.onRow >= 0 ? RowPoint(drop.onRow) : POINT{RowPoint(3).x, RowRect(3).bottom + 40};
+    Drag(drop.from, at);
+    EXPECT_FALSE(KeyDragInProgress());
+    EXPECT_EQ(dragStatus_, expectedStatus_);
+    EXPECT_EQ(Rows(), drop.rows) << drop.what;
+    EXPECT_EQ(TableNames(), drop.rows) << drop.what;
+    EXPECT_EQ(DatabaseChanged(), drop.rows != Names({"A", "B", "C", "D"})) << drop.what;
+  }
+}
+
+TEST_F(KeyListTest, RenameInPlace) {
+  OpenWith({"A", "B"});
+  const struct {
+    const char* typed;
+    WPARAM key;
+    Names rows;
+  } edits[] = {
+      {"Renamed", VK_RETURN, {"A", "Renamed"}},
+      {"", VK_RETURN, {"A", "Renamed"}},
+      {"Dropped", VK_ESCAPE, {"A", "Renamed"}},
+  };
+  for (const auto& e : edits) {
+    SetDatabaseChanged(false);
+    SetFocus(List());
+    HWND edit = ListView_EditLabel(List(), 1);
+    ASSERT_TRUE(edit);
+    SetWindowTextA(edit, e.typed);
+    SendMessageA(edit, WM_KEYDOWN, e.key, 0);
+    Drain();
+    EXPECT_EQ(Rows(), e.rows) << e.typed;
+    EXPECT_EQ(TableNames(), e.rows) << e.typed;
+    EXPECT_EQ(DatabaseChanged(), std::string(e.typed) == "Renamed") << e.typed;
+  }
+  EXPECT_EQ(SelectedKey(), 1);
+}
+
+// The block handed to the clipboard is freed right after, as the program has
+// always done: other programs get the system's copy, while this process's own
+// handle is gone. So the text is read by a process of its own.
+TEST_F(KeyListTest, ClickPutsTheDescriptionOnTheClipboardOnlyWithTheOptionAndAText) {
+  WriteDatabase("Data.dat", {{"Mail", "mail", "", "me@example.org"}, {"Empty", "e", "", ""}});
+  ASSERT_TRUE(Open());
+  CreateKeyListColumn(List());
+  const struct {
+    const char* what;
+    std::uint32_t option;
+    int row;
+    bool placed;
+  } clicks[] = {
+      {"option off", 0, 0, false},
+      {"empty Description", 1, 1, false},
+      {"option on", 1, 0, true},
+  };
+  for (const auto& click : clicks) {
+    SetClipboardText("before");
+    const DWORD before = GetClipboardSequenceNumber();
+    Settings().copyDescription = click.option;
+    ClickRow(click.row);
+    EXPECT_EQ(SelectedKey(), click.row) << click.what;
+    EXPECT_EQ(GetClipboardSequenceNumber() != before, click.placed) << click.what;
+    EXPECT_EQ(GetClipboardOwner() == window_, click.placed) << click.what;
+    if (!click.placed) EXPECT_EQ(ClipboardText(), "before") << click.what;
+    EXPECT_EQ(PastedElsewhere(), click.placed ? "me@example.org" : "before") << click.what;
+  }
+}
+
+// A right click on a row selects it and opens the key commands' pop-up menu,
+// which the watcher reads and closes; on no row nothing opens.
+TEST_F(KeyListTest, RightClickOpensThePopupMenuOverARow) {
+  OpenWith({"A", "B", "C"});
+  for (const bool overRow : {true, false}) {
+    std::atomic<bool> done{false};
+    int items = -1;
+    UINT firstId = 0;
+    std::thread watcher([&] {
+      for (int i = 0; i < 300 && !done; ++i) {
+        HWND menu = FindWindowA("#32768", nullptr);
+        if (menu && IsWindowVisible(menu)) {
+          HMENU handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
+          items = GetMenuItemCount(handle);
+          firstId = GetMenuItemID(handle, 0);
+          PostMessageA(window_, WM_CANCELMODE, 0, 0);
+          PostMessageA(menu, WM_KEYDOWN, VK_ESCAPE, 0);
+          return;
+        }
+        Sleep(10);
+      }
+    });
+    const POINT at = overRow ? RowPoint(1) : POINT{RowPoint(2).x, RowRect(2).bottom + 40};
+    PostMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
+    PostMessageA(List(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    PumpUntil([&] { return items >= 0; }, overRow ? 3000 : 500);
+    done = true;
+    watcher.join();
+    Drain();
+    if (overRow) {
+      EXPECT_EQ(items, 7);  // "&Add key" .. "&Delete key" with two separators
+      EXPECT_EQ(firstId, static_cast<UINT>(IDM_ADD_KEY));
+      EXPECT_EQ(SelectedKey(), 1);
+    } else {
+      EXPECT_EQ(items, -1);
+    }
+  }
+}
+
+// Paste before any Copy does nothing; after a delete the pasted row shows what
+// the table holds past its last key: nothing.
+TEST_F(KeyListTest, CopyPasteAndDeleteKey) {
+  OpenWith({"A", "B", "C"});
+  Command(IDM_PASTE_KEY);
+  EXPECT_EQ(Rows(), (Names{"A", "B", "C"}));
+  EXPECT_FALSE(DatabaseChanged());
+
+  SelectRow(0);
+  Command(IDM_COPY_KEY);
+  EXPECT_EQ(CopiedKeyIndex(), 0u);
+
+  SelectRow(2);
+  auto result = CommandAnswered(IDM_DELETE_KEY, {Press("No")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].caption, "Quellbarrow");
+  EXPECT_EQ(result.seen[0].MessageText(), kDeleteKeyQuestion);
+  EXPECT_EQ(Rows(), (Names{"A", "B", "C"}));
+  result = CommandAnswered(IDM_DELETE_KEY, {Press("Yes")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Rows(), (Names{"A", "B"}));
+  EXPECT_TRUE(DatabaseChanged());
+
+  Command(IDM_PASTE_KEY);
+  EXPECT_EQ(Rows(), (Names{"A", "B", ""}));
+  EXPECT_EQ(Keys().count, 3);
+  EXPECT_STREQ(KeyNameBuffer().data(), "A");
+
+  // With no row selected Copy forgets the key.
+  ListView_SetItemState(List(), -1, 0, LVIS_SELECTED);
+  Command(IDM_COPY_KEY);
+  EXPECT_EQ(CopiedKeyIndex(), kNoCopiedKey);
+}
+
+}  // namespace
+}  // namespace qb::test
