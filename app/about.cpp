@@ -1,5 +1,7 @@
-// The about box "IDD_ABOUT" (command 50902): the program's name, version and icon
-// and a line of what it does.
+// The about box "IDD_ABOUT" (command 50902): the program's name, version and icon,
+// a line of what it does, and two links to the page of useful web links (the page
+// command 50306 opens).
+#include "acquire/browser.h"
 #include "app/frame.h"
 #include "base/app_state.h"
 #include "base/dispatch.h"
@@ -26,6 +28,39 @@ HFONT NameFont() {
   return font;
 }
 
+// The links' text: underlined, in the dialog's own font; made once, like the name.
+HFONT LinkFont(HWND dialog) {
+  static HFONT font = nullptr;
+  if (!font) {
+    LOGFONTA lf{};
+    HFONT dialogFont = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
+    if (!dialogFont || !GetObjectA(dialogFont, sizeof(lf), &lf)) return nullptr;
+    lf.lfUnderline = TRUE;
+    font = CreateFontIndirectA(&lf);
+  }
+  return font;
+}
+
+bool IsLink(int id) { return id == IDC_ABOUT_LINKS || id == IDC_ABOUT_WEB_PAGE; }
+
+// Link blue, the colour the system gives hot-tracked text.
+LRESULT OnAboutStaticColour(HWND, UINT, WPARAM wParam, LPARAM lParam) {
+  HWND control = reinterpret_cast<HWND>(lParam);
+  if (!IsLink(GetDlgCtrlID(control))) return FALSE;
+  HDC dc = reinterpret_cast<HDC>(wParam);
+  SetTextColor(dc, GetSysColor(COLOR_HOTLIGHT));
+  SetBkMode(dc, TRANSPARENT);
+  return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
+}
+
+// The hand over a link, as everywhere else links are shown.
+LRESULT OnAboutSetCursor(HWND dialog, UINT, WPARAM wParam, LPARAM) {
+  if (!IsLink(GetDlgCtrlID(reinterpret_cast<HWND>(wParam)))) return FALSE;
+  SetCursor(LoadCursor(nullptr, IDC_HAND));
+  SetWindowLongPtrA(dialog, DWLP_MSGRESULT, TRUE);
+  return TRUE;
+}
+
 LRESULT OnAboutOk(HWND dialog, WORD, WORD, LPARAM) {
   EndDialog(dialog, 1);
   return 1;
@@ -33,6 +68,8 @@ LRESULT OnAboutOk(HWND dialog, WORD, WORD, LPARAM) {
 
 const CommandRow kAboutCommands[] = {
     {IDOK,                OnAboutOk},
+    {IDC_ABOUT_LINKS,     OnLinksPageCommand},
+    {IDC_ABOUT_WEB_PAGE,  OnLinksPageCommand},
 };
 const CommandMap kAboutCommandMap = MakeCommandMap(kAboutCommands, kDefaultNone);
 
@@ -44,12 +81,18 @@ LRESULT OnAboutInit(HWND dialog, UINT, WPARAM, LPARAM) {
   if (HFONT font = NameFont())
     SendDlgItemMessageA(dialog, IDC_ABOUT_NAME, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   SetDlgItemTextA(dialog, IDC_ABOUT_VERSION, kVersionText);
+  if (HFONT font = LinkFont(dialog)) {
+    SendDlgItemMessageA(dialog, IDC_ABOUT_LINKS, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    SendDlgItemMessageA(dialog, IDC_ABOUT_WEB_PAGE, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  }
   return 1;  // the focus goes to OK
 }
 
 const MessageRow kAboutMessages[] = {
     {WM_COMMAND,          OnAboutCommand},
     {WM_INITDIALOG,       OnAboutInit},
+    {WM_CTLCOLORSTATIC,   OnAboutStaticColour},
+    {WM_SETCURSOR,        OnAboutSetCursor},
 };
 const MessageMap kAboutMessageMap = MakeMessageMap(kAboutMessages, kDefaultNone);
 
@@ -58,6 +101,12 @@ INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
 }
 
 }  // namespace
+
+// Clicks on the links arrive as STN_CLICKED; the menu command as a plain command.
+LRESULT OnLinksPageCommand(HWND, WORD, WORD, LPARAM) {
+  OpenLinksPage();
+  return 0;
+}
 
 LRESULT OnAboutBoxCommand(HWND window, WORD, WORD, LPARAM) {
   DialogBoxParamA(App().instance, "IDD_ABOUT", window, AboutDialogProc, 0);
