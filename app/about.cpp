@@ -43,12 +43,15 @@ HFONT LinkFont(HWND dialog) {
 
 bool IsLink(int id) { return id == IDC_ABOUT_LINKS || id == IDC_ABOUT_WEB_PAGE; }
 
-// Link blue, the colour the system gives hot-tracked text.
+// Link blue, fixed: some colour schemes give hot-tracked text a pale grey that
+// barely shows on the dialog's face.
+constexpr COLORREF kLinkColour = RGB(0, 102, 204);
+
 LRESULT OnAboutStaticColour(HWND, UINT, WPARAM wParam, LPARAM lParam) {
   HWND control = reinterpret_cast<HWND>(lParam);
   if (!IsLink(GetDlgCtrlID(control))) return FALSE;
   HDC dc = reinterpret_cast<HDC>(wParam);
-  SetTextColor(dc, GetSysColor(COLOR_HOTLIGHT));
+  SetTextColor(dc, kLinkColour);
   SetBkMode(dc, TRANSPARENT);
   return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
 }
