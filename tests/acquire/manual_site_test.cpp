@@ -1,5 +1,5 @@
-// The texts of "Scan Manual": the site folder cut from a captured address, the
-// address line a hand-picked page is recorded under, and the DataHtml test.
+// The texts of "Scan Manual": the site folder cut from a captured address and the
+// address line a hand-picked page is recorded under.
 #include "acquire/manual_site.h"
 
 #include <gtest/gtest.h>
@@ -48,13 +48,6 @@ TEST(ManualSite, SiteLineDropsTheSchemeAndEndsWithTheFileTitle) {
     SCOPED_TRACE(row.site);
     EXPECT_EQ(ManualSiteLine(row.site, "form.htm"), row.line);
   }
-}
-
-TEST(ManualSite, DataHtmlPrefixIgnoresLetterCase) {
-  EXPECT_TRUE(LiesInFolder("C:\\Prog\\DataHtml\\a.htm", "c:\\prog\\datahtml\\"));
-  EXPECT_TRUE(LiesInFolder("C:\\Prog\\DataHtml\\Shops\\a.htm", "C:\\Prog\\DataHtml\\"));
-  EXPECT_FALSE(LiesInFolder("C:\\Prog\\DataHtml2\\a.htm", "C:\\Prog\\DataHtml\\"));
-  EXPECT_FALSE(LiesInFolder("C:\\Prog\\a.htm", "C:\\Prog\\DataHtml\\"));
 }
 
 }  // namespace

@@ -43,18 +43,11 @@ TEST_F(LinksPage, BothAboutLinksOpenThePage) {
       PostMessageA(link, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
     });
   };
-  std::string texts[2];
   const auto result = RunModal([&] { Command(IDM_ABOUT); },
                                {click(IDC_ABOUT_LINKS), Again(click(IDC_ABOUT_WEB_PAGE)),
-                                Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-                                  texts[0] = WindowText(GetDlgItem(dialog, IDC_ABOUT_LINKS));
-                                  texts[1] = WindowText(GetDlgItem(dialog, IDC_ABOUT_WEB_PAGE));
-                                  ClickButton(dialog, IDOK);
-                                }))});
+                                Again(Press("OK"))});
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(OpenedLines(2), Page() + "\r\n" + Page() + "\r\n");
-  EXPECT_EQ(texts[0], "Useful web links");
-  EXPECT_EQ(texts[1], "Pages about web forms");
 }
 
 }  // namespace

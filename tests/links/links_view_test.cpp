@@ -10,7 +10,6 @@
 #include "links/link_dialogs.h"
 #include "links/link_paths.h"
 #include "links/links_view.h"
-#include "scan/scan_driver.h"
 #include "tests/scan/scan_fixture.h"
 #include "tests/support/main_window_fixture.h"
 

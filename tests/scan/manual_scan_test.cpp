@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "acquire/browser.h"
-#include "scan/scan_driver.h"
 #include "tests/scan/scan_fixture.h"
 
 namespace qb::test {
@@ -108,31 +107,6 @@ TEST_F(ManualScan, RoadsThatEndWithoutARecord) {
     }
     EXPECT_EQ(ProgramRegistry().FindUrlForFile(Saved("form.htm")), std::nullopt);
     EXPECT_FALSE(FilledPageWritten());
-  }
-}
-
-// The hand-typed address dialog's procedure, on the template it was meant for.
-TEST_F(ManualScan, HandTypedAddressIsKeptOnlyWhenNotEmpty) {
-  const struct {
-    const char* typed;
-    INT_PTR result;
-  } rows[] = {{"www.example.com/shop/", 1}, {"", 0}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.typed);
-    ManualUrlText() = kManualUrlStart;
-    std::string shown;
-    INT_PTR result = -1;
-    const auto modal = RunModal(
-        [&] { result = DialogBoxParamA(Instance(), "IDD_MANUAL", window_, ManualUrlDialogProc, 0); },
-        {Custom([&](HWND dialog, const WindowSnapshot&) {
-          shown = WindowText(GetDlgItem(dialog, IDC_MANUAL_URL));
-          SetControlText(dialog, IDC_MANUAL_URL, row.typed);
-          ClickButton(dialog, IDOK);
-        })});
-    ASSERT_TRUE(modal.ok()) << modal.Describe();
-    EXPECT_EQ(shown, kManualUrlStart);
-    EXPECT_EQ(result, row.result);
-    EXPECT_EQ(ManualUrlText(), row.typed);
   }
 }
 
