@@ -11,8 +11,8 @@
 namespace qb {
 namespace {
 
-// A scan may have saved a page into the folder the Links view shows (or, a
-// page without forms, taken it away again).
+// A scan may have saved a page into the folder the Links view shows, or deleted
+// the one it downloaded when it held no form.
 void ShowSavedPages() {
   if (LinksViewShown()) RefreshLinksView();
 }

@@ -8,9 +8,9 @@
 #include "base/app_state.h"
 #include "links/link_dialogs.h"
 #include "links/link_paths.h"
+#include "links/link_scan.h"
 #include "links/links_view.h"
 #include "resources/resource.h"
-#include "scan/scan_driver.h"
 
 namespace qb {
 namespace {
@@ -138,7 +138,7 @@ LRESULT OnGotoSiteCommand(HWND, WORD, WORD, LPARAM) {
 LRESULT OnScanLinkCommand(HWND, WORD id, WORD, LPARAM) {
   TargetRow row;
   if (!TakeDocumentRow(row)) return 0;
-  ScanSavedDocument(row.path, id == IDM_SCAN_PROMPT_HTML);
+  ScanSavedLink(row.path, id == IDM_SCAN_PROMPT_HTML);
   RefreshLinksView();
   return 0;
 }

@@ -4,6 +4,6 @@
 
 namespace qb {
 
-void ScanSavedLink(const std::string& path) { ScanSavedDocument(path, false); }
+void ScanSavedLink(const std::string& path, bool promptAll) { ScanSavedDocument(path, promptAll); }
 
 }  // namespace qb
