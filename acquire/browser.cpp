@@ -280,6 +280,12 @@ void OpenInBrowser(std::string_view text) {
   if (!opened) ShowMessage(kCantOpenBrowserText, nullptr, MB_OK);
 }
 
+void OpenUrlOfFile(std::string_view file) {
+  if (const std::optional<std::string> url = ProgramRegistry().FindUrlForFile(file)) OpenInBrowser("http://" + *url);
+}
+
+void OpenLinksPage() { OpenInBrowser(App().programDir + "\\" + kLinksPageName); }
+
 INT_PTR CALLBACK DefaultBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   return LookupMessage(kDefaultBrowserMessageMap, dialog, message, wParam, lParam);
 }

@@ -50,6 +50,14 @@ std::optional<std::string> CaptureBrowserUrl();
 // which then stays the browser kind.
 void OpenInBrowser(std::string_view text);
 
+// The site of a saved page: "http://" + the address the registry holds for `file`.
+// Nothing happens for a page the registry does not know.
+void OpenUrlOfFile(std::string_view file);
+
+// The page of useful links shipped beside the program, opened off line.
+constexpr char kLinksPageName[] = "weblinks.htm";
+void OpenLinksPage();
+
 INT_PTR CALLBACK DefaultBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 INT_PTR CALLBACK SelectBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 

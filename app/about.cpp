@@ -1,5 +1,7 @@
-// The about box "IDD_ABOUT" (command 50902): the program's name, version and icon
-// and a line of what it does.
+// The about box "IDD_ABOUT" (command 50902): the program's name, version and icon,
+// a line of what it does, and two links to the page of useful web links (the page
+// command 50306 opens).
+#include "acquire/browser.h"
 #include "app/frame.h"
 #include "base/app_state.h"
 #include "base/dispatch.h"
@@ -26,6 +28,20 @@ HFONT NameFont() {
   return font;
 }
 
+// The links' text: underlined, in the dialog's own font (the box keeps to its two
+// message rows, so the links are told apart by the line alone); made once, like the name.
+HFONT LinkFont(HWND dialog) {
+  static HFONT font = nullptr;
+  if (!font) {
+    LOGFONTA lf{};
+    HFONT dialogFont = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
+    if (!dialogFont || !GetObjectA(dialogFont, sizeof(lf), &lf)) return nullptr;
+    lf.lfUnderline = TRUE;
+    font = CreateFontIndirectA(&lf);
+  }
+  return font;
+}
+
 LRESULT OnAboutOk(HWND dialog, WORD, WORD, LPARAM) {
   EndDialog(dialog, 1);
   return 1;
@@ -33,6 +49,8 @@ LRESULT OnAboutOk(HWND dialog, WORD, WORD, LPARAM) {
 
 const CommandRow kAboutCommands[] = {
     {IDOK,                OnAboutOk},
+    {IDC_ABOUT_LINKS,     OnLinksPageCommand},
+    {IDC_ABOUT_WEB_PAGE,  OnLinksPageCommand},
 };
 const CommandMap kAboutCommandMap = MakeCommandMap(kAboutCommands, kDefaultNone);
 
@@ -44,6 +62,10 @@ LRESULT OnAboutInit(HWND dialog, UINT, WPARAM, LPARAM) {
   if (HFONT font = NameFont())
     SendDlgItemMessageA(dialog, IDC_ABOUT_NAME, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   SetDlgItemTextA(dialog, IDC_ABOUT_VERSION, kVersionText);
+  if (HFONT font = LinkFont(dialog)) {
+    SendDlgItemMessageA(dialog, IDC_ABOUT_LINKS, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    SendDlgItemMessageA(dialog, IDC_ABOUT_WEB_PAGE, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  }
   return 1;  // the focus goes to OK
 }
 
@@ -58,6 +80,12 @@ INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
 }
 
 }  // namespace
+
+// Clicks on the links arrive as STN_CLICKED; the menu command as a plain command.
+LRESULT OnLinksPageCommand(HWND, WORD, WORD, LPARAM) {
+  OpenLinksPage();
+  return 0;
+}
 
 LRESULT OnAboutBoxCommand(HWND window, WORD, WORD, LPARAM) {
   DialogBoxParamA(App().instance, "IDD_ABOUT", window, AboutDialogProc, 0);

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 
 #include "app/settings_file.h"
 #include "base/dispatch.h"
@@ -57,6 +58,9 @@ LRESULT OnDisplayChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 LRESULT OnMainNotify(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainDrawItem(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+// The manual scan's way into the scan driver, handed to it at start-up.
+void ScanSiteDocument(std::string_view urlAndFile);
+
 // Command handlers.
 LRESULT OnFileCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnOptionsDialogCommand(HWND window, WORD id, WORD code, LPARAM control);
@@ -66,5 +70,7 @@ LRESULT OnToolsCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnWindowCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnHelpCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnAboutBoxCommand(HWND window, WORD id, WORD code, LPARAM control);
+// 50306 "Useful &web links", and the about box's two links.
+LRESULT OnLinksPageCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 }  // namespace qb

@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include "acquire/manual_scan.h"
 #include "app/frame.h"
 #include "app/layout.h"
 #include "app/menu_state.h"
@@ -68,6 +69,7 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
                                   nullptr, instance, nullptr));
 
   SetBarFrameHooks(BarFrameHooks{CommandAvailable, ApplyMenuState});
+  SetSiteScan(ScanSiteDocument);
   InitToolBarDescriptor(Settings().toolBarSide);
   if (!CreateBar(ToolBarDescriptor(), window, IDB_TOOLBAR, IDB_TOOLBAR_MASK))
     return Quit(kToolBarFailed);

@@ -4,10 +4,13 @@
 #include <vector>
 
 #include "acquire/acquire_state.h"
+#include "acquire/browser.h"
 #include "base/app_state.h"
 #include "links/link_dialogs.h"
 #include "links/link_paths.h"
+#include "links/link_scan.h"
 #include "links/links_view.h"
+#include "resources/resource.h"
 
 namespace qb {
 namespace {
@@ -120,6 +123,22 @@ LRESULT OnMoveLinkCommand(HWND window, WORD, WORD, LPARAM) {
     ProgramRegistry().RenameFile(row.path, moved);
     if (CopyFileA(row.path.c_str(), moved.c_str(), FALSE)) DeleteFileA(row.path.c_str());
   }
+  RefreshLinksView();
+  return 0;
+}
+
+LRESULT OnGotoSiteCommand(HWND, WORD, WORD, LPARAM) {
+  TargetRow row;
+  if (!TakeDocumentRow(row)) return 0;
+  OpenUrlOfFile(row.path);
+  RefreshLinksView();
+  return 0;
+}
+
+LRESULT OnScanLinkCommand(HWND, WORD id, WORD, LPARAM) {
+  TargetRow row;
+  if (!TakeDocumentRow(row)) return 0;
+  ScanSavedLink(row.path, id == IDM_SCAN_PROMPT_HTML);
   RefreshLinksView();
   return 0;
 }

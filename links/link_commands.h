@@ -1,5 +1,6 @@
 // The Links menu's commands and "&Link info", rows of the main window's command
-// table: new folder, rename, delete, move a saved page, and the page's address.
+// table: new folder, rename, delete, move a saved page, the page's address and
+// site, and the scans of a saved page.
 #pragma once
 
 #include <windows.h>
@@ -14,6 +15,9 @@ LRESULT OnDeleteLinkCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnRenameLinkCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnMoveLinkCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnLinkInfoCommand(HWND window, WORD id, WORD code, LPARAM control);
+LRESULT OnGotoSiteCommand(HWND window, WORD id, WORD code, LPARAM control);
+// 50501 "&Scan File HTML" and 50502 "&Scan Prompt HTML" (every field asked).
+LRESULT OnScanLinkCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 // Empties and removes `folder` depth first, at most kDeleteLevelsMax levels deep;
 // sub-folders are entered only with `subfolders`, so without it a folder that

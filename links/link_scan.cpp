@@ -1,9 +1,9 @@
 #include "links/link_scan.h"
 
+#include "scan/scan_driver.h"
+
 namespace qb {
 
-// The scan driver of saved pages is not part of the program yet; until it is,
-// opening a document row only selects it.
-void ScanSavedLink(const std::string&) {}
+void ScanSavedLink(const std::string& path, bool promptAll) { ScanSavedDocument(path, promptAll); }
 
 }  // namespace qb

@@ -109,6 +109,8 @@
 #define IDC_ABOUT_ICON           424
 #define IDC_ABOUT_NAME           425
 #define IDC_ABOUT_VERSION        426
+#define IDC_ABOUT_LINKS          427
+#define IDC_ABOUT_WEB_PAGE       428
 
 // The program's version, shown in the about box
 #define QB_VERSION               "1.0"
@@ -150,6 +152,9 @@
 
 // IDD_SELECT_BROWSER
 #define IDC_SELECT_BROWSER_LIST  600
+
+// IDD_MANUAL: the address of a hand-picked page
+#define IDC_MANUAL_URL           650
 
 // IDD_NOMATCH
 #define IDC_NOMATCH_NAME         100

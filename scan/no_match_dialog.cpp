@@ -9,6 +9,7 @@
 #include "base/app_state.h"
 #include "base/dispatch.h"
 #include "base/help.h"
+#include "keys/key_editor.h"
 #include "keys/key_table.h"
 #include "resources/resource.h"
 #include "scan/matcher.h"
@@ -70,6 +71,23 @@ std::vector<std::string> ValuesOf(const NoMatchState& state) {
   return values;
 }
 
+// One row per key, in key order, each naming its key.
+void FillKeyList(HWND list) {
+  SendMessageA(list, LVM_DELETEALLITEMS, 0, 0);
+  const KeyTable& keys = Keys();
+  for (int k = 0; k < KeysInUse(keys); ++k) {
+    std::string name = KeyFieldText(keys, k, kName);
+    LVITEMA item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+    item.iItem = k;
+    item.pszText = name.data();
+    item.lParam = k;
+    SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+  }
+  // The one column fills the list.
+  SendMessageA(list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE_USEHEADER);
+}
+
 HWND CreateKeyList(HWND dialog, NoMatchState& state) {
   RECT r = kKeyListRect;
   MapDialogRect(dialog, &r);
@@ -92,18 +110,7 @@ HWND CreateKeyList(HWND dialog, NoMatchState& state) {
   column.mask = LVCF_TEXT;
   column.pszText = const_cast<char*>("Keys");
   SendMessageA(list, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
-  const KeyTable& keys = Keys();
-  for (int k = 0; k < KeysInUse(keys); ++k) {
-    std::string name = KeyFieldText(keys, k, kName);
-    LVITEMA item{};
-    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
-    item.iItem = k;
-    item.pszText = name.data();
-    item.lParam = k;
-    SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-  }
-  // The one column fills the list.
-  SendMessageA(list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE_USEHEADER);
+  FillKeyList(list);
   return list;
 }
 
@@ -231,6 +238,23 @@ LRESULT OnNoMatchUnMatch(HWND dialog, WORD, WORD, LPARAM) {
   return 0;
 }
 
+// A key made on the spot from the field's name (and the chosen value). The editor
+// may have sorted the table while the Keys view was filled again, so the list is
+// filled anew and the new key looked up where it stands now.
+LRESULT OnNoMatchCreateNew(HWND dialog, WORD, WORD, LPARAM) {
+  NoMatchState& state = StateOf(dialog);
+  const std::string name = TextOf(FieldOf(state).name).substr(0, kCreateNewTextMax);
+  const std::string value =
+      ChoosesValue(state.request->kind) ? SelectedValueText(dialog).substr(0, kCreateNewTextMax) : std::string();
+  OpenKeyEditor(dialog, kEditorAddPrepared, name, value);
+  const int created = KeyEditorNewKey();
+  HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
+  FillKeyList(list);
+  if (KeyInTable(Keys(), static_cast<std::uint32_t>(created))) SelectKeyRow(list, created);
+  SetFocus(list);
+  return 0;
+}
+
 LRESULT OnNoMatchCancelAll(HWND dialog, WORD, WORD, LPARAM) {
   StateOf(dialog).answer.cancelAll = true;
   EndDialog(dialog, 0);
@@ -247,6 +271,7 @@ const CommandRow kNoMatchCommands[] = {
     {IDCANCEL,               EndDialogCancelled},
     {IDC_NOMATCH_CANCEL_ALL, OnNoMatchCancelAll},
     {IDC_NOMATCH_UNMATCH,    OnNoMatchUnMatch},
+    {IDC_NOMATCH_CREATE,     OnNoMatchCreateNew},
     {IDC_HELP_BUTTON,        OnNoMatchHelp},
 };
 const CommandMap kNoMatchCommandMap = MakeCommandMap(kNoMatchCommands, kDefaultNone);

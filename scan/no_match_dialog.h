@@ -12,6 +12,7 @@ namespace qb {
 constexpr char kNoMatchDialogName[] = "IDD_NOMATCH";
 constexpr DWORD kNoMatchHelpContext = 1606;
 constexpr std::size_t kPromptTextMax = 260;  // the field name shown, a value learned
+constexpr std::size_t kCreateNewTextMax = 2000;  // the texts "Create New" hands the key editor
 
 constexpr char kSelectKeyFirstText[] = "First, you must select a key";
 constexpr char kSelectValueToLearnText[] =

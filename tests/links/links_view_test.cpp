@@ -10,6 +10,7 @@
 #include "links/link_dialogs.h"
 #include "links/link_paths.h"
 #include "links/links_view.h"
+#include "tests/scan/scan_fixture.h"
 #include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
@@ -221,9 +222,11 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRow) {
   EXPECT_EQ(App().linksFolder, root_);
   EXPECT_EQ(Selected(), RowOf("C"));
 
-  // A double click on a document leaves the folder as it is and names the page.
+  // A double click on a document leaves the folder as it is and names the page
+  // (which, holding no form, the scan reports).
   Enter("C");
-  Click(RowOf("page.htm"), NM_DBLCLK);
+  const auto scan = RunModal([&] { Click(RowOf("page.htm"), NM_DBLCLK); }, {Press("OK")});
+  EXPECT_TRUE(scan.ok()) << scan.Describe();
   EXPECT_EQ(App().linksFolder, root_ + "C\\");
   EXPECT_EQ(LinksView().selectedName, "page.htm");
   // A click only remembers the row: the next listing selects it again.
@@ -546,6 +549,98 @@ TEST_F(LinksViewTest, DownloadsGoToTheFolderTheViewShowsAndShowingItListsItAgain
   MakeFile("Shops\\new.htm");
   Command(IDM_KEY_WINDOW);
   EXPECT_EQ(Names(), (std::vector<std::string>{"", "new.htm"}));
+}
+
+// Scanning and visiting saved pages from the view, with the stand-in browser.
+class LinkScanTest : public LinksViewTest {
+ protected:
+  void SetUp() override {
+    LinksViewTest::SetUp();
+    UseStandInBrowser();
+    KeyTable& keys = Keys();
+    const int mail = keys.count++;
+    SetKeyField(keys, mail, kName, "Mail");
+    SetKeyField(keys, mail, kSearchNames, "email");
+    SetKeyField(keys, mail, kDescription, "me@example.com");
+    MakeFolder("Shops");
+    MakeFile("Shops\\order.htm", kMailPage);
+    WriteRegistry({{"www.example.com/shop/order.htm", "Shops\\order.htm"}});
+    ASSERT_NE(Open(), nullptr);
+    // The Keys view's selected key fills the text fields.
+    LVITEMA item{};
+    item.mask = LVIF_TEXT;
+    item.pszText = const_cast<char*>("Mail");
+    SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    SelectKeyRow(App().keysView, mail);
+  }
+
+  static constexpr char kMailPage[] =
+      "<html><body><form method=post action=/cgi/mail>\n"
+      "Mail <input type=text name=email>\n<input type=submit></form></body></html>\n";
+
+  std::string FilledPath() const { return dir_.File("QuellbarrowTemproaryFile.htm"); }
+  bool Filled() const {
+    return FileExists(FilledPath()) && ReadText(FilledPath()).find("value=\"me@example.com\"") != std::string::npos;
+  }
+  std::string Opened() { return BrowserOpened(dir_); }
+};
+
+TEST_F(LinkScanTest, DoubleClickOrEnterOnASavedPageScansIt) {
+  Enter("Shops");
+  auto result = RunModal([&] { Click(RowOf("order.htm"), NM_DBLCLK); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_TRUE(Filled());
+  EXPECT_EQ(Opened(), FilledPath() + "\r\n");
+  EXPECT_EQ(App().linksFolder, root_ + "Shops\\");
+
+  DeleteFileA(FilledPath().c_str());
+  result = RunModal([&] { Enter("order.htm"); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_TRUE(Filled());
+}
+
+// "&Scan File HTML" fills from the keys; "&Scan Prompt HTML" asks even for the field
+// a key answers. The view lists the folder again afterwards.
+TEST_F(LinkScanTest, ScanCommandsOnASavedPage) {
+  Enter("Shops");
+  Select("order.htm");
+  MakeFile("Shops\\later.htm");
+  auto result = RunModal([&] { Command(IDM_SCAN_FILE_HTML); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_TRUE(Filled());
+  EXPECT_NE(RowOf("later.htm"), -1);
+
+  DeleteFileA(FilledPath().c_str());
+  // The listing keeps the row number, which "later.htm" now holds.
+  Select("order.htm");
+  result = RunModal([&] { Command(IDM_SCAN_PROMPT_HTML); }, {Press("Cancel All")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  ASSERT_EQ(result.seen.size(), 1u);
+  EXPECT_EQ(result.seen[0].Control(IDC_NOMATCH_NAME)->text, "email");
+  EXPECT_TRUE(FileExists(FilledPath()));
+}
+
+TEST_F(LinkScanTest, GotoSiteOpensTheRecordedAddress) {
+  MakeFile("loose.htm");  // not recorded: nothing opens
+  ASSERT_TRUE(RefreshLinksView());
+  Select("loose.htm");
+  auto result = RunModal([&] { Command(IDM_GOTO_SITE); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  Enter("Shops");
+  Select("order.htm");
+  result = RunModal([&] { Command(IDM_GOTO_SITE); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Opened(), "http://www.example.com/shop/order.htm\r\n");
+}
+
+TEST_F(LinkScanTest, PageCommandsOnAFolderRowAreRefused) {
+  Select("Shops");
+  for (WORD command : {IDM_SCAN_FILE_HTML, IDM_SCAN_PROMPT_HTML, IDM_GOTO_SITE}) {
+    SCOPED_TRACE(command);
+    EXPECT_EQ(MessageOf(command), kNotALink);
+  }
+  EXPECT_FALSE(FileExists(FilledPath()));
+  EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
 }
 
 }  // namespace

@@ -224,3 +224,65 @@ TEST_F(NoMatchPrompt, UnMatchMakesTheKeyForgetTheName) {
 
 }  // namespace
 }  // namespace qb::test
+
+namespace qb::test {
+namespace {
+
+// "Create New" opens the key editor with the field's name and the chosen value; the
+// key it creates is listed and selected, so OK takes it.
+TEST_F(NoMatchPrompt, CreateNewMakesAKeyAndSelectsIt) {
+  Ask(kAskNever);
+  Settings().askForSelect[kPromptRadio] = kAskUnMatched;
+  AddKey("Zed", "", "", "z");
+  std::string editorName, editorDescription;
+  std::vector<std::string> rows;
+  int selected = -1;
+  Scan({Custom([](HWND dialog, const WindowSnapshot&) {
+          SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, 1, 0);
+          PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_NOMATCH_CREATE, BN_CLICKED),
+                       reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_NOMATCH_CREATE)));
+        }),
+        Custom([&](HWND editor, const WindowSnapshot&) {
+          editorName = WindowText(GetDlgItem(editor, IDC_KEYEDIT_NAME));
+          editorDescription = WindowText(GetDlgItem(editor, IDC_KEYEDIT_DESCRIPTION));
+          SetControlText(editor, IDC_KEYEDIT_NAME, "Colour");
+          ClickButton(editor, IDOK);
+        }),
+        Again(Custom([&](HWND dialog, const WindowSnapshot&) {
+          rows = KeyRows(dialog);
+          selected = SelectedKeyRow(dialog);
+          ClickButton(dialog, IDOK);
+        })),
+        Press("Cancel"), Press("Cancel")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(editorName, "COLOUR");
+  EXPECT_EQ(editorDescription, "green");
+  ASSERT_EQ(KeysInUse(Keys()), 3);
+  EXPECT_EQ(KeyFieldText(Keys(), 2, kName), "Colour");
+  EXPECT_EQ(KeyFieldText(Keys(), 2, kDescription), "green");
+  EXPECT_EQ(rows, (std::vector<std::string>{"Me", "Zed", "Colour"}));
+  EXPECT_EQ(selected, 2);
+  // The prompt's value choice stands, with the new key as the chosen one.
+  EXPECT_NE(FilledPage().find("<input type=\"radio\" checked name=\"COLOUR\" value=\"green\" >"), std::string::npos)
+      << FilledPage();
+}
+
+// An editor closed with Cancel adds nothing and leaves the list without a selection.
+TEST_F(NoMatchPrompt, CreateNewCancelledChangesNothing) {
+  Ask(kAskNever);
+  Settings().askForSelect[kPromptText] = kAskAllways;
+  std::vector<std::string> rows;
+  int selected = 0;
+  Scan({qb::test::Command(IDC_NOMATCH_CREATE), Press("Cancel"), Again(Custom([&](HWND dialog, const WindowSnapshot&) {
+          rows = KeyRows(dialog);
+          selected = SelectedKeyRow(dialog);
+          ClickButton(dialog, IDCANCEL);
+        }))});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(rows, std::vector<std::string>{"Me"});
+  EXPECT_EQ(selected, -1);
+  EXPECT_EQ(KeysInUse(Keys()), 1);
+}
+
+}  // namespace
+}  // namespace qb::test

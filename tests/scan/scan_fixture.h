@@ -56,6 +56,21 @@ inline void SelectKeyRow(HWND list, int row) {
   SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
 }
 
+// Makes the stand-in the browser that opens pages.
+inline void UseStandInBrowser() {
+  Settings().browserKind = kBrowserOther;
+  StoreSetting(Settings().otherBrowserCaption, kTestBrowserName);
+  StoreSetting(Settings().browserProgram, WinePath(QB_BROWSER_STAND_IN));
+}
+
+// What the stand-in browser was asked to open in the program folder `dir`, one
+// line per start, once it has written it.
+inline std::string BrowserOpened(const TempDir& dir) {
+  const std::string file = dir.File("opened.txt");
+  PumpUntil([&] { return FileExists(file) && !ReadText(file).empty(); }, 10000);
+  return FileExists(file) ? ReadText(file) : std::string();
+}
+
 class ScanTest : public MainWindowTest {
  protected:
   void SetUp() override {
@@ -65,9 +80,7 @@ class ScanTest : public MainWindowTest {
     CreateDirectoryA(dir_.File("DataHtml").c_str(), nullptr);
     SetCurrentLinksFolder("");
     SharedDownloadRequest() = DownloadRequest{};
-    Settings().browserKind = kBrowserOther;
-    StoreSetting(Settings().otherBrowserCaption, kTestBrowserName);
-    StoreSetting(Settings().browserProgram, WinePath(QB_BROWSER_STAND_IN));
+    UseStandInBrowser();
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
     WNDCLASSA wc{};
     wc.lpfnWndProc = DefWindowProcA;
@@ -127,12 +140,7 @@ class ScanTest : public MainWindowTest {
   std::string FilledPage() const { return ReadText(dir_.File("QuellbarrowTemproaryFile.htm")); }
   bool FilledPageWritten() const { return FileExists(dir_.File("QuellbarrowTemproaryFile.htm")); }
 
-  // What the stand-in browser was asked to open, once it has written it.
-  std::string Opened() {
-    const std::string file = dir_.File("opened.txt");
-    PumpUntil([&] { return FileExists(file) && !ReadText(file).empty(); }, 10000);
-    return FileExists(file) ? ReadText(file) : std::string();
-  }
+  std::string Opened() { return BrowserOpened(dir_); }
 
   std::vector<HWND> browsers_;
   std::string registry_;

@@ -1,0 +1,54 @@
+// "Useful &web links" and the about box's two links: each opens the page of links
+// that lies in the program folder, in the chosen browser (the scan tests' stand-in).
+#include <algorithm>
+
+#include "acquire/browser.h"
+#include "tests/scan/scan_fixture.h"
+#include "tests/support/main_window_fixture.h"
+
+namespace qb::test {
+namespace {
+
+class LinksPage : public MainWindowTest {
+ protected:
+  void SetUp() override {
+    MainWindowTest::SetUp();
+    UseStandInBrowser();
+    ASSERT_NE(Open(), nullptr);
+  }
+  std::string Page() const { return dir_.File(kLinksPageName); }
+  // The stand-in's lines once it has written `count` of them.
+  std::string OpenedLines(std::size_t count) {
+    const std::string file = dir_.File("opened.txt");
+    PumpUntil([&] {
+      const std::string text = FileExists(file) ? ReadText(file) : std::string();
+      return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) >= count;
+    }, 10000);
+    return FileExists(file) ? ReadText(file) : std::string();
+  }
+};
+
+TEST_F(LinksPage, MenuCommandOpensTheShippedPage) {
+  const auto result = RunModal([&] { EXPECT_EQ(Command(IDM_LINKS_PAGE), 0); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(OpenedLines(1), Page() + "\r\n");
+}
+
+// A click on either link opens the page and leaves the box open.
+TEST_F(LinksPage, BothAboutLinksOpenThePage) {
+  auto click = [](int id) {
+    return Custom([id](HWND dialog, const WindowSnapshot&) {
+      HWND link = GetDlgItem(dialog, id);
+      PostMessageA(link, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
+      PostMessageA(link, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+    });
+  };
+  const auto result = RunModal([&] { Command(IDM_ABOUT); },
+                               {click(IDC_ABOUT_LINKS), Again(click(IDC_ABOUT_WEB_PAGE)),
+                                Again(Press("OK"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(OpenedLines(2), Page() + "\r\n" + Page() + "\r\n");
+}
+
+}  // namespace
+}  // namespace qb::test
