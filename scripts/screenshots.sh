@@ -165,25 +165,13 @@ geometry=$(run "$driver" wait '#32770')
 shot about "$geometry"
 finish
 
-# The key editor in modify mode: keys added through the editor itself, then the
-# second key of the Keys view chosen and opened with 50202.
+# The key editor in modify mode: the sample database open, its second key chosen
+# in the Keys view and opened with 50202.
 prepare 0 0 0
+run "$win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" "$work/app/Databases/Data.dat" >/dev/null
 start
 run "$driver" wait Quellbarrow >/dev/null
 editor="Quellbarrow - Keys"
-add_key() {  # name search-names selection description ('|' breaks lines)
-  run "$driver" command 50200
-  run "$driver" dialog "$editor" >/dev/null
-  run "$driver" settext "$editor" 120 "$1"
-  run "$driver" setlines "$editor" 121 "$2"
-  run "$driver" setlines "$editor" 122 "$3"
-  run "$driver" setlines "$editor" 123 "$4"
-  run "$driver" click "$editor" 1
-}
-add_key "First name" "firstname, vorname, given_name" "" "Anna"
-add_key "Country" "country, land" "Germany|France|Netherlands" "Germany"
-add_key "Street" "street, address1, strasse" "" "Lindenallee 14"
-add_key "E-mail" "email, e-mail, mail" "" "anna.schmidt@example.org"
 run "$driver" pickrow 2901 1
 run "$driver" command 50202
 geometry=$(run "$driver" dialog "$editor")

@@ -289,3 +289,37 @@ TEST_F(DatabaseSlotsTest, AcceleratorFromTheKeyListSwitchesSlots) {
 
 }  // namespace
 }  // namespace qb::test
+
+namespace qb::test {
+namespace {
+
+// The key editor and the Keys view together: a key added through the editor and
+// a key changed in it show in the main window's list at once.
+TEST_F(DatabaseSlotsTest, KeysAddedAndChangedInTheEditorShowInTheKeysView) {
+  OpenWith({"A", "B"});
+  ModalResult result = RunModal(
+      [this] { SendMessageA(window_, WM_COMMAND, MAKEWPARAM(IDM_ADD_KEY, 0), 0); },
+      {Custom([](HWND editor, const WindowSnapshot&) {
+         SetControlText(editor, IDC_KEYEDIT_NAME, "C");
+         ClickButton(editor, IDOK);
+       })});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  Drain();
+  EXPECT_EQ(TableNames(), (Names{"A", "B", "C"}));
+  EXPECT_EQ(Rows(), (Names{"A", "B", "C"}));
+
+  ListView_SetItemState(List(), 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  result = RunModal(
+      [this] { SendMessageA(window_, WM_COMMAND, MAKEWPARAM(IDM_MODIFY_KEY, 0), 0); },
+      {Custom([](HWND editor, const WindowSnapshot& shown) {
+         EXPECT_EQ(shown.Control(IDC_KEYEDIT_NAME)->text, "B");
+         SetControlText(editor, IDC_KEYEDIT_NAME, "Bee");
+         ClickButton(editor, IDOK);
+       })});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  Drain();
+  EXPECT_EQ(Rows(), (Names{"A", "Bee", "C"}));
+}
+
+}  // namespace
+}  // namespace qb::test
