@@ -15,6 +15,7 @@
 #include "keys/database_slots.h"
 #include "keys/key_file.h"
 #include "keys/key_merge.h"
+#include "keys/key_rows.h"
 #include "keys/key_view_rules.h"
 #include "resources/resource.h"
 
@@ -102,12 +103,7 @@ void ShowKeys(HWND dialog, int listId, const KeyTable& table) {
   ListView_DeleteAllItems(list);
   const int count = KeysInUse(table);
   for (int i = 0; i < count; ++i) {
-    std::string name = KeyFieldText(table, i, kName);
-    LVITEMA item{};
-    item.mask = LVIF_TEXT;
-    item.iItem = i;
-    item.pszText = name.data();
-    SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    AddKeyRow(list, i, KeyFieldText(table, i, kName));
   }
   SendMessageA(list, WM_SETREDRAW, TRUE, 0);
 }
@@ -118,13 +114,8 @@ void ShowBoth(HWND dialog) {
 }
 
 void PrepareList(HWND list) {
-  ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT);
-  RECT client;
-  GetClientRect(list, &client);
-  LVCOLUMNA column{};
-  column.mask = LVCF_WIDTH;
-  column.cx = client.right - GetSystemMetrics(SM_CXVSCROLL);
-  SendMessageA(list, LVM_INSERTCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
+  AddFullWidthColumn(list);
+  AttachKeyPictures(list);
 }
 
 LRESULT OnNewDatabaseInit(HWND dialog, UINT, WPARAM, LPARAM) {
