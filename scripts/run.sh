@@ -3,10 +3,11 @@
 # help file and links page, its Databases and DataHtml folders, a sample key
 # database and first settings) and starts it under Wine beside a first look at its
 # main job: a sample order form served from 127.0.0.1:80 (as root) and shown in
-# Wine's Internet Explorer, which the settings name as the browser. Press "Scan
-# HTML" and the filled form opens in the browser. Without a display it runs under
-# Xvfb, presses "Scan HTML" itself and saves screenshots of the main window, the
-# prompt and the filled page.
+# Wine's Internet Explorer, which the settings name as the browser. Click a key in
+# the Keys view (text fields are filled only while the selected key has a
+# Description), press "Scan HTML" and the filled form opens in the browser. Without
+# a display it runs under Xvfb, does that itself and saves screenshots of the main
+# window, the prompt and the filled page.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -56,6 +57,7 @@ fi
 
 cd "$program"
 if [ "$headless" = 0 ]; then
+  [ -z "$site_pid" ] || echo 'Click a key in the Keys view, then press "Scan HTML" (F7) to fill the form shown in the browser.'
   wine Quellbarrow.exe || true
   [ -z "$site_pid" ] || kill "$site_pid"
   exit 0
@@ -71,6 +73,7 @@ if [ -n "$site_pid" ]; then
   i686-w64-mingw32-g++-posix -O1 -static -o "$driver" "$root/scripts/screenshot_driver.cpp"
   drive() { wine "$driver" "$@" </dev/null 2>/dev/null | tr -d '\r'; }
   if drive address "$address" >/dev/null; then
+    drive pickrow 2901 0 >/dev/null   # the first key: text fields need a selected key
     drive command 50500 >/dev/null
     if geometry=$(drive dialog "Quellbarrow - UnMatched Form field name") && [ -n "$geometry" ]; then
       import -window root -crop "$geometry" +repage "$build/quellbarrow-prompt.png"
