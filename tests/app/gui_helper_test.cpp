@@ -99,7 +99,7 @@ TEST(GuiHelper, UnforeseenBoxIsRecordedAndCancelledAndAMissingOneIsAnError) {
   EXPECT_EQ(result.unexpected[0].MessageText(), "surprise");
   EXPECT_EQ(answer, IDCANCEL);
 
-  result = RunModal([] {}, {Press("OK")}, ModalOptions{500});
+  result = RunModal([] {}, {Press("OK")}, ModalOptions{500, false, {}});
   EXPECT_EQ(result.errors.size(), 1u);
 }
 

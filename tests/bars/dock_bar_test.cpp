@@ -5,6 +5,13 @@
 namespace qb::test {
 namespace {
 
+// Answers the question box of another process too (the helper program's).
+ModalOptions AnyProcess() {
+  ModalOptions options;
+  options.anyProcess = true;
+  return options;
+}
+
 class Bars : public MainWindowTest {
  protected:
   void SetUp() override {
@@ -219,7 +226,7 @@ TEST_F(Bars, AButtonSendsItsCommandUnlessItIsGreyed) {
         Mouse(tool, WM_LBUTTONDOWN, p);
         Mouse(tool, WM_LBUTTONUP, p);
       },
-      {Press("No")}, ModalOptions{.anyProcess = true});
+      {Press("No")}, AnyProcess());
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_NE(result.seen[0].MessageText().find("QBHELP.HLP"), std::string::npos);
 }

@@ -50,7 +50,8 @@ BOOL CALLBACK FindBrowser(HWND w, LPARAM param) {
 
 // A browser window whose address bar holds `wanted`, once one shows it.
 AddressBar WaitForBrowser(const std::string& wanted, int timeoutMs) {
-  AddressBar bar{wanted};
+  AddressBar bar;
+  bar.wanted = wanted;
   PumpUntil([&] {
     EnumWindows(FindBrowser, reinterpret_cast<LPARAM>(&bar));
     return bar.browser != nullptr;
