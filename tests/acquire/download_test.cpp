@@ -78,23 +78,24 @@ TEST_F(Acquire, EmptyResponseGivesAnEmptyFileAndStillCompletes) {
   EXPECT_EQ(LastDownloadStatus(), "Connecting to: 127.0.0.1\r\n" + kSent + kDone);
 }
 
-TEST_F(Acquire, UnresolvableHostStopsAtTheFirstLineAndDeletesTheDiscardFile) {
-  // The discard file is the address without scheme, relative to the working folder.
-  CreateDirectoryA(dir.File("nosuchhost.invalid").c_str(), nullptr);
-  WriteText(dir.File("nosuchhost.invalid\\gone.htm"), "x");
+// An address read as a path from the working folder names the user's key
+// database; the clean-up deletes nothing the download did not write.
+TEST_F(Acquire, UnresolvableHostStopsAtTheFirstLineAndDeletesNothingTheAddressNames) {
+  CreateDirectoryA(dir.File("Databases").c_str(), nullptr);
+  WriteText(dir.File("Databases\\Data.dat"), "keys");
   std::string previous(MAX_PATH, '\0');
   previous.resize(GetCurrentDirectoryA(MAX_PATH, previous.data()));
   SetCurrentDirectoryA(dir.path().c_str());
-  ASSERT_EQ(PreparePageDownload("http://nosuchhost.invalid/gone.htm"), PrepareStatus::kReady);
+  ASSERT_EQ(PreparePageDownload("http://Databases/Data.dat"), PrepareStatus::kReady);
   StatusRecorder recorder;
 
   EXPECT_EQ(DownloadPage(), 0);
   SetCurrentDirectoryA(previous.c_str());
-  EXPECT_EQ(recorder.texts, Texts{"Connecting to: nosuchhost.invalid/gone.htm\r\n"});
-  const std::string file = dir.File("nosuchhost.invalid.gone.htm.htm");
+  EXPECT_EQ(recorder.texts, Texts{"Connecting to: Databases/Data.dat\r\n"});
+  const std::string file = dir.File("databases.Data.dat.htm");
   ASSERT_TRUE(FileExists(file));
   EXPECT_EQ(ReadText(file), "");
-  EXPECT_FALSE(FileExists(dir.File("nosuchhost.invalid\\gone.htm")));
+  EXPECT_EQ(ReadText(dir.File("Databases\\Data.dat")), "keys");
 }
 
 TEST_F(Acquire, ConnectionResetMidResponseKeepsThePartialFile) {
