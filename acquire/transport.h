@@ -14,7 +14,8 @@ namespace qb {
 constexpr int kStallLimitSeconds = 30;
 // Far above any real page: an endless answer stops here instead of filling the disk.
 constexpr std::uint32_t kMaxDownloadBytes = 32u * 1024 * 1024;
-// How long a transport may wait in one call before it looks at Cancelled() again.
+// How long a transport's receive waits before it looks at Cancelled() again. The
+// dialog never waits for the transport; this only lets a cancelled one end soon.
 constexpr int kCancelPollMilliseconds = 100;
 
 // The steps the dialog shows a line for, in this order.
