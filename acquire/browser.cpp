@@ -222,7 +222,7 @@ const MessageMap kDefaultBrowserMessageMap = MakeMessageMap(kDefaultBrowserMessa
 HINSTANCE Instance() { return App().instance ? App().instance : GetModuleHandleA(nullptr); }
 
 bool Launched(const char* program, std::string_view text) {
-  const std::string parameters(text);
+  const std::string parameters = BrowserArgument(text);
   const HINSTANCE result = ShellExecuteA(App().mainWindow, "open", program, parameters.c_str(),
                                          App().programDir.c_str(), SW_SHOWMAXIMIZED);
   return reinterpret_cast<INT_PTR>(result) > 32;

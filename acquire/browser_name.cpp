@@ -38,4 +38,18 @@ std::string_view WithoutHttp(std::string_view url) {
   return StartsWithNoCase(url, kHttp) ? url.substr(kHttp.size()) : url;
 }
 
+std::string BrowserArgument(std::string_view text) {
+  std::string argument;
+  for (char c : text) {
+    if (c == '"')
+      argument += "%22";
+    else
+      argument += c;
+  }
+  if (argument.find_first_of(" \t") == std::string::npos) return argument;
+  const std::size_t backslashes = argument.size() - 1 - argument.find_last_not_of('\\');
+  argument.append(backslashes, '\\');
+  return '"' + argument + '"';
+}
+
 }  // namespace qb

@@ -35,4 +35,10 @@ bool LooksLikeUrl(std::string_view text);
 // The text the registry is asked with: without a leading "http://".
 std::string_view WithoutHttp(std::string_view url);
 
+// A page's path or address as the parameters of the browser's start, so that it
+// arrives as one argument: quoted when it holds a blank or tab (backslashes before
+// the closing quote doubled, as the run-time library reads them), and a double
+// quote, which only an address can hold, written as "%22".
+std::string BrowserArgument(std::string_view text);
+
 }  // namespace qb

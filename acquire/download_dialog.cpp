@@ -1,14 +1,15 @@
 #include "acquire/download_dialog.h"
 
-#include <winsock.h>
-
-#include <array>
 #include <cstdio>
-#include <cstring>
+#include <deque>
 #include <memory>
+#include <mutex>
 #include <string_view>
+#include <thread>
+#include <utility>
 
 #include "acquire/acquire_state.h"
+#include "acquire/transport.h"
 #include "base/app_state.h"
 #include "base/dispatch.h"
 #include "resources/resource.h"
@@ -16,108 +17,213 @@
 namespace qb {
 namespace {
 
-constexpr WORD kWinsockVersion = 0x0101;
+// The worker's nudge that events wait in the channel.
+constexpr UINT kTransferEventMessage = WM_APP + 1;
+constexpr UINT_PTR kStallTimerId = 1;
+constexpr UINT kStallCheckMilliseconds = 1000;
+constexpr DWORD kStallLimitMilliseconds = kStallLimitSeconds * 1000;
+constexpr std::uint32_t kBytesPerMegabyte = 1024 * 1024;
+constexpr char kTooLargeFormat[] =
+    "This HTML document is larger than %u MB, so the download was stopped.\n"
+    "The part received so far has been removed.";
 
 std::string& LastStatusText() {
   static std::string text;
   return text;
 }
 
+struct TransferEvent {
+  enum class Kind { kStep, kData, kTooLarge, kEnd };
+  Kind kind;
+  TransferStep step = TransferStep::kResolved;
+  std::string bytes;
+  bool completed = false;
+};
+
+// What the worker tells the dialog, queued under a lock and announced by a posted
+// message. Shared by both: the worker may still be finishing after the dialog is
+// gone, and then its events go nowhere.
+class TransferChannel : public TransferLink {
+ public:
+  explicit TransferChannel(HWND dialog) : dialog_(dialog) {}
+
+  bool Cancelled() const override {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return dialog_ == nullptr;
+  }
+  void Reached(TransferStep step) override { Push({TransferEvent::Kind::kStep, step, {}, false}); }
+  bool Received(std::string_view bytes) override {
+    received_ += bytes.size();
+    if (received_ > kMaxDownloadBytes) {
+      Push({TransferEvent::Kind::kTooLarge, TransferStep::kResolved, {}, false});
+      return false;
+    }
+    return Push({TransferEvent::Kind::kData, TransferStep::kResolved, std::string(bytes), false});
+  }
+  void Ended(bool completed) {
+    Push({TransferEvent::Kind::kEnd, TransferStep::kResolved, std::string(), completed});
+  }
+
+  // User-interface thread.
+  std::deque<TransferEvent> Take() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(events_, {});
+  }
+  void Detach() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    dialog_ = nullptr;
+    events_.clear();
+  }
+
+ private:
+  bool Push(TransferEvent event) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!dialog_) return false;
+    events_.push_back(std::move(event));
+    PostMessageA(dialog_, kTransferEventMessage, 0, 0);
+    return true;
+  }
+
+  mutable std::mutex mutex_;
+  HWND dialog_;
+  std::deque<TransferEvent> events_;
+  std::uint64_t received_ = 0;  // worker thread only
+};
+
 struct FileCloser {
   void operator()(std::FILE* f) const { std::fclose(f); }
 };
 
-// One transfer, from WSAStartup to the dialog's end. Every failed step leaves
-// through CleanUp(), which releases whatever is still held exactly once.
-class Transfer {
+// One transfer as its dialog sees it: the status lines, the local file, the
+// limits and how the dialog ends. Lives on the caller's stack for the dialog.
+class DownloadSession {
  public:
-  explicit Transfer(HWND dialog) : dialog_(dialog) {}
+  enum class Variant { kGet, kPost };
+  explicit DownloadSession(Variant variant) : variant_(variant) {}
+  ~DownloadSession() { Stop(); }
+  DownloadSession(const DownloadSession&) = delete;
+  DownloadSession& operator=(const DownloadSession&) = delete;
 
-  bool StartWinsock() {
-    WSADATA data;
-    winsock_ = WSAStartup(kWinsockVersion, &data) == 0;
-    return winsock_;
-  }
+  void Start(HWND dialog) {
+    dialog_ = dialog;
+    LastStatusText().clear();
+    const DownloadRequest& request = SharedDownloadRequest();
+    std::string wire;
+    if (variant_ == Variant::kGet) {
+      path_ = request.localFile;
+      wire = BuildGetRequest(request.host, request.path);
+    } else {
+      std::string& text = SharedRequestText();
+      if (request.host.empty() || !AppendPostHeader(text)) return End(kDownloadEnded);
+      path_ = App().programDir + kPostResponseFile;
+      wire = text;
+    }
+    // Text mode: every line feed of the response is written as CR LF.
+    file_.reset(std::fopen(path_.c_str(), "w"));
+    if (!file_) return End(kDownloadEnded);
+    created_ = true;
 
-  // Text mode: every line feed of the response is written as CR LF.
-  bool OpenOutput(const std::string& path) {
-    file_.reset(std::fopen(path.c_str(), "w"));
-    return file_ != nullptr;
-  }
-
-  // Connects to port 80 of `host`, sends `request` in one call and writes the
-  // response into the output file. True when the server ended it normally.
-  bool Exchange(const std::string& host, const std::string& shownPath, const std::string& request) {
     status_.Append("Connecting to: ");
-    status_.Append(host);
-    status_.Append(shownPath);
+    status_.Append(request.host);
+    // A POST shows the path of the most recent page download: it never sets one.
+    status_.Append(request.path);
     status_.Append("\r\n");
     Show();
-    socket_ = socket(AF_INET, SOCK_STREAM, 0);
-    if (socket_ == INVALID_SOCKET) return false;
-    const hostent* entry = gethostbyname(host.c_str());
-    if (!entry || entry->h_addrtype != AF_INET || !entry->h_addr_list || !entry->h_addr_list[0])
-      return false;
-    status_.Append("Connecting........");
-    Show();
+    lastActivity_ = GetTickCount();
+    SetTimer(dialog_, kStallTimerId, kStallCheckMilliseconds, nullptr);
+    channel_ = std::make_shared<TransferChannel>(dialog_);
+    std::shared_ptr<Transport> transport = MakeWinsockTransport(request.host, std::move(wire));
+    std::thread([channel = channel_, transport] { channel->Ended(transport->Run(*channel)); }).detach();
+  }
 
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(kHttpPort);
-    std::memcpy(&address.sin_addr, entry->h_addr_list[0], sizeof(address.sin_addr));
-    if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
-      return false;
-    status_.Append("OK\r\n");
-    Show();
+  void OnEvents() {
+    if (!channel_) return;
+    std::deque<TransferEvent> events = channel_->Take();
+    for (std::size_t i = 0; i < events.size() && channel_; ++i) {
+      lastActivity_ = GetTickCount();
+      TransferEvent& event = events[i];
+      switch (event.kind) {
+        case TransferEvent::Kind::kStep: ShowStep(event.step); break;
+        case TransferEvent::Kind::kData: {
+          // Chunks that queued up while the window was busy share one count line.
+          const bool more = i + 1 < events.size() && events[i + 1].kind == TransferEvent::Kind::kData;
+          Write(event.bytes, !more);
+          break;
+        }
+        case TransferEvent::Kind::kTooLarge: TooLarge(); break;
+        case TransferEvent::Kind::kEnd:
+          if (event.completed) Complete();
+          End(kDownloadEnded);
+          break;
+      }
+    }
+  }
 
-    if (send(socket_, request.data(), static_cast<int>(request.size()), 0) == SOCKET_ERROR)
-      return false;
-    status_.Append("Reciving........\r\n");
+  // A server that went quiet ends the transfer as a failed one: the file keeps
+  // what came, and the scan goes on to report a page without a form.
+  void OnTimer() {
+    if (channel_ && GetTickCount() - lastActivity_ >= kStallLimitMilliseconds) End(kDownloadEnded);
+  }
+
+  void Cancel() {
+    Discard();
+    End(kDownloadCancelled);
+  }
+
+ private:
+  void ShowStep(TransferStep step) {
+    switch (step) {
+      case TransferStep::kResolved: status_.Append("Connecting........"); break;
+      case TransferStep::kConnected: status_.Append("OK\r\n"); break;
+      case TransferStep::kSent: status_.Append("Reciving........\r\n"); break;
+    }
     Show();
-    status_.MarkCountLine();
-    return Receive();
+    if (step == TransferStep::kSent) status_.MarkCountLine();
+  }
+
+  void Write(std::string_view chunk, bool show) {
+    total_ += static_cast<std::uint32_t>(chunk.size());
+    if (show) {
+      status_.AppendByteCount(total_);
+      Show();
+      status_.CutToMark();
+    }
+    // Written as a text string: a zero byte ends what is kept of the chunk.
+    chunk = chunk.substr(0, chunk.find('\0'));
+    std::fwrite(chunk.data(), 1, chunk.size(), file_.get());
   }
 
   void Complete() {
     status_.Append("Downloaded OK\nClosing connection.....");
     Show();
-    file_.reset();
-    closesocket(socket_);
-    socket_ = INVALID_SOCKET;
-    WSACleanup();
-    winsock_ = false;
     EndDialog(dialog_, 1);
   }
 
-  // Every path ends here, a completed transfer included: its EndDialog(1) is
-  // overridden, so callers always get 0 and go on to open the local file.
-  void CleanUp() {
-    file_.reset();
-    if (socket_ != INVALID_SOCKET) closesocket(socket_);
-    socket_ = INVALID_SOCKET;
-    const std::string& discard = SharedDownloadRequest().discardFile;
-    if (!discard.empty()) DeleteFileA(discard.c_str());
-    if (winsock_) WSACleanup();
-    winsock_ = false;
-    EndDialog(dialog_, 0);
+  void TooLarge() {
+    Discard();
+    const unsigned megabytes = kMaxDownloadBytes / kBytesPerMegabyte;
+    MessageBoxA(dialog_, FormatText(kTooLargeFormat, megabytes).c_str(), nullptr, MB_OK | MB_ICONSTOP);
+    End(kDownloadTooLarge);
   }
 
- private:
-  bool Receive() {
-    std::array<char, kReceiveChunkSize> buffer;
-    for (;;) {
-      const int received = recv(socket_, buffer.data(), static_cast<int>(buffer.size()), 0);
-      if (received == SOCKET_ERROR) return false;  // the file keeps what came so far
-      if (received == 0) return true;
-      total_ += static_cast<std::uint32_t>(received);
-      status_.AppendByteCount(total_);
-      Show();
-      // Written as a text string: a zero byte ends what is kept of the chunk.
-      std::string_view chunk(buffer.data(), static_cast<std::size_t>(received));
-      chunk = chunk.substr(0, chunk.find('\0'));
-      std::fwrite(chunk.data(), 1, chunk.size(), file_.get());
-      status_.CutToMark();
+  // Removes the file this transfer wrote, and only that one.
+  void Discard() {
+    Stop();
+    if (created_) DeleteFileA(path_.c_str());
+  }
+
+  void Stop() {
+    if (channel_) {
+      channel_->Detach();
+      channel_.reset();
+      KillTimer(dialog_, kStallTimerId);
     }
+    file_.reset();
+  }
+
+  void End(INT_PTR result) {
+    Stop();
+    EndDialog(dialog_, result);
   }
 
   void Show() {
@@ -126,94 +232,81 @@ class Transfer {
     UpdateWindow(GetDlgItem(dialog_, IDC_DOWNLOAD_STATUS));
   }
 
-  HWND dialog_;
-  TransferStatus status_;
+  Variant variant_;
+  HWND dialog_ = nullptr;
+  std::string path_;
+  bool created_ = false;
   std::unique_ptr<std::FILE, FileCloser> file_;
-  SOCKET socket_ = INVALID_SOCKET;
-  bool winsock_ = false;
+  TransferStatus status_;
+  std::shared_ptr<TransferChannel> channel_;
   std::uint32_t total_ = 0;
+  DWORD lastActivity_ = 0;
 };
 
-LRESULT OnDownloadInit(HWND dialog, UINT, WPARAM, LPARAM) {
+DownloadSession& SessionOf(HWND dialog) {
+  return *reinterpret_cast<DownloadSession*>(GetWindowLongPtrA(dialog, DWLP_USER));
+}
+
+LRESULT OnDownloadInit(HWND dialog, UINT, WPARAM, LPARAM lParam) {
+  SetWindowLongPtrA(dialog, DWLP_USER, lParam);
   PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_DOWNLOAD_START, 0), 0);
   return TRUE;
 }
 
-LRESULT OnStartGet(HWND dialog, WORD, WORD, LPARAM) {
-  const DownloadRequest& request = SharedDownloadRequest();
-  Transfer transfer(dialog);
-  LastStatusText().clear();
-  if (transfer.StartWinsock() && transfer.OpenOutput(request.localFile) &&
-      transfer.Exchange(request.host, request.path, BuildGetRequest(request.host, request.path)))
-    transfer.Complete();
-  transfer.CleanUp();
+LRESULT OnStart(HWND dialog, WORD, WORD, LPARAM) {
+  SessionOf(dialog).Start(dialog);
   return 0;
 }
 
-LRESULT OnStartPost(HWND dialog, WORD, WORD, LPARAM) {
-  const DownloadRequest& request = SharedDownloadRequest();
-  LastStatusText().clear();
-  if (request.host.empty()) {
-    EndDialog(dialog, 0);
-    return 0;
-  }
-  Transfer transfer(dialog);
-  std::string& text = SharedRequestText();
-  // The path shown is the one of the most recent page download: a POST never sets it.
-  if (transfer.StartWinsock() && AppendPostHeader(text) &&
-      transfer.OpenOutput(App().programDir + kPostResponseFile) &&
-      transfer.Exchange(request.host, request.path, text))
-    transfer.Complete();
-  transfer.CleanUp();
+LRESULT OnCancel(HWND dialog, WORD, WORD, LPARAM) {
+  SessionOf(dialog).Cancel();
   return 0;
 }
 
-const CommandRow kGetCommands[] = {
-    {IDC_DOWNLOAD_START, OnStartGet},
+const CommandRow kDownloadCommands[] = {
+    {IDC_DOWNLOAD_START, OnStart},
+    {IDCANCEL,           OnCancel},
 };
-const CommandRow kPostCommands[] = {
-    {IDC_DOWNLOAD_START, OnStartPost},
-};
-const CommandMap kGetCommandMap = MakeCommandMap(kGetCommands, kDefaultNone);
-const CommandMap kPostCommandMap = MakeCommandMap(kPostCommands, kDefaultNone);
+const CommandMap kDownloadCommandMap = MakeCommandMap(kDownloadCommands, kDefaultNone);
 
-LRESULT OnGetCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kGetCommandMap, dialog, wParam, lParam);
+LRESULT OnDownloadCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
+  return LookupCommand(kDownloadCommandMap, dialog, wParam, lParam);
 }
 
-LRESULT OnPostCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kPostCommandMap, dialog, wParam, lParam);
+LRESULT OnTransferEvent(HWND dialog, UINT, WPARAM, LPARAM) {
+  SessionOf(dialog).OnEvents();
+  return 0;
 }
 
-const MessageRow kGetMessages[] = {
-    {WM_INITDIALOG, OnDownloadInit},
-    {WM_COMMAND,    OnGetCommand},
-};
-const MessageRow kPostMessages[] = {
-    {WM_INITDIALOG, OnDownloadInit},
-    {WM_COMMAND,    OnPostCommand},
-};
-const MessageMap kGetMessageMap = MakeMessageMap(kGetMessages, kDefaultNone);
-const MessageMap kPostMessageMap = MakeMessageMap(kPostMessages, kDefaultNone);
+LRESULT OnStallTimer(HWND dialog, UINT, WPARAM, LPARAM) {
+  SessionOf(dialog).OnTimer();
+  return 0;
+}
 
-INT_PTR RunDialog(DLGPROC procedure) {
+const MessageRow kDownloadMessages[] = {
+    {WM_INITDIALOG,         OnDownloadInit},
+    {WM_COMMAND,            OnDownloadCommand},
+    {kTransferEventMessage, OnTransferEvent},
+    {WM_TIMER,              OnStallTimer},
+};
+const MessageMap kDownloadMessageMap = MakeMessageMap(kDownloadMessages, kDefaultNone);
+
+INT_PTR CALLBACK DownloadProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  return LookupMessage(kDownloadMessageMap, dialog, message, wParam, lParam);
+}
+
+INT_PTR RunDialog(DownloadSession::Variant variant) {
+  DownloadSession session(variant);
   HINSTANCE instance = App().instance ? App().instance : GetModuleHandleA(nullptr);
-  return DialogBoxParamA(instance, kDownloadDialogName, App().mainWindow, procedure, 0);
+  return DialogBoxParamA(instance, kDownloadDialogName, App().mainWindow, DownloadProc,
+                         reinterpret_cast<LPARAM>(&session));
 }
 
 }  // namespace
 
-INT_PTR CALLBACK DownloadGetProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kGetMessageMap, dialog, message, wParam, lParam);
-}
+INT_PTR DownloadPage() { return RunDialog(DownloadSession::Variant::kGet); }
 
-INT_PTR CALLBACK DownloadPostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kPostMessageMap, dialog, message, wParam, lParam);
-}
-
-INT_PTR DownloadPage() { return RunDialog(DownloadGetProc); }
-
-INT_PTR PostRequest() { return RunDialog(DownloadPostProc); }
+INT_PTR PostRequest() { return RunDialog(DownloadSession::Variant::kPost); }
 
 const std::string& LastDownloadStatus() { return LastStatusText(); }
 

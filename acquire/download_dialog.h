@@ -1,8 +1,9 @@
-// The modal dialog IDD_DOWNLOADING: one HTTP/1.0 transfer over Winsock 1.1 on the
-// user-interface thread, with its progress lines in edit control 400. It posts
-// itself command 735 from WM_INITDIALOG so that it is shown before the blocking
-// calls start. No failure is reported inside it; the status simply stops at the
-// last line shown and the dialog closes.
+// The modal dialog IDD_DOWNLOADING: one HTTP/1.0 transfer with its progress lines
+// in edit control 400. The transfer itself runs on a worker thread (transport.h);
+// the dialog stays responsive, offers Cancel, ends a transfer that stalls for
+// kStallLimitSeconds as a failed one and stops one that passes kMaxDownloadBytes.
+// It posts itself command 735 from WM_INITDIALOG so that it is shown before the
+// work starts.
 #pragma once
 
 #include <windows.h>
@@ -15,16 +16,19 @@ constexpr char kDownloadDialogName[] = "IDD_DOWNLOADING";
 // Where a POST response lands, below the program directory.
 constexpr char kPostResponseFile[] = "\\datahtml\\ReciveData.htm";
 
+// What the dialogs end with. A completed or failed transfer ends with 0 (the
+// clean-up's result overrides the 1 of a completed one), so callers go on to open
+// the local file; the two others mean the user was told or chose, and the
+// transfer's file is gone.
+constexpr INT_PTR kDownloadEnded = 0;
+constexpr INT_PTR kDownloadCancelled = IDCANCEL;
+constexpr INT_PTR kDownloadTooLarge = 3;
+
 // GET of SharedDownloadRequest() into its local file, owned by the main window.
-// Always returns 0: the clean-up ends the dialog with 0 after a completed transfer
-// ended it with 1, and the later result is the one returned.
 INT_PTR DownloadPage();
 // POST of SharedRequestText() to the host of SharedDownloadRequest(); the response
-// goes to kPostResponseFile. Always returns 0, as DownloadPage does.
+// goes to kPostResponseFile.
 INT_PTR PostRequest();
-
-INT_PTR CALLBACK DownloadGetProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-INT_PTR CALLBACK DownloadPostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The status text as last shown by a download dialog of this process.
 const std::string& LastDownloadStatus();

@@ -14,6 +14,12 @@ constexpr std::string_view kIndexPage = "index.htm";
 constexpr std::string_view kSavedExtension = ".htm";
 constexpr std::string_view kPostHeaderStart = " HTTP/1.0\r\nCONTENT-LENGTH: ";
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
+// What cannot stand in one file name besides control characters.
+constexpr std::string_view kNotInFileName = "\\/:*?\"<>|";
+constexpr char kFileNameStandIn = '_';
+constexpr std::string_view kDeviceNames[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+constexpr std::string_view kNumberedDevices[] = {"com", "lpt"};
+constexpr std::size_t kNumberedDeviceLength = 4;  // "com1"
 
 }  // namespace
 
@@ -54,7 +60,23 @@ std::string SavedFileName(const UrlSplit& split) {
   name += '.';
   name += split.indexPage ? kIndexPage : std::string_view(split.lastSegment);
   name += kSavedExtension;
+  for (char& c : name) {
+    if (static_cast<unsigned char>(c) < 0x20 || kNotInFileName.find(c) != std::string_view::npos)
+      c = kFileNameStandIn;
+  }
   return name;
+}
+
+bool IsDeviceName(std::string_view name) {
+  std::string_view base = name.substr(0, name.find('.'));
+  // Windows drops trailing blanks before it compares: "nul .htm" is NUL too.
+  while (!base.empty() && base.back() == ' ') base.remove_suffix(1);
+  for (std::string_view device : kDeviceNames)
+    if (EqualNoCase(base, device)) return true;
+  if (base.size() != kNumberedDeviceLength || base[3] < '0' || base[3] > '9') return false;
+  for (std::string_view device : kNumberedDevices)
+    if (StartsWithNoCase(base, device)) return true;
+  return false;
 }
 
 std::string_view ChooseDownloadFolder(std::string_view linksFolder, std::string_view dataHtmlRoot) {
@@ -68,13 +90,12 @@ PrepareStatus PrepareDownload(std::string_view url, std::string_view folder, Dow
   UrlSplit split = SplitUrl(*schemeless);
   if (split.host.size() > kHostMax) return PrepareStatus::kHostTooLong;
   static_assert(kRequestPathMax >= kUrlTextMax, "a path cut from an address always fits");
-  std::string localFile = std::string(folder) + SavedFileName(split);
+  const std::string name = SavedFileName(split);
+  if (IsDeviceName(name)) return PrepareStatus::kDeviceName;
+  std::string localFile = std::string(folder) + name;
   if (localFile.size() > kLocalPathMax) return PrepareStatus::kFileNameTooLong;
 
   out.localFile = std::move(localFile);
-  // The scheme-less address names no file in the working folder, so deleting it
-  // normally does nothing; the dialog's clean-up deletes it all the same.
-  out.discardFile = std::string(*schemeless);
   out.host = std::move(split.host);
   out.path = std::move(split.path);
   return PrepareStatus::kReady;
@@ -91,6 +112,9 @@ std::string DescribePrepareStatus(PrepareStatus status) {
     case PrepareStatus::kFileNameTooLong:
       return "The file name for this HTML document would be too long.\nA file path can have at most " +
              std::to_string(kLocalPathMax) + " characters; select a shorter folder in the Links view.";
+    case PrepareStatus::kDeviceName:
+      return "This HTTP link would be saved under a name that Windows keeps for a device (CON, NUL, "
+             "COM1 and the like).\nThe HTML document was not downloaded.";
     case PrepareStatus::kReady:
     case PrepareStatus::kNotWebAddress:
       break;

@@ -26,10 +26,9 @@ constexpr std::uint16_t kHttpPort = 80;
 
 // Filled by the caller before the download dialog runs; read by both of its procedures.
 struct DownloadRequest {
-  std::string localFile;    // receives the response (GET)
-  std::string discardFile;  // deleted by the dialog's clean-up, whatever happened
-  std::string host;         // never with a port
-  std::string path;         // "/..." or empty
+  std::string localFile;  // receives the response (GET)
+  std::string host;       // never with a port
+  std::string path;       // "/..." or empty
 };
 
 // The address without "http://" or "https://" (any case); a text starting with
@@ -51,8 +50,14 @@ struct UrlSplit {
 UrlSplit SplitUrl(std::string_view schemeless);
 
 // "example.com.form.asp.htm": the host without a leading "www." and with its first
-// character lower-cased, ".", the last segment (or "index.htm"), ".htm".
+// character lower-cased, ".", the last segment (or "index.htm"), ".htm". Always one
+// file name: every character that cannot stand in one (path separators, ":" of a
+// stream, the wildcards and control characters) becomes "_".
 std::string SavedFileName(const UrlSplit& split);
+
+// True when Windows opens a device for this file name, whatever its extension:
+// CON, PRN, AUX, NUL, COM0-9, LPT0-9, CONIN$, CONOUT$ before the first ".".
+bool IsDeviceName(std::string_view name);
 
 // The Links folder when it is long enough to be a real folder, else the root.
 std::string_view ChooseDownloadFolder(std::string_view linksFolder, std::string_view dataHtmlRoot);
@@ -63,6 +68,7 @@ enum class PrepareStatus {
   kUrlTooLong,
   kHostTooLong,
   kFileNameTooLong,
+  kDeviceName,  // the saved name would open a device, not a file
 };
 
 // Fills `out` for a page download of `url` into `folder` (which ends with a

@@ -140,7 +140,7 @@ int main(int argc, char** argv) {
     Sleep(kBrowserEndMs);
   }
   const std::string saved = qb::SharedDownloadRequest().localFile;
-  const std::string address = qb::SharedDownloadRequest().discardFile;
+  const std::string address(qb::StripScheme(url).value_or(""));
   for (int run = 0; run < runs; ++run) {
     if (qb::PreparePageDownload(url) != qb::PrepareStatus::kReady) return 1;
     download.push_back(TimeIt([] { qb::DownloadPage(); }));

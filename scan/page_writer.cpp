@@ -18,6 +18,10 @@ constexpr std::string_view kHead =
     "<meta name=\"description\" content=\"A web form filled in from your keys\">"
     "<meta name=\"author\" content=\"Quellbarrow\">"
     "<meta name=\"generator\" content=\"Quellbarrow\">"
+    // The mark a browser leaves on a page it saves: the page is opened from a local
+    // file, and Internet Explorer then gives its scripts the Internet zone's rights,
+    // not a local file's. The number is the length of the address after it.
+    "<!-- saved from url=(0014)about:internet -->\r\n"
     "<title>Quellbarrow - Filled form</title></head>\n"
     "<body background=\"tovback.jpg\" bgcolor=\"#FFFFFF\" text=\"#000000\" vlink=\"#000080\">\n";
 constexpr std::string_view kBanner =

@@ -80,12 +80,14 @@ std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl, b
     ShowMessage(DescribePrepareStatus(status), nullptr, kErrorBox);
     return std::nullopt;
   }
-  // The dialog ends with 0 on every path, so a failed transfer shows up as a page
-  // without forms.
-  if (DownloadPage() == 1) {
+  // A failed or stalled transfer ends with 0, so it shows up as a page without
+  // forms. Cancel and the size limit remove the file and end the scan here.
+  const INT_PTR ended = DownloadPage();
+  if (ended == 1) {
     ShowMessage(kCantDownloadText, nullptr, kErrorBox);
     return std::nullopt;
   }
+  if (ended == kDownloadCancelled || ended == kDownloadTooLarge) return std::nullopt;
   page.file = SharedDownloadRequest().localFile;
   page.downloaded = true;
   return page;

@@ -42,5 +42,19 @@ TEST(BrowserName, AddressBarTextAndRegistryKey) {
   EXPECT_EQ(WithoutHttp("https://www.a.com/x"), "https://www.a.com/x");  // only "http://" is dropped
 }
 
+// Read back as the run-time library splits a command line, each stays one argument.
+TEST(BrowserName, ArgumentArrivesWhole) {
+  const struct {
+    const char *text, *argument;
+  } rows[] = {
+      {"C:\\App\\page.htm", "C:\\App\\page.htm"},
+      {"C:\\Program Files\\Q\\page.htm", "\"C:\\Program Files\\Q\\page.htm\""},
+      {"C:\\My Pages\\", "\"C:\\My Pages\\\\\""},  // a lone backslash would escape the quote
+      {"http://x.com/a\"b", "http://x.com/a%22b"},
+      {"http://x.com/a b\"c", "\"http://x.com/a b%22c\""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(BrowserArgument(row.text), row.argument) << row.text;
+}
+
 }  // namespace
 }  // namespace qb

@@ -11,6 +11,7 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/download_dialog.h"
+#include "acquire/transport.h"
 #include "base/app_state.h"
 #include "tests/acquire/transfer_helpers.h"
 #include "tests/support/main_window.h"
@@ -24,6 +25,11 @@ using Texts = std::vector<std::string>;
 const std::string kAccept = "Accept:text/plain\r\nAccept:text/html\r\nAccept:*/*\r\n\r\n";
 const std::string kSent = "Connecting........OK\r\nReciving........\r\n";
 const std::string kDone = "Downloaded OK\nClosing connection.....";
+constexpr DWORD kGivenBackMs = 2000;  // "at once", as a person sees it
+constexpr DWORD kStatusPatienceMs = 10000;
+constexpr DWORD kStatusPollMs = 20;
+constexpr std::uint32_t kBeyondLimit = 8u * 1024 * 1024;
+constexpr int kStreamPatienceMs = 120000;
 
 // The program directory and the Links folder in a fresh folder, no request pending.
 class Acquire : public ::testing::Test {
@@ -78,23 +84,24 @@ TEST_F(Acquire, EmptyResponseGivesAnEmptyFileAndStillCompletes) {
   EXPECT_EQ(LastDownloadStatus(), "Connecting to: 127.0.0.1\r\n" + kSent + kDone);
 }
 
-TEST_F(Acquire, UnresolvableHostStopsAtTheFirstLineAndDeletesTheDiscardFile) {
-  // The discard file is the address without scheme, relative to the working folder.
-  CreateDirectoryA(dir.File("nosuchhost.invalid").c_str(), nullptr);
-  WriteText(dir.File("nosuchhost.invalid\\gone.htm"), "x");
+// An address read as a path from the working folder names the user's key
+// database; the clean-up deletes nothing the download did not write.
+TEST_F(Acquire, UnresolvableHostStopsAtTheFirstLineAndDeletesNothingTheAddressNames) {
+  CreateDirectoryA(dir.File("Databases").c_str(), nullptr);
+  WriteText(dir.File("Databases\\Data.dat"), "keys");
   std::string previous(MAX_PATH, '\0');
   previous.resize(GetCurrentDirectoryA(MAX_PATH, previous.data()));
   SetCurrentDirectoryA(dir.path().c_str());
-  ASSERT_EQ(PreparePageDownload("http://nosuchhost.invalid/gone.htm"), PrepareStatus::kReady);
+  ASSERT_EQ(PreparePageDownload("http://Databases/Data.dat"), PrepareStatus::kReady);
   StatusRecorder recorder;
 
   EXPECT_EQ(DownloadPage(), 0);
   SetCurrentDirectoryA(previous.c_str());
-  EXPECT_EQ(recorder.texts, Texts{"Connecting to: nosuchhost.invalid/gone.htm\r\n"});
-  const std::string file = dir.File("nosuchhost.invalid.gone.htm.htm");
+  EXPECT_EQ(recorder.texts, Texts{"Connecting to: Databases/Data.dat\r\n"});
+  const std::string file = dir.File("databases.Data.dat.htm");
   ASSERT_TRUE(FileExists(file));
   EXPECT_EQ(ReadText(file), "");
-  EXPECT_FALSE(FileExists(dir.File("nosuchhost.invalid\\gone.htm")));
+  EXPECT_EQ(ReadText(dir.File("Databases\\Data.dat")), "keys");
 }
 
 TEST_F(Acquire, ConnectionResetMidResponseKeepsThePartialFile) {
@@ -107,6 +114,68 @@ TEST_F(Acquire, ConnectionResetMidResponseKeepsThePartialFile) {
   EXPECT_EQ(ReadText(dir.File("127.0.0.1.cut.htm.htm")), "HTTP/1.0 200 OK\r\r\n\r\r\n<html>part");
   // The box stops at the last line shown: the count, never "Downloaded OK".
   EXPECT_EQ(LastDownloadStatus(), "Connecting to: 127.0.0.1/cut.htm\r\n" + kSent + "29 Bytes");
+}
+
+// The dialog, not a step of its own: it comes and goes with every transfer.
+bool IsDownloadDialog(HWND window) { return GetDlgItem(window, IDC_DOWNLOAD_STATUS) != nullptr; }
+
+// Waits, off the dialog's thread, until its status box shows `text`.
+bool StatusShows(HWND dialog, const std::string& text) {
+  const DWORD start = GetTickCount();
+  while (WindowText(GetDlgItem(dialog, IDC_DOWNLOAD_STATUS)) != text) {
+    if (GetTickCount() - start > kStatusPatienceMs) return false;
+    Sleep(kStatusPollMs);
+  }
+  return true;
+}
+
+// A server that reads the request and never answers: the dialog has shown every
+// step so far, and Cancel ends the transfer at once and removes its file.
+TEST_F(Acquire, CancelEndsASilentTransferAtOnceAndRemovesItsFile) {
+  LoopbackReply silent;
+  silent.silent = true;
+  LoopbackServer server(silent);
+  ASSERT_TRUE(server.listening()) << server.error();
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/slow.htm"), PrepareStatus::kReady);
+  const std::string waiting = "Connecting to: 127.0.0.1/slow.htm\r\n" + kSent;
+  INT_PTR ended = -1;
+  DWORD pressed = 0, returned = 0;
+  const auto cancelWhileWaiting = [&](HWND dialog, const WindowSnapshot&) {
+    EXPECT_TRUE(StatusShows(dialog, waiting));
+    pressed = GetTickCount();
+    ClickButton(dialog, IDCANCEL);
+  };
+  const ModalResult result = RunModal(
+      [&] {
+        ended = DownloadPage();
+        returned = GetTickCount();
+      },
+      {Custom(cancelWhileWaiting)});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(ended, kDownloadCancelled);
+  EXPECT_LT(returned - pressed, kGivenBackMs);
+  EXPECT_EQ(LastDownloadStatus(), waiting);
+  EXPECT_FALSE(FileExists(dir.File("127.0.0.1.slow.htm.htm")));
+}
+
+TEST_F(Acquire, AnswerWithoutEndStopsAtTheSizeLimitAndLeavesNoFile) {
+  LoopbackReply endless;
+  endless.chunks = {"HTTP/1.0 200 OK\r\n\r\n"};
+  endless.streamBytes = kMaxDownloadBytes + kBeyondLimit;
+  LoopbackServer server(endless);
+  ASSERT_TRUE(server.listening()) << server.error();
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/endless.htm"), PrepareStatus::kReady);
+  INT_PTR ended = -1;
+  ModalOptions options;
+  options.passOver = IsDownloadDialog;
+  options.stepTimeoutMs = kStreamPatienceMs;
+  const ModalResult result = RunModal([&] { ended = DownloadPage(); }, {Press("OK")}, options);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen.at(0).MessageText(),
+            "This HTML document is larger than 32 MB, so the download was stopped.\n"
+            "The part received so far has been removed.");
+  EXPECT_EQ(ended, kDownloadTooLarge);
+  EXPECT_FALSE(FileExists(dir.File("127.0.0.1.endless.htm.htm")));
 }
 
 TEST_F(Acquire, LocalFileThatCannotBeCreatedTransfersNothing) {

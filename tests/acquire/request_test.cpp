@@ -24,6 +24,15 @@ TEST(PrepareDownload, SplitsAddressesAndNamesTheirFiles) {
       {"HTTP://Shop.Example.com/x", "Shop.Example.com", "/x", "shop.Example.com.x.htm"},
       {"http://WWW.Example.com/a b.htm", "WWW.Example.com", "/a", "example.com.a.htm"},
       {"http://  www.x.com/p", "www.x.com", "/p", "x.com.p.htm"},
+      // Whatever cannot stand in one file name becomes "_": the name stays in the folder.
+      {"http://127.0.0.1/club/\\..\\..\\outside\\victim", "127.0.0.1", "/club/\\..\\..\\outside\\victim",
+       "127.0.0.1._.._.._outside_victim.htm"},
+      {"http://..\\..\\outside\\host/", "..\\..\\outside\\host", "/", ".._.._outside_host.index.htm.htm"},
+      {"http://example.com/page:stream", "example.com", "/page:stream", "example.com.page_stream.htm"},
+      {"http://a*b|c\"d<e>/\tx", "a*b|c\"d<e>", "/\tx", "a_b_c_d_e_._x.htm"},
+      // Only a device's whole name before the first "." is one.
+      {"http://lpt1:80/", "lpt1:80", "/", "lpt1_80.index.htm.htm"},
+      {"http://console/", "console", "/", "console.index.htm.htm"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.url);
@@ -54,10 +63,15 @@ TEST(PrepareDownload, RejectsWhatItCannotSaveAndLeavesTheRequestAlone) {
       {"www.x/" + std::string(kUrlTextMax - 5, 'p'), PrepareStatus::kUrlTooLong},
       {"http://" + std::string(nameRoom, 'n'), PrepareStatus::kReady},
       {"http://" + std::string(nameRoom + 1, 'n'), PrepareStatus::kFileNameTooLong},
+      // Names Windows opens as devices, whatever follows the first ".".
+      {"http://con/", PrepareStatus::kDeviceName},
+      {"http://www.NUL/x", PrepareStatus::kDeviceName},
+      {"http://com7.example.com/", PrepareStatus::kDeviceName},
+      {"http://conout$/", PrepareStatus::kDeviceName},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.url);
-    DownloadRequest request{"keep", "keep", "keep", "keep"};
+    DownloadRequest request{"keep", "keep", "keep"};
     EXPECT_EQ(PrepareDownload(c.url, folder, request), c.expected);
     if (c.expected == PrepareStatus::kReady)
       EXPECT_EQ(request.localFile.size(), kLocalPathMax);

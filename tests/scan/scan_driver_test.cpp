@@ -6,10 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "acquire/browser.h"
+#include "acquire/transport.h"
 #include "scan/no_match_dialog.h"
 #include "tests/scan/scan_fixture.h"
 #include "tests/support/loopback_server.h"
@@ -26,6 +28,11 @@ const std::string kGetOnlyPage =
     "<html><body><form method=\"get\" action=\"/search\"><input type=\"text\" name=\"q\"></form></body></html>\n";
 
 std::string Http(const std::string& body) { return "HTTP/1.0 200 OK\r\n\r\n" + body; }
+
+constexpr DWORD kGivenBackMs = 2000;  // "at once", as a person sees it
+constexpr DWORD kAskPatienceMs = 10000;
+constexpr DWORD kPollMs = 20;
+constexpr int kStallSlackSeconds = 15;
 
 // The download dialog closes by itself, often before anyone could see it.
 bool IsDownloadDialog(HWND window) {
@@ -98,6 +105,90 @@ TEST_F(ScanHtmlCommand, PageWithOnlyGetFormsIsReportedAndItsFileDeleted) {
   EXPECT_FALSE(FileExists(Saved("127.0.0.1.search.htm.htm")));
   EXPECT_FALSE(FilledPageWritten());
   EXPECT_EQ(ProgramRegistry().FindUrlForFile(Saved("127.0.0.1.search.htm.htm")), std::nullopt);
+}
+
+// Addresses whose host or last segment would step out of DataHtml, name a stream or
+// a device: each page lands in one file inside DataHtml or nowhere, and the files
+// kept at the names these addresses used to make stay as they were.
+TEST_F(ScanHtmlCommand, AddressesNeverNameAFileOutsideDataHtml) {
+  LoopbackServer server({{Http(kOrderPage)}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  CreateDirectoryA(dir_.File("outside").c_str(), nullptr);
+  const std::vector<std::string> kept = {dir_.File("outside\\victim.htm"),
+                                         dir_.File("outside\\host.index.htm.htm"), Saved("127.0.0.1.page")};
+  for (const std::string& file : kept) WriteText(file, "kept");
+  struct Row {
+    std::string address;
+    std::string saved;    // in DataHtml; empty when nothing may be written
+    std::string message;  // the box the scan ends with, if any
+  } rows[] = {
+      {"http://127.0.0.1/club/\\..\\..\\outside\\victim", "127.0.0.1._.._.._outside_victim.htm", ""},
+      // Unresolvable: an empty page without a form, removed again.
+      {"http://..\\outside\\host/", "", kNoFormText},
+      {"http://127.0.0.1/page:stream", "127.0.0.1.page_stream.htm", ""},
+      {"http://con/", "", DescribePrepareStatus(PrepareStatus::kDeviceName)},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.address);
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+    ShowBrowser("Club - Test Browser", row.address);
+    ScanFromBrowser(row.message.empty() ? std::vector<ModalStep>{} : std::vector<ModalStep>{Press("OK")});
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    if (!row.message.empty()) {
+      EXPECT_EQ(result_.seen.at(0).MessageText(), row.message);
+    }
+    if (!row.saved.empty()) {
+      EXPECT_NE(ReadText(Saved(row.saved)).find("name=\"email\""), std::string::npos);
+    }
+  }
+  for (const std::string& file : kept) EXPECT_EQ(ReadText(file), "kept") << file;
+  EXPECT_EQ(server.Requests().size(), 2u);
+}
+
+// A server that accepts and never answers: Cancel gives the main window back at
+// once; left alone, the scan ends after the stall limit as a failed download
+// does. The keys stay as they were either way.
+TEST_F(ScanHtmlCommand, SilentServerIsCancelledAtOnceOrGivenUpAfterTheStallLimit) {
+  LoopbackReply silent;
+  silent.silent = true;
+  LoopbackServer server(silent);
+  ASSERT_TRUE(server.listening()) << server.error();
+  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
+  ShowBrowser("Slow - Test Browser", "http://127.0.0.1/slow.htm");
+  DWORD pressed = 0;
+  const auto cancelWhenAsked = [&](HWND dialog, const WindowSnapshot&) {
+    const DWORD start = GetTickCount();
+    while (server.Requests().empty() && GetTickCount() - start < kAskPatienceMs) Sleep(kPollMs);
+    pressed = GetTickCount();
+    ClickButton(dialog, IDCANCEL);
+  };
+  result_ = RunModal([&] { Command(IDM_SCAN_HTML); }, {Custom(cancelWhenAsked)});
+  const DWORD returned = GetTickCount();
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_LT(returned - pressed, kGivenBackMs);
+  EXPECT_TRUE(IsWindowEnabled(window_));
+  EXPECT_FALSE(FileExists(Saved("127.0.0.1.slow.htm.htm")));
+  EXPECT_FALSE(FilledPageWritten());
+
+  const DWORD start = GetTickCount();
+  DWORD told = 0;
+  const auto noteTime = [&](HWND box, const WindowSnapshot&) {
+    told = GetTickCount();
+    ClickButton(box, IDOK);
+  };
+  ModalOptions options;
+  options.passOver = IsDownloadDialog;
+  options.stepTimeoutMs = (kStallLimitSeconds + kStallSlackSeconds) * 1000;
+  result_ = RunModal([&] { Command(IDM_SCAN_HTML); }, {Custom(noteTime)}, options);
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(0).MessageText(), kNoFormText);
+  EXPECT_GE(told - start, static_cast<DWORD>(kStallLimitSeconds * 1000));
+  EXPECT_FALSE(FileExists(Saved("127.0.0.1.slow.htm.htm")));
+  EXPECT_EQ(server.Requests().size(), 2u);
+  EXPECT_EQ(KeysInUse(Keys()), 1);
+  EXPECT_EQ(KeyFieldText(Keys(), 0, kDescription), "me@example.com");
+  EXPECT_FALSE(DatabaseChanged());
 }
 
 // Each row: what the browser shows (or no browser), and the one box the scan ends with.
@@ -194,6 +285,54 @@ TEST_F(ScanHtmlCommand, DirectPostSendsThePairsInsteadOfOpeningThePage) {
   EXPECT_EQ(requests[0].substr(0, line.size()), line) << requests[0];
   EXPECT_TRUE(FileExists(dir_.File("datahtml\\ReciveData.htm")));
   EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
+}
+
+// The saved-from mark once, its number the length of the address after it, in the
+// head before the title.
+TEST_F(ScanHtmlCommand, FilledPageCarriesTheInternetZoneMarkBeforeItsTitle) {
+  const std::string path = SavePage("zone.htm", kOrderPage, "www.example.com/zone.htm");
+  result_ = RunModal([&] { ScanSavedDocument(path, false); }, {});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::string page = FilledPage();
+  const std::string opening = "<!-- saved from url=(";
+  const std::size_t mark = page.find(opening);
+  ASSERT_NE(mark, std::string::npos) << page;
+  EXPECT_EQ(page.find(opening, mark + 1), std::string::npos);
+  EXPECT_LT(page.find("<head>"), mark);
+  const std::size_t digits = mark + opening.size();
+  const std::size_t address = page.find(')', digits) + 1;
+  const std::size_t end = page.find(" -->\r\n", address);
+  ASSERT_EQ(address - digits, 5u) << page.substr(mark, 60);
+  EXPECT_EQ(std::stoul(page.substr(digits, 4)), end - address);
+  EXPECT_EQ(page.substr(address, end - address), "about:internet");
+  EXPECT_LT(end, page.find("<title>"));
+}
+
+// From a program folder with blanks in its path, the browser gets the filled
+// page, the links page and a saved page's site each as one argument.
+TEST_F(ScanHtmlCommand, BrowserGetsEachPageAsOneArgumentFromAFolderWithBlanks) {
+  const std::string program = dir_.File("Program Files");
+  CreateDirectoryA(program.c_str(), nullptr);
+  CreateDirectoryA((program + "\\DataHtml").c_str(), nullptr);
+  SetProgramDirectory(program);
+  const std::string saved = program + "\\DataHtml\\my order.htm";
+  WriteText(saved, kOrderPage);
+  WriteText(program + "\\" + kRegistryFileName,
+            std::string(kRegistryHeader) + "\r\nwww.example.com/my order.htm\r\n" + saved + "\r\n");
+  const std::string opened = program + "\\opened.txt";
+  std::string expected;
+  // One start at a time: each stand-in appends its line when it runs.
+  const auto open = [&](const std::function<void()>& action, const std::string& argument) {
+    expected += argument + "\r\n";
+    result_ = RunModal(action, {});
+    EXPECT_TRUE(result_.ok()) << result_.Describe();
+    EXPECT_TRUE(PumpUntil([&] { return FileExists(opened) && ReadText(opened).size() >= expected.size(); }, 10000));
+  };
+  open([&] { ScanSavedDocument(saved, false); }, program + "\\QuellbarrowTemproaryFile.htm");
+  open([] { OpenLinksPage(); }, program + "\\" + kLinksPageName);
+  open([&] { OpenUrlOfFile(saved); }, "http://www.example.com/my order.htm");
+  SetProgramDirectory(dir_.path());
+  EXPECT_EQ(ReadText(opened), expected);
 }
 
 // Browser capture: the windows found, their order, and the choice among them.

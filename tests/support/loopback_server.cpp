@@ -12,6 +12,8 @@ constexpr auto kContinuePatience = std::chrono::seconds(10);
 constexpr long kPollMicroseconds = 50 * 1000;  // how soon a stop is noticed
 constexpr std::size_t kRequestHeadMax = 64 * 1024;
 constexpr auto kResetDelay = std::chrono::milliseconds(300);
+constexpr std::size_t kStreamBlock = 64 * 1024;
+constexpr auto kSilencePatience = std::chrono::seconds(60);
 
 // Waits until `s` is readable or the poll interval passes.
 bool Readable(SOCKET s) {
@@ -105,10 +107,21 @@ void LoopbackServer::Answer(SOCKET client) {
     requests_.push_back(head);
     stepsWaited = continues_;
   }
+  if (reply_.silent) {
+    // Bounded, so that a client that cannot give up fails its test instead of hanging it.
+    const auto deadline = Clock::now() + kSilencePatience;
+    while (!stop_ && Clock::now() < deadline) {
+      if (Readable(client) && recv(client, buffer, sizeof(buffer), 0) <= 0) break;
+    }
+  }
   for (std::size_t i = 0; i < reply_.chunks.size(); ++i) {
     if (reply_.paced && i > 0 && !WaitForContinue(stepsWaited + i)) break;
     const std::string& chunk = reply_.chunks[i];
     if (send(client, chunk.data(), static_cast<int>(chunk.size()), 0) == SOCKET_ERROR) break;
+  }
+  const std::string filler(kStreamBlock, 'x');
+  for (std::size_t sent = 0; sent < reply_.streamBytes && !stop_; sent += filler.size()) {
+    if (send(client, filler.data(), static_cast<int>(filler.size()), 0) == SOCKET_ERROR) break;
   }
   if (reply_.paced && !reply_.chunks.empty()) WaitForContinue(stepsWaited + reply_.chunks.size());
   if (reply_.reset) {

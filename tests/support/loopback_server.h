@@ -2,7 +2,7 @@
 // thread of the test process with Winsock (the client only speaks port 80).
 //
 // Each accepted connection is read up to the end of its request head, answered
-// with the reply's chunks in order and closed. Other test programs may hold the
+// with the reply's chunks in order (or with silence, or without end) and closed. Other test programs may hold the
 // port for a while, so binding is retried for up to 30 seconds.
 #pragma once
 
@@ -26,6 +26,11 @@ struct LoopbackReply {
   // Ends the connection with a reset instead of an orderly close, so the
   // client's pending recv fails.
   bool reset = false;
+  // Reads the request and then answers nothing until the client or the server goes.
+  bool silent = false;
+  // After the chunks, streams filler until this many bytes went out or the client
+  // hung up: an answer without end, as far as any sane client can tell.
+  std::size_t streamBytes = 0;
 };
 
 class LoopbackServer {
