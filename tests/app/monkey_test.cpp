@@ -355,8 +355,10 @@ class Monkey : public MainWindowTest {
     const POINT p = RowPoint(list, &row);
     Log(std::string(what) + " " + ListName(list) + " row " + std::to_string(row));
     PointCursor(list, p);
+    // The release waits in the queue, as it does for a real click: the list
+    // watches the queue for it before it acts on the press.
+    PostMessageA(list, up, 0, MAKELPARAM(p.x, p.y));
     SendMessageA(list, down, down == WM_RBUTTONDOWN ? MK_RBUTTON : MK_LBUTTON, MAKELPARAM(p.x, p.y));
-    SendMessageA(list, up, 0, MAKELPARAM(p.x, p.y));
   }
 
   void Drag() {
