@@ -22,6 +22,11 @@
 #include <string>
 #include <vector>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #include "base/user_message.h"
 #include "keys/key_file.h"
 #include "keys/key_text.h"
@@ -123,6 +128,10 @@ int main(int argc, char** argv) {
     std::fputs(kUsage, stderr);
     return 2;
   }
+#ifdef _WIN32
+  // The same bytes on every platform: no CR before each line feed.
+  _setmode(_fileno(stdout), _O_BINARY);
+#endif
   qb::LabelKinds kinds;
   if (!kindsPath.empty()) {
     std::string text, error;
