@@ -9,10 +9,11 @@
 //   answered per key.
 //   --labels KINDS: the fields' data-manual-scoring labels judged by the kinds
 //   list KINDS (see tools/fill_report.h): answered / wanted per labelled kind, over
-//   every labelled field and over those in forms a scan fills; every fill of a
-//   field labelled otherwise, those of fields that must stay empty counted apart;
-//   the fills of accepted labels; and the wanted fields no key answers, which are
-//   the names to consider for the keys next.
+//   every labelled field (by the name the page writes; "misread" counts those the
+//   parser reads another name for) and over those in forms a scan fills; every
+//   fill of a field labelled otherwise, those of fields that must stay empty
+//   counted apart; the right fills of fields not counted as wanted; and the wanted
+//   fields no key answers, which are the names to consider for the keys next.
 // Exit status: 0 done (with --labels: and no wrong fill); 1 a file can't be read
 // or a wrong fill was found; 2 a wrong command line.
 #include <cstdio>
