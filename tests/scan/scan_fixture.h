@@ -87,16 +87,20 @@ class ScanTest : public MainWindowTest {
     wc.hInstance = Instance();
     wc.lpszClassName = kBrowserClass;
     RegisterClassA(&wc);
-    // What earlier tests copied would be offered where the browser shows no address.
-    if (OpenClipboard(window_)) {
-      EmptyClipboard();
-      CloseClipboard();
-    }
+    EmptyTheClipboard();
   }
 
   void TearDown() override {
     for (HWND w : browsers_) DestroyWindow(w);
+    EmptyTheClipboard();
     MainWindowTest::TearDown();
+  }
+
+  // An address copied before would be offered where the browser shows none.
+  void EmptyTheClipboard() {
+    if (!OpenClipboard(window_)) return;
+    EmptyClipboard();
+    CloseClipboard();
   }
 
   // A top-level window titled `caption` whose address bar shows `address`,
