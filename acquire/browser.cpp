@@ -236,27 +236,40 @@ void SetBrowserWindowChoiceOption(std::uint32_t choice) {
   g_browserWindowChoice = choice == kFirstBrowserWindow ? kFirstBrowserWindow : kPromptForBrowserWindow;
 }
 
-std::optional<std::string> CaptureBrowserUrl() {
+BrowserCapture CaptureBrowserAddress() {
+  BrowserCapture capture;
   BrowserWindows found;
   FindBrowserWindows(found);
   if (found.count == 0) {
-    ShowMessage(kNoBrowserWindowText, kAppName, MB_OK | MB_ICONSTOP);
-    return std::nullopt;
+    capture.noBrowserWindow = true;
+    return capture;
   }
   if (g_browserWindowChoice == kPromptForBrowserWindow && found.count > 1 &&
       DialogBoxParamA(Instance(), kSelectBrowserDialogName, App().mainWindow, SelectBrowserDialogProc,
                       reinterpret_cast<LPARAM>(&found)) != 1) {
-    return std::nullopt;
+    return capture;
   }
   const std::string& url = found.urls[found.selected];
   // An empty address bar is the scan's to report; every saved page would match it.
-  if (url.empty()) return url;
-  const std::optional<std::string> file = ProgramRegistry().FindFileForUrl(WithoutHttp(url));
-  if (!file) return url;
   // The question names the first window's address whichever window was chosen.
-  const std::string question = FormatText(kDownloadAgainFormat, found.urls[0].c_str(), file->c_str());
-  if (ShowMessage(question, kAppName, MB_YESNO | MB_ICONQUESTION) != IDYES) return std::nullopt;
-  return url;
+  if (url.empty() || MayDownloadAgain(url, found.urls[0])) capture.url = url;
+  return capture;
+}
+
+void TellNoBrowserWindow() { ShowMessage(kNoBrowserWindowText, kAppName, MB_OK | MB_ICONSTOP); }
+
+std::optional<std::string> CaptureBrowserUrl() {
+  BrowserCapture capture = CaptureBrowserAddress();
+  if (capture.noBrowserWindow) TellNoBrowserWindow();
+  return std::move(capture.url);
+}
+
+bool MayDownloadAgain(std::string_view url, std::string_view shownUrl) {
+  const std::optional<std::string> file = ProgramRegistry().FindFileForUrl(WithoutHttp(url));
+  if (!file) return true;
+  const std::string question =
+      FormatText(kDownloadAgainFormat, std::string(shownUrl).c_str(), file->c_str());
+  return ShowMessage(question, kAppName, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void OpenInBrowser(std::string_view text) {

@@ -45,6 +45,19 @@ void SetBrowserWindowChoiceOption(std::uint32_t choice);
 // a page the registry already knows.
 std::optional<std::string> CaptureBrowserUrl();
 
+// The same capture without the message for no browser window, which the caller
+// gives (TellNoBrowserWindow) when it has nothing else to offer.
+struct BrowserCapture {
+  std::optional<std::string> url;
+  bool noBrowserWindow = false;
+};
+BrowserCapture CaptureBrowserAddress();
+void TellNoBrowserWindow();
+
+// Asks before a page the registry knows under `url` is downloaded again; the
+// question names `shownUrl`. True when the download may go on.
+bool MayDownloadAgain(std::string_view url, std::string_view shownUrl);
+
 // Opens `text` (an address or a local file) in the browser of the settings. A bare
 // Internet Explorer or Netscape that cannot be started gives way to the other one,
 // which then stays the browser kind.

@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "acquire/no_case.h"
+#include "acquire/pasted_address.h"
 #include "base/settings.h"
 
 namespace qb {
@@ -30,7 +31,7 @@ std::size_t CaptionNameCount(std::string_view caption, std::string_view name) {
 }
 
 bool LooksLikeUrl(std::string_view text) {
-  return StartsWithNoCase(text, "http") || StartsWithNoCase(text, "www.");
+  return StartsWithNoCase(text, "http") || StartsWithNoCase(text, "www.") || IsFileUrl(text);
 }
 
 std::string_view WithoutHttp(std::string_view url) {

@@ -29,7 +29,8 @@ std::string_view BrowserCaptionName(std::uint32_t kind, std::string_view otherCa
 // A caption holding the name twice counts twice: its window is listed twice.
 std::size_t CaptionNameCount(std::string_view caption, std::string_view name);
 
-// The address bar's text: it begins with "http" or "www." (any case).
+// The address bar's text: it begins with "http", "www." or "file:///" (any case);
+// the last is a saved page the browser shows.
 bool LooksLikeUrl(std::string_view text);
 
 // The text the registry is asked with: without a leading "http://".

@@ -78,6 +78,7 @@ const CommandRow kMainCommands[] = {
     {IDM_SCAN_MANUAL,         OnToolsCommand},
     {IDM_SCAN_OPTIONS,        OnToolsCommand},
     {IDM_COMPACT_CONFIGHTML,  OnToolsCommand},
+    {IDM_SCAN_CLIPBOARD,      OnToolsCommand},
     {IDM_WINDOW_NORMAL,       OnWindowCommand},
     {IDM_WINDOW_ONTOP,        OnWindowCommand},
     {IDM_WINDOW_HORIZONTAL,   OnWindowCommand},

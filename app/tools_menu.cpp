@@ -26,6 +26,10 @@ LRESULT OnToolsCommand(HWND, WORD id, WORD, LPARAM) {
     ScanHtml(kScanWebPage, {}, false, false, false);
     ShowSavedPages();
   }
+  if (id == IDM_SCAN_CLIPBOARD) {
+    ScanClipboardAddress();
+    ShowSavedPages();
+  }
   if (id == IDM_SCAN_MANUAL) {
     RunManualScan(App().mainWindow);
     ShowSavedPages();

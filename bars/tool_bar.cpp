@@ -18,6 +18,7 @@ enum ToolPicture : int {
   kPicDeleteKey,
   kPicNewFolder,
   kPicHelp,
+  kPicScanClipboard,
 };
 
 const BarButton kToolButtons[] = {
@@ -26,6 +27,7 @@ const BarButton kToolButtons[] = {
     {0,                0,                  nullptr},
     {kPicScanHtml,     IDM_SCAN_HTML,      "Scan HTML"},
     {kPicScanFile,     IDM_SCAN_FILE_HTML, "Scan File HTML"},
+    {kPicScanClipboard, IDM_SCAN_CLIPBOARD, "Scan Address from Clipboard"},
     {0,                0,                  nullptr},
     {kPicAddKey,       IDM_ADD_KEY,        "Add key"},
     {kPicModifyKey,    IDM_MODIFY_KEY,     "Modify key"},

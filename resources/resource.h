@@ -52,6 +52,7 @@
 #define IDM_SCAN_MANUAL         50503
 #define IDM_SCAN_OPTIONS        50504
 #define IDM_COMPACT_CONFIGHTML  50505
+#define IDM_SCAN_CLIPBOARD      50506
 
 // &Window
 #define IDM_WINDOW_NORMAL       50800

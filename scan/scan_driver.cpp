@@ -9,6 +9,7 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/browser.h"
+#include "acquire/clipboard_address.h"
 #include "acquire/download_dialog.h"
 #include "base/app_state.h"
 #include "keys/key_table.h"
@@ -34,6 +35,13 @@ void TellCantOpen(const std::string& path) {
   ShowMessage(FormatText(kCantOpenLocationFormat, path.c_str()), nullptr, kErrorBox);
 }
 
+// An address to scan and whether the user named it (a saved page named so is
+// scanned even when the registry does not know it).
+struct StartAddress {
+  std::string text;
+  bool named = false;
+};
+
 // Where the page comes from, once the scan knows.
 struct ScanPage {
   std::string url;   // without scheme; empty for a saved document not in the registry
@@ -42,39 +50,68 @@ struct ScanPage {
   bool downloaded = false;  // this scan wrote `file`
 };
 
+// The clipboard's address where the browser showed none, when the user takes it.
+std::optional<PastedAddress> OfferedClipboardAddress() {
+  PastedAddress pasted = ClipboardAddress();
+  if (pasted.kind != PastedKind::kWeb && pasted.kind != PastedKind::kLocalFile) return std::nullopt;
+  const std::string question = std::string(kOfferClipboardText) + "\n\n" + pasted.line;
+  if (ShowMessage(question, kAppName, MB_YESNO | MB_ICONQUESTION) != IDYES) return std::nullopt;
+  return pasted;
+}
+
+// Where a scan's address comes from when no caller gave one: the browser, or the
+// clipboard when the browser showed none. Nothing after a message or when the user
+// stopped.
+std::optional<StartAddress> BrowserOrClipboardAddress() {
+  BrowserCapture capture = CaptureBrowserAddress();
+  if (capture.url && !capture.url->empty()) return StartAddress{std::move(*capture.url), false};
+  if (!capture.url && !capture.noBrowserWindow) return std::nullopt;
+  if (std::optional<PastedAddress> pasted = OfferedClipboardAddress()) {
+    if (pasted->kind == PastedKind::kWeb && !MayDownloadAgain(pasted->text, pasted->text))
+      return std::nullopt;
+    return StartAddress{std::move(pasted->text), true};
+  }
+  if (capture.noBrowserWindow) {
+    TellNoBrowserWindow();
+  } else {
+    ShowMessage(kNoLinkText, nullptr, kErrorBox);
+  }
+  return std::nullopt;
+}
+
 // The browser's address (or the caller's) as a page to read; nothing after a
-// message or when the user stopped.
-std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl, bool& localPath,
-                                std::string& path) {
-  std::string address;
+// message, when the user stopped, or when the address names a file of this
+// computer (`local` then holds it).
+std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl,
+                                StartAddress& local) {
+  StartAddress start{std::string(), fromFileOrUrl};
   ScanPage page;
+  bool fileGiven = false;
   if (fromFileOrUrl) {
     const std::size_t lf = location.find('\n');
-    address = std::string(location.substr(0, lf));
-    if (lf != std::string_view::npos) page.file = std::string(location.substr(lf + 1));
+    start.text = std::string(location.substr(0, lf));
+    fileGiven = lf != std::string_view::npos;
+    if (fileGiven) page.file = std::string(location.substr(lf + 1));
   } else {
-    std::optional<std::string> captured = CaptureBrowserUrl();
-    if (!captured) return std::nullopt;
-    if (captured->empty()) {
-      ShowMessage(kNoLinkText, nullptr, kErrorBox);
-      return std::nullopt;
-    }
-    address = std::move(*captured);
+    std::optional<StartAddress> chosen = BrowserOrClipboardAddress();
+    if (!chosen) return std::nullopt;
+    start = std::move(*chosen);
   }
+  if (IsFileUrl(start.text)) start.text = LocalPathOfFileUrl(start.text);
+  const std::string& address = start.text;
   const std::optional<std::string_view> schemeless = StripScheme(address);
   if (!schemeless) {
-    // The browser shows a file of this computer: it is scanned as a saved document.
+    // A file of this computer: it is scanned as a saved document.
     if (!CanOpen(address)) {
       TellCantOpen(address);
       return std::nullopt;
     }
-    localPath = true;
-    path = address;
+    local = std::move(start);
     return std::nullopt;
   }
   page.url = std::string(*schemeless);
   page.web = true;
-  if (fromFileOrUrl) return page;
+  if (fileGiven) return page;
   const PrepareStatus status = PreparePageDownload(address);
   if (status != PrepareStatus::kReady) {
     ShowMessage(DescribePrepareStatus(status), nullptr, kErrorBox);
@@ -148,15 +185,32 @@ int ScanHtml(int source, std::string_view location, bool fromFileOrUrl, bool pro
   SharedRequestText().clear();
   std::optional<ScanPage> page;
   if (source == kScanWebPage) {
-    bool localPath = false;
-    std::string path;
-    page = WebPage(location, fromFileOrUrl, localPath, path);
-    if (localPath) page = SavedPage(path, fromFileOrUrl);
+    StartAddress local;
+    page = WebPage(location, fromFileOrUrl, local);
+    if (!local.text.empty()) page = SavedPage(local.text, local.named);
   } else {
     page = SavedPage(std::string(location), fromFileOrUrl);
   }
   if (page) FillAndOpen(*page, promptAll, directPost);
   return 0;
+}
+
+int ScanClipboardAddress() {
+  const PastedAddress pasted = ClipboardAddress();
+  switch (pasted.kind) {
+    case PastedKind::kNone:
+      ShowMessage(kNoClipboardAddressText, kAppName, MB_OK | MB_ICONINFORMATION);
+      return 0;
+    case PastedKind::kTooLong:
+      ShowMessage(DescribePrepareStatus(PrepareStatus::kUrlTooLong), nullptr, kErrorBox);
+      return 0;
+    case PastedKind::kWeb:
+      if (!MayDownloadAgain(pasted.text, pasted.text)) return 0;
+      break;
+    case PastedKind::kLocalFile:
+      break;
+  }
+  return ScanHtml(kScanWebPage, pasted.text, true, false, false);
 }
 
 int ScanSavedDocument(std::string_view path, bool promptAll) {

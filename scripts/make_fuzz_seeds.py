@@ -138,6 +138,9 @@ def url_seeds():
         seeds['local-path-%s-%d' % (side, n)] = one('http://www.example.com/' + 'n' * (n - len(folder) - 4))
     for n, side in around(RECEIVE_CHUNK):
         seeds['get-request-%s-%d' % (side, n)] = one('http://h/' + 'g' * (n - 40))
+    # No folder: the whole text is a copied address, escapes and all.
+    for n, side in around(URL_MAX):
+        seeds['pasted-%s-%d' % (side, n)] = one('file:///C:/My%20Pages/' + 'f' * (n - 22), '')
     return seeds
 
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Builds Quellbarrow, prepares its program folder (build/program: the .exe, its
-# help file and links page, its Databases and DataHtml folders, a sample key
-# database and first settings) and starts it under Wine beside a first look at its
-# main job: a sample order form served from 127.0.0.1:80 (as root) and shown in
-# Wine's Internet Explorer, which the settings name as the browser. Click a key in
-# the Keys view (text fields are filled only while the selected key has a
+# help file and links page, its Databases and DataHtml folders, a sample and a
+# starter key database and first settings) and starts it under Wine beside a first
+# look at its main job: a sample order form served from 127.0.0.1:80 (as root) and
+# shown in Wine's Internet Explorer, which the settings name as the browser. Click a
+# key in the Keys view (text fields are filled only while the selected key has a
 # Description), press "Scan HTML" and the filled form opens in the browser. Without
 # a display it runs under Xvfb, does that itself and saves screenshots of the main
 # window, the prompt and the filled page.
@@ -18,6 +18,8 @@ program="$build/program"
 
 mkdir -p "$program/Databases" "$program/DataHtml"
 cp "$build/win/Quellbarrow.exe" "$build/win/QBHELP.HLP" "$root/resources/weblinks.htm" "$program/"
+# The starter database as the build wrote it; once there it is the user's to change.
+[ -f "$program/Databases/Starter.dat" ] || cp "$build/win/Databases/Starter.dat" "$program/Databases/"
 
 # The caller's display decides; the test session's Xvfb is not a user's screen.
 headless=0

@@ -18,6 +18,7 @@
 //   screenshot_driver press CAPTION ID      sends button ID's click to the window so titled
 //   screenshot_driver address TEXT          waits for a window whose address bar holds TEXT, prints its rectangle
 //   screenshot_driver setlines TITLE ID TEXT sets the text of control ID, '|' standing for a line break
+//   screenshot_driver menu LETTER [DOWNS]   opens the menu of mnemonic LETTER, moves DOWNS items down
 //   screenshot_driver pickrow ID ROW        selects row ROW of the main window's list view ID by keys
 //   screenshot_driver rclick ID X Y         right-clicks client point (X, Y) of the main window's child ID
 #include <windows.h>
@@ -272,6 +273,16 @@ int main(int argc, char** argv) {
     PostMessageA(list, WM_KEYDOWN, VK_HOME, 0);
     for (int i = std::atoi(argv[3]); i > 0; --i) PostMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
     Sleep(300);
+    return 0;
+  }
+  if (!std::strcmp(what, "menu") && argc >= 3) {
+    PostMessageA(main, WM_SYSCOMMAND, SC_KEYMENU, static_cast<unsigned char>(argv[2][0]));
+    Sleep(700);
+    for (int i = argc > 3 ? std::atoi(argv[3]) : 0; i > 0; --i) {
+      PostMessageA(main, WM_KEYDOWN, VK_DOWN, 1);
+      Sleep(200);
+    }
+    Sleep(700);  // the menu opens and paints, the status bar shows the item's help
     return 0;
   }
   if (!std::strcmp(what, "close")) {

@@ -8,10 +8,12 @@
 # about box. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
 # Then the sample database listed in the Keys view, the key list's pop-up menu and
-# New database's dialog with two keys chosen.
+# New database's dialog with two keys chosen; last the Tools menu and the tool bar
+# button of "Scan Address from Clipboard".
 # Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
 # add-compare,preview,links-root,links-folder,links-menu,help-contents,
-# help-key-editor,about,key-editor,keys-listed,keys-popup,new-database}.png
+# help-key-editor,about,key-editor,keys-listed,keys-popup,new-database,tools-menu,
+# scan-clipboard-button}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -204,4 +206,19 @@ run "$driver" dblclick "$newdb" 200 30 40
 geometry=$(run "$driver" dialog "$newdb")
 shot new-database "$geometry"
 run "$driver" click "$newdb" 2
+finish
+
+# The Tools menu on "Scan Address from Clipboard", its help line in the status
+# bar; then the pointer on its tool bar button, whose tip shows.
+prepare 0 0 0
+start
+geometry=$(run "$driver" wait Quellbarrow)
+run "$driver" menu t 1
+shot tools-menu "$geometry"
+finish
+prepare 0 0 0
+start
+geometry=$(run "$driver" wait Quellbarrow)
+run "$driver" hover ToolBar 124 15
+shot scan-clipboard-button "$geometry"
 finish

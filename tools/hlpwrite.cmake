@@ -17,28 +17,11 @@ list(TRANSFORM QB_HELP_TOPICS PREPEND ${CMAKE_SOURCE_DIR}/resources/help/)
 list(TRANSFORM QB_HELP_TOPICS APPEND .txt)
 set(QB_HELP_FILE ${CMAKE_BINARY_DIR}/QBHELP.HLP)
 
-if(CMAKE_CROSSCOMPILING)
-  # The cross build runs a copy of the writer compiled for the build machine, so
-  # making the help file needs neither Wine nor a running session.
-  find_program(QB_HOST_CXX NAMES c++ clang++ g++ REQUIRED)
-  set(writer ${CMAKE_BINARY_DIR}/host/hlpwrite)
-  add_custom_command(
-    OUTPUT ${writer}
-    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/host
-    COMMAND ${QB_HOST_CXX} -std=c++17 -O2 -I${CMAKE_SOURCE_DIR} -o ${writer} ${QB_HLPWRITE_SOURCES}
-    DEPENDS ${QB_HLPWRITE_SOURCES} ${QB_HLPWRITE_HEADERS}
-    COMMENT "Building hlpwrite for the build machine"
-    VERBATIM)
-  set(writer_target ${writer})
-else()
-  set(writer $<TARGET_FILE:hlpwrite>)
-  set(writer_target hlpwrite)
-endif()
-
+qb_build_runner(writer hlpwrite SOURCES ${QB_HLPWRITE_SOURCES} HEADERS ${QB_HLPWRITE_HEADERS})
 add_custom_command(
   OUTPUT ${QB_HELP_FILE}
   COMMAND ${writer} --title "Quellbarrow Help" ${QB_HELP_FILE} ${QB_HELP_TOPICS}
-  DEPENDS ${writer_target} ${QB_HELP_TOPICS}
+  DEPENDS ${writer_DEPENDS} ${QB_HELP_TOPICS}
   COMMENT "Writing QBHELP.HLP"
   VERBATIM)
 add_custom_target(qb_help ALL DEPENDS ${QB_HELP_FILE})

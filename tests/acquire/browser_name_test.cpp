@@ -1,8 +1,13 @@
-// Finding the browser by its windows' captions and its address bar by its text.
+// Finding the browser by its windows' captions and its address bar by its text,
+// and the address the user copied instead.
 #include "acquire/browser_name.h"
 
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "acquire/http_request.h"
+#include "acquire/pasted_address.h"
 #include "base/settings.h"
 
 namespace qb {
@@ -38,6 +43,8 @@ TEST(BrowserName, AddressBarTextAndRegistryKey) {
   EXPECT_TRUE(LooksLikeUrl("Www.a.com"));
   EXPECT_FALSE(LooksLikeUrl("about:blank"));
   EXPECT_FALSE(LooksLikeUrl("C:\\page.htm"));
+  EXPECT_TRUE(LooksLikeUrl("FILE:///C:/page.htm"));  // a saved page the browser shows
+  EXPECT_FALSE(LooksLikeUrl("file://server/page.htm"));
   EXPECT_EQ(WithoutHttp("http://www.a.com/x"), "www.a.com/x");
   EXPECT_EQ(WithoutHttp("https://www.a.com/x"), "https://www.a.com/x");  // only "http://" is dropped
 }
@@ -54,6 +61,43 @@ TEST(BrowserName, ArgumentArrivesWhole) {
       {"http://x.com/a b\"c", "\"http://x.com/a b%22c\""},
   };
   for (const auto& row : rows) EXPECT_EQ(BrowserArgument(row.text), row.argument) << row.text;
+}
+
+TEST(PastedAddress, FirstLineTellsWhatToScan) {
+  using K = PastedKind;
+  const std::string longest = "http://a.com/" + std::string(kUrlTextMax - 13, 'x');
+  const struct {
+    std::string clipboard;
+    K kind;
+    std::string text;
+  } rows[] = {
+      {" \r\n\thttp://a.com/f.htm \r\nhttp://second", K::kWeb, "http://a.com/f.htm"},
+      {"HTTPS://a.com", K::kWeb, "HTTPS://a.com"},
+      {"www.a.com/x?y=1 2", K::kWeb, "www.a.com/x?y=1 2"},
+      {"file:///C:/My%20Pages/form.htm", K::kLocalFile, "C:\\My Pages\\form.htm"},
+      {"File:///c:/a%2fb%25.htm?x#top", K::kLocalFile, "c:\\a/b%.htm"},  // an escaped "/" stays one
+      {"file:///C:/f%C3%A9.htm", K::kLocalFile, "C:\\f\xC3\xA9.htm"},  // UTF-8 bytes, converted by Windows
+      {"file:///C:/50%.htm%zz%00%4", K::kLocalFile, "C:\\50%.htm%zz%00%4"},
+      {"C:\\saved\\a.htm", K::kLocalFile, "C:\\saved\\a.htm"},
+      {"\\\\server\\share\\a.htm", K::kLocalFile, "\\\\server\\share\\a.htm"},
+      {std::string("http://a.com\0junk", 17), K::kWeb, "http://a.com"},
+      {"", K::kNone, ""},
+      {"   \r\n  ", K::kNone, ""},
+      {"hello\nhttp://a.com", K::kNone, ""},  // only the first line counts
+      {"about:blank", K::kNone, ""},
+      {"ftp://a.com/f.htm", K::kNone, ""},
+      {"file://server/share/a.htm", K::kNone, ""},
+      {"saved\\a.htm", K::kNone, ""},  // relative to nothing the user sees
+      {longest, K::kWeb, longest},
+      {longest + "x", K::kTooLong, ""},
+      {"file:///C:/" + std::string(kUrlTextMax - 10, 'x'), K::kTooLong, ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.clipboard.substr(0, 40));
+    const PastedAddress pasted = ParsePastedAddress(row.clipboard);
+    EXPECT_EQ(pasted.kind, row.kind);
+    EXPECT_EQ(pasted.text, row.text);
+  }
 }
 
 }  // namespace

@@ -1,12 +1,15 @@
 // Request preparation over any address and folder text: whatever is accepted
 // splits cleanly, names a file inside the folder within the path limit, and gives
-// a GET request that fits the receive buffer it is built in.
+// a GET request that fits the receive buffer it is built in. The same bytes as a
+// copied address: one trimmed line, kept within the address limit, and a local
+// path never longer than what was copied and never holding a NUL.
 #include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "acquire/http_request.h"
+#include "acquire/pasted_address.h"
 
 namespace {
 
@@ -14,11 +17,36 @@ void Check(bool condition) {
   if (!condition) std::abort();
 }
 
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+void CheckPasted(std::string_view clipboard) {
+  const qb::PastedAddress pasted = qb::ParsePastedAddress(clipboard);
+  const std::string& line = pasted.line;
+  Check(line.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos);
+  Check(line.empty() || (!IsBlank(line.front()) && !IsBlank(line.back())));
+  switch (pasted.kind) {
+    case qb::PastedKind::kNone:
+      Check(pasted.text.empty());
+      break;
+    case qb::PastedKind::kTooLong:
+      Check(line.size() > qb::kUrlTextMax && pasted.text.empty());
+      break;
+    case qb::PastedKind::kWeb:
+      Check(pasted.text == line && line.size() <= qb::kUrlTextMax && qb::StripScheme(line));
+      break;
+    case qb::PastedKind::kLocalFile:
+      Check(line.size() <= qb::kUrlTextMax && pasted.text.size() <= line.size());
+      Check(pasted.text.find('\0') == std::string::npos);
+      break;
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const std::string_view all(reinterpret_cast<const char*>(data) + 1, size - 1);
+  CheckPasted(all);
   const std::size_t folderLength = std::min<std::size_t>(data[0], all.size());
   const std::string_view folder = all.substr(0, folderLength);
   const std::string_view url = all.substr(folderLength);

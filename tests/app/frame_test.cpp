@@ -61,8 +61,9 @@ TEST(Resources, MenusHoldEveryCommandWithItsHelpLine) {
   HMENU menu = LoadMenuA(inst, "QUELLBARROW");
   ASSERT_NE(menu, nullptr);
   EXPECT_EQ(GetMenuItemCount(menu), 7);
-  // One item per row of the command table, both 50302 items included.
-  EXPECT_EQ(CountCommandsWithHelp(menu), 49);
+  // One item per row of the command table, both 50302 items and "Scan Address
+  // from Clipboard" included.
+  EXPECT_EQ(CountCommandsWithHelp(menu), 50);
   DestroyMenu(menu);
   for (const char* name : {"IPOPMENU", "POPLIST_MENU"}) {
     HMENU popup = LoadMenuA(inst, name);

@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "acquire/browser.h"
+#include "acquire/http_request.h"
 #include "acquire/transport.h"
 #include "scan/no_match_dialog.h"
 #include "tests/scan/scan_fixture.h"
@@ -49,10 +51,11 @@ ModalStep ReadRowsAndCancel(std::vector<std::string>& rows) {
 
 class ScanHtmlCommand : public ScanTest {
  protected:
-  void ScanFromBrowser(const std::vector<ModalStep>& steps) {
+  void ScanFromBrowser(const std::vector<ModalStep>& steps) { RunCommand(IDM_SCAN_HTML, steps); }
+  void RunCommand(WORD id, const std::vector<ModalStep>& steps) {
     ModalOptions options;
     options.passOver = IsDownloadDialog;
-    result_ = RunModal([&] { Command(IDM_SCAN_HTML); }, steps, options);
+    result_ = RunModal([&] { Command(id); }, steps, options);
   }
   ModalResult result_;
 };
@@ -371,6 +374,148 @@ TEST_F(ScanHtmlCommand, OtherBrowserCaptionMatchesInAnyCaseOncePerOccurrence) {
   ASSERT_TRUE(result_.ok()) << result_.Describe();
   EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/p.htm", "http://127.0.0.1/twice.htm",
                                             "http://127.0.0.1/twice.htm"}));
+}
+
+// An address copied in a browser whose address bar is none of Windows' edit
+// controls: "Scan Address from Clipboard", and the offer of "Scan HTML".
+class ScanClipboard : public ScanHtmlCommand {
+ protected:
+  void SetUp() override {
+    ScanHtmlCommand::SetUp();
+    ASSERT_NO_FATAL_FAILURE();
+    SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
+    SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
+  }
+
+  // Copied as a browser copies: Unicode text.
+  void Copy(const std::string& text) {
+    ASSERT_TRUE(OpenClipboard(window_));
+    EmptyClipboard();
+    const int size = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, static_cast<SIZE_T>(size) * sizeof(wchar_t));
+    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, static_cast<wchar_t*>(GlobalLock(block)), size);
+    GlobalUnlock(block);
+    SetClipboardData(CF_UNICODETEXT, block);
+    CloseClipboard();
+  }
+
+  void Run(WORD command, const std::vector<ModalStep>& steps) {
+    DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
+    RunCommand(command, steps);
+  }
+
+  bool FilledWithTheKey() const {
+    return FilledPage().find("name=\"email\" value=\"me@example.com\" >") != std::string::npos;
+  }
+};
+
+TEST_F(ScanClipboard, CopiedWebAddressIsDownloadedAndFilled) {
+  const std::string offer = std::string(kOfferClipboardText) + "\n\n";
+  const struct {
+    const char* what;
+    bool browser;
+    WORD command;
+    std::string address;
+    std::vector<ModalStep> steps;
+  } rows[] = {
+      {"the command", true, IDM_SCAN_CLIPBOARD, "http://127.0.0.1/one.asp?item=7", {}},
+      {"the offer, browser without an edit", true, IDM_SCAN_HTML, "http://127.0.0.1/two.asp", {Press("Yes")}},
+      {"the offer, no browser window", false, IDM_SCAN_HTML, "http://127.0.0.1/three.asp", {Press("Yes")}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+    if (row.browser) ShowBrowser("Order - Test Browser", "", false);
+    Copy("  " + row.address + " \r\nsecond line");
+    LoopbackServer server({{Http(kOrderPage)}});
+    ASSERT_TRUE(server.listening()) << server.error();
+    Run(row.command, row.steps);
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    if (!row.steps.empty()) {
+      EXPECT_EQ(result_.seen.at(0).MessageText(), offer + row.address);
+      EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow");
+    }
+    EXPECT_EQ(server.Requests().size(), 1u);
+    EXPECT_TRUE(FilledWithTheKey()) << FilledPage();
+    const std::string schemeless(*StripScheme(row.address));
+    EXPECT_TRUE(ProgramRegistry().FindFileForUrl(schemeless)) << schemeless;
+  }
+
+  // Declined, the scan ends as it did before the clipboard was asked.
+  Copy("http://127.0.0.1/four.asp");
+  Run(IDM_SCAN_HTML, {Press("No"), Press("OK")});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(1).MessageText(), kNoBrowserWindowText);
+  EXPECT_FALSE(FilledPageWritten());
+}
+
+// Saved pages by their file:/// address: from the clipboard even when the program
+// did not save them, from the browser's address bar when it did.
+TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
+  CreateDirectoryA(Saved("My Pages").c_str(), nullptr);
+  const std::string own = SavePage("My Pages\\order form.htm", kOrderPage);
+  const std::string accented = SavePage("My Pages\\caf\xE9.htm", kOrderPage);
+  const std::string known = SavePage("My Pages\\known page.htm", kOrderPage, "127.0.0.1/known.asp");
+  const auto fileUrl = [](std::string path, const std::string& name, const std::string& escaped) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    path.replace(path.find(" Pages/" + name), 7 + name.size(), "%20Pages/" + escaped);
+    return "file:///" + path;
+  };
+  const struct {
+    const char* what;
+    std::string address;
+    bool browser;
+    const char* action;
+  } rows[] = {
+      {"clipboard", fileUrl(own, "order form.htm", "order%20form.htm"), false, "http:///cgi/order"},
+      {"clipboard, UTF-8 escapes", fileUrl(accented, "caf\xE9.htm", "caf%C3%A9.htm"), false, "http:///cgi/order"},
+      {"address bar", fileUrl(known, "known page.htm", "known%20page.htm"), true, "http://127.0.0.1/cgi/order"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+    if (row.browser) ShowBrowser("Saved - Test Browser", row.address);
+    Copy(row.address);
+    Run(row.browser ? IDM_SCAN_HTML : IDM_SCAN_CLIPBOARD, {});
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    EXPECT_TRUE(FilledWithTheKey()) << FilledPage();
+    EXPECT_NE(FilledPage().find(std::string("action=\"") + row.action + "\""), std::string::npos) << FilledPage();
+  }
+}
+
+// Each row: the clipboard's text, and the one box the command ends with.
+TEST_F(ScanClipboard, TextThatIsNoAddressOrTooLongIsReported) {
+  const std::string longest = "http://127.0.0.1/a.htm?q=" + std::string(kUrlTextMax - 25, 'x');
+  const struct {
+    const char* what;
+    std::string clipboard;
+    std::string message;
+    std::string caption;
+  } rows[] = {
+      {"empty", "", kNoClipboardAddressText, "Quellbarrow"},
+      {"not an address", "about:blank", kNoClipboardAddressText, "Quellbarrow"},
+      {"address on the second line", "Order form\r\nhttp://127.0.0.1/a.htm", kNoClipboardAddressText, "Quellbarrow"},
+      {"one past the limit", longest + "x", DescribePrepareStatus(PrepareStatus::kUrlTooLong), "Error"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    Copy(row.clipboard);
+    Run(IDM_SCAN_CLIPBOARD, {Press("OK")});
+    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    EXPECT_EQ(result_.seen.at(0).MessageText(), row.message);
+    EXPECT_EQ(result_.seen.at(0).caption, row.caption);
+    EXPECT_FALSE(FilledPageWritten());
+  }
+
+  // At the limit the address is scanned.
+  LoopbackServer server({{Http(kOrderPage)}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  Copy(longest);
+  Run(IDM_SCAN_CLIPBOARD, {});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_TRUE(FilledWithTheKey());
 }
 
 // The default-browser dialog through 50009.

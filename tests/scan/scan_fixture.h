@@ -87,21 +87,33 @@ class ScanTest : public MainWindowTest {
     wc.hInstance = Instance();
     wc.lpszClassName = kBrowserClass;
     RegisterClassA(&wc);
+    EmptyTheClipboard();
   }
 
   void TearDown() override {
     for (HWND w : browsers_) DestroyWindow(w);
+    EmptyTheClipboard();
     MainWindowTest::TearDown();
   }
 
+  // An address copied before would be offered where the browser shows none.
+  void EmptyTheClipboard() {
+    if (!OpenClipboard(window_)) return;
+    EmptyClipboard();
+    CloseClipboard();
+  }
+
   // A top-level window titled `caption` whose address bar shows `address`,
-  // placed just below the main window or below the previous stand-in.
-  HWND ShowBrowser(const std::string& caption, const std::string& address) {
+  // placed just below the main window or below the previous stand-in. Without
+  // `editAddressBar` the bar is drawn by the browser, as today's browsers do.
+  HWND ShowBrowser(const std::string& caption, const std::string& address, bool editAddressBar = true) {
     HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
                              300, 120, nullptr, nullptr, Instance(), nullptr);
     CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, Instance(), nullptr);
-    CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, Instance(),
-                    nullptr);
+    if (editAddressBar) {
+      CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, Instance(),
+                      nullptr);
+    }
     SetWindowPos(w, browsers_.empty() ? window_ : browsers_.back(), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     browsers_.push_back(w);
