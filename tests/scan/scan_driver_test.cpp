@@ -471,6 +471,7 @@ TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
       {"clipboard", fileUrl(own, "order form.htm", "order%20form.htm"), false, "http:///cgi/order"},
       {"clipboard, UTF-8 escapes", fileUrl(accented, "caf\xE9.htm", "caf%C3%A9.htm"), false, "http:///cgi/order"},
       {"address bar", fileUrl(known, "known page.htm", "known%20page.htm"), true, "http://127.0.0.1/cgi/order"},
+      {"address bar, a page saved elsewhere", fileUrl(own, "order form.htm", "order%20form.htm"), true, "http:///cgi/order"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
