@@ -49,9 +49,10 @@ SavedAnswer SplitAnswer(std::string_view saved) {
   if (!StartsNoCase(saved, "HTTP/")) return {{}, saved};
   const std::string_view head = saved.substr(0, kMaxResponseHeaderBytes);
   for (std::size_t lf = head.find('\n'); lf != std::string_view::npos; lf = head.find('\n', lf + 1)) {
-    // An empty line, ended by LF or CR LF, ends the header.
+    // An empty line ends the header. Lines end in LF after any number of CRs:
+    // the program saves answers in text mode, so CR LF arrives as CR CR LF.
     std::size_t next = lf + 1;
-    if (next < head.size() && head[next] == '\r') ++next;
+    while (next < head.size() && head[next] == '\r') ++next;
     if (next < head.size() && head[next] == '\n') return {saved.substr(0, lf), saved.substr(next + 1)};
   }
   return {{}, saved};

@@ -17,6 +17,7 @@ TEST(IsUtf8Page, ByteOrderMarkThenHeaderThenMeta) {
   } cases[] = {
       {"HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n<html>", true},
       {"HTTP/1.1 200 OK\ncontent-type:text/html;charset=\"utf8\"\n\n<p>", true},  // LF lines, quoted label
+      {"HTTP/1.0 200 OK\r\r\nContent-Type: text/html; charset=utf-8\r\r\n\r\r\n<p>", true},  // saved in text mode
       {latin1Header + meta, false},                                          // the header over the page
       {plainHeader + meta, true},                                            // a header without charset
       {plainHeader + "\xEF\xBB\xBF<html>", true},
