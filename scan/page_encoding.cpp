@@ -93,8 +93,7 @@ class MetaPrescan {
       } else if (StartsNoCase(rest, "<meta") && rest.size() > 5 && (IsSpace(rest[5]) || rest[5] == '/')) {
         pos_ += 5;
         if (std::optional<std::string_view> charset = MetaCharset()) return charset;
-      } else if (rest.size() > 1 && rest[0] == '<' && (IsLetter(rest[1]) || (rest[1] == '/' && rest.size() > 2 &&
-                                                                              IsLetter(rest[2])))) {
+      } else if (StartsTag(rest)) {
         pos_ = text_.find_first_of(" \t\n\r\f>", pos_);
         if (pos_ == std::string_view::npos) return std::nullopt;
         std::string_view name, value;
@@ -111,6 +110,12 @@ class MetaPrescan {
 
  private:
   static bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+  // "<" or "</" and a letter: a tag whose attributes are read past.
+  static bool StartsTag(std::string_view rest) {
+    const std::size_t name = rest.size() > 1 && rest[1] == '/' ? 2 : 1;
+    return rest.size() > name && rest[0] == '<' && IsLetter(rest[name]);
+  }
 
   // The attributes of a meta tag: `charset`, or `content` with a charset together
   // with http-equiv="content-type". The first of each name counts.
@@ -237,7 +242,9 @@ bool IsUtf8Page(std::string_view saved) {
   if (answer.body.substr(0, kUtf8Bom.size()) == kUtf8Bom) return true;
   const std::string_view bom = answer.body.substr(0, 2);
   if (bom == kUtf16BigEndianBom || bom == kUtf16LittleEndianBom) return false;
-  if (const std::optional<std::string_view> charset = HeaderCharset(answer.header)) return IsUtf8Label(*charset);
+  if (const std::optional<std::string_view> charset = HeaderCharset(answer.header)) {
+    return IsUtf8Label(*charset);
+  }
   const std::optional<std::string_view> declared = MetaPrescan(answer.body).Run();
   return declared && IsUtf8Label(*declared);
 }

@@ -28,6 +28,8 @@ constexpr std::string_view kHead =
     "<body background=\"tovback.jpg\" bgcolor=\"#FFFFFF\" text=\"#000000\" vlink=\"#000080\">\n";
 // The head's charset; a UTF-8 page's filled page declares UTF-8 instead.
 constexpr std::string_view kHeadCharset = "charset=iso-8859-1";
+constexpr std::size_t kHeadCharsetAt = kHead.find(kHeadCharset);
+static_assert(kHeadCharsetAt != std::string_view::npos, "the head declares its charset");
 constexpr std::string_view kUtf8Charset = "charset=utf-8";
 constexpr std::string_view kBanner =
     "<center><font size=\"2\" face=\"MS Sans Serif\"><b>Quellbarrow</b><br>"
@@ -67,7 +69,9 @@ bool ForEachOptionWord(std::string_view tag, Visit visit) {
 }
 
 // `selected`, also as XHTML writes it (selected="selected").
-bool IsSelectedWord(std::string_view word) { return EqualsNoCase(word, "selected") || StartsNoCase(word, "selected="); }
+bool IsSelectedWord(std::string_view word) {
+  return EqualsNoCase(word, "selected") || StartsNoCase(word, "selected=");
+}
 
 std::string OptionPairValue(std::string_view rebuiltTag, std::string_view displayText) {
   const std::size_t equals = rebuiltTag.find('=');
@@ -82,7 +86,7 @@ class PageWriter {
   std::string Run() {
     out_.reserve(page_.size() + page_.size() / 4 + 4096);
     out_ += kHead;
-    if (scan_.utf8) out_.replace(out_.find(kHeadCharset), kHeadCharset.size(), kUtf8Charset);
+    if (scan_.utf8) out_.replace(kHeadCharsetAt, kHeadCharset.size(), kUtf8Charset);
     out_ += kBanner;
     if (!scan_.scripts.empty()) out_ += kScriptNote;
     for (const HtmlForm& form : scan_.forms) {
@@ -180,7 +184,8 @@ class PageWriter {
 
   // A check box is matched against the Description. The match stands only while
   // prompts are suppressed; otherwise the options decide, and the prompt's
-  // answer is the box's state. A box neither decides keeps the page's own state.
+  // answer is the box's state. A box that neither decides keeps the page's own
+  // state.
   void WriteCheckbox(const FormField& field) {
     const std::uint32_t key = session_.FindKey(field.name);
     if (PromptsCheckboxes(session_.options, session_.promptAll) && field.name && session_.MayPrompt()) {

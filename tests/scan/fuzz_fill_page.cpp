@@ -44,7 +44,9 @@ void Fill(std::string_view page, bool directPost, bool prompt) {
   qb::ParseFormPage(scan, session.host);
   std::vector<std::string> texts;
   for (const qb::HtmlForm& form : scan.forms) {
-    for (const qb::FormField& field : form.fields) texts.push_back(qb::TextOf(field.name) + '=' + qb::TextOf(field.value));
+    for (const qb::FormField& field : form.fields) {
+      texts.push_back(qb::TextOf(field.name) + '=' + qb::TextOf(field.value));
+    }
   }
   qb::CheckRadioGroups(scan, session);
   const std::string filled = qb::FilledPage(scan, session);
