@@ -184,6 +184,8 @@ TEST_F(PageWriter, ChoiceFieldsNoKeyAnswersKeepThePagesMarks) {
       {"<input type=radio name=Colour value=red checked><input type=radio name=colour value=blue>",
        "<input type=\"radio\" checked name=\"Colour\" value=\"red\" >\n"
        "<input type=\"radio\" checked name=\"colour\" value=\"blue\" >\n"},  // two groups to a browser
+      {"<input type=checkbox name=news value=yes checked=\"checked\">",
+       "<input type=\"checkbox\" checked name=\"news\" value=\"yes\" >\n"},
   };
   for (const auto& [field, written] : cases) {
     EXPECT_NE(OneFieldForm(field).find(written), std::string::npos) << field;
