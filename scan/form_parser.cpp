@@ -14,6 +14,8 @@
 #include <cstring>
 #include <utility>
 
+#include "scan/page_encoding.h"
+
 namespace qb {
 namespace {
 
@@ -431,6 +433,7 @@ FormScan::~FormScan() { FreeFormScan(*this); }
 
 void ParseFormPage(FormScan& scan, std::string_view host) {
   ClearFormTables(scan);
+  scan.utf8 = IsUtf8Page(scan.document.bytes());
   PagePass(scan, host).Run();
 }
 

@@ -90,11 +90,13 @@ struct FormScan {
   std::vector<std::vector<SelectOption>> selects;  // one row per select
   std::vector<ScriptBlock> scripts;
   std::string tablePrefix;  // e.g. `width="100%" border="0" >`; empty when none
+  bool utf8 = false;  // the page is read as UTF-8 (IsUtf8Page)
   bool outOfMemory = false;  // some text could not be kept
 };
 
-// One pass over scan.document: fills the tables (cleared first). `host` is the
-// page address's host, the root that relative actions are resolved against.
+// One pass over scan.document: fills the tables (cleared first) and finds the
+// page's encoding. `host` is the page address's host, the root that relative
+// actions are resolved against.
 void ParseFormPage(FormScan& scan, std::string_view host);
 
 // Frees every text block of the tables and empties them; the document stays.

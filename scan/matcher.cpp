@@ -46,18 +46,6 @@ bool AnySelectionLine(std::string_view text, Visit visit) {
   return false;
 }
 
-std::uint32_t FindUpperName(const KeyTable& keys, std::string_view name) {
-  if (name.empty()) return kNoMatch;
-  const int count = KeysInUse(keys);
-  for (int i = 0; i < count; ++i) {
-    const TextLock names(keys.fields[kSearchNames][i]);
-    if (AnySearchName(names.text(), [&](std::string_view entry) { return SameText(entry, name); })) {
-      return static_cast<std::uint32_t>(i);
-    }
-  }
-  return kNoMatch;
-}
-
 // What learning appends to: the text without its trailing separators.
 std::string_view TrimTrailingSeparators(std::string_view text) {
   while (!text.empty() && (text.back() == '\0' || IsEntryGap(text.back()))) text.remove_suffix(1);
@@ -165,36 +153,19 @@ std::uint32_t SearchNameIndex::Find(std::string_view name) const {
   return it == first_.end() ? kNoMatch : it->second;
 }
 
-void UpperCaseAscii(char* text, std::size_t length) {
-  for (std::size_t i = 0; i < length; ++i) {
-    if (text[i] >= 'a' && text[i] <= 'z') text[i] = static_cast<char>(text[i] - ('a' - 'A'));
+std::uint32_t FindKeyBySearchName(const KeyTable& keys, std::string_view fieldName) {
+  if (fieldName.empty()) return kNoMatch;
+  const int count = KeysInUse(keys);
+  for (int i = 0; i < count; ++i) {
+    const TextLock names(keys.fields[kSearchNames][i]);
+    if (AnySearchName(names.text(), [&](std::string_view entry) { return SameText(entry, fieldName); })) {
+      return static_cast<std::uint32_t>(i);
+    }
   }
+  return kNoMatch;
 }
 
-void UpperCaseAscii(std::string& text) { UpperCaseAscii(text.data(), text.size()); }
-
-std::uint32_t FindKeyBySearchName(const KeyTable& keys, TextBlock fieldName) {
-  TextLock name(fieldName);
-  const std::string_view text = name.text();
-  if (name.locked()) UpperCaseAscii(name.data(), text.size());
-  return FindUpperName(keys, text);
-}
-
-std::uint32_t FindKeyBySearchName(const KeyTable& keys, std::string& fieldName) {
-  UpperCaseAscii(fieldName);
-  return FindUpperName(keys, fieldName);
-}
-
-bool SelectionContains(TextBlock text, std::string_view selection) {
-  TextLock lock(text);
-  const std::string_view searched = lock.text();
-  if (searched.empty()) return false;
-  UpperCaseAscii(lock.data(), searched.size());
-  return AnySelectionLine(selection, [&](std::string_view line) { return SameText(line, searched); });
-}
-
-bool SelectionContains(std::string& text, std::string_view selection) {
-  UpperCaseAscii(text);
+bool SelectionContains(std::string_view text, std::string_view selection) {
   if (text.empty()) return false;
   return AnySelectionLine(selection, [&](std::string_view line) { return SameText(line, text); });
 }
@@ -210,15 +181,13 @@ std::string WithoutCarriageReturns(std::string_view text) {
 
 bool LearnSearchName(KeyTable& keys, std::string_view fieldName, std::uint32_t key,
                      std::string_view value, bool withValue) {
-  std::string probe(fieldName);
-  if (probe.empty() || !KeyInTable(keys, key) || FindKeyBySearchName(keys, probe) != kNoMatch) return false;
+  if (fieldName.empty() || !KeyInTable(keys, key) || FindKeyBySearchName(keys, fieldName) != kNoMatch) return false;
   const std::string names = Appended(KeyFieldText(keys, key, kSearchNames), ",", fieldName);
   std::string selection;
   bool addValue = false;
   if (withValue && !value.empty()) {
     selection = KeyFieldText(keys, key, kSelection);
-    std::string probeValue(value);
-    addValue = !SelectionContains(probeValue, selection);
+    addValue = !SelectionContains(value, selection);
     if (addValue) selection = Appended(selection, "\r\n", value);
   }
   return ReplaceKeyTexts(keys, key, {{{kSearchNames, &names}, {kSelection, addValue ? &selection : nullptr}}});
@@ -226,8 +195,7 @@ bool LearnSearchName(KeyTable& keys, std::string_view fieldName, std::uint32_t k
 
 bool ForgetSearchName(KeyTable& keys, std::string_view fieldName, std::uint32_t key,
                       std::string_view value, bool withValue) {
-  std::string probe(fieldName);
-  if (!KeyInTable(keys, key) || FindKeyBySearchName(keys, probe) == kNoMatch) return false;
+  if (!KeyInTable(keys, key) || FindKeyBySearchName(keys, fieldName) == kNoMatch) return false;
   const std::string oldNames = KeyFieldText(keys, key, kSearchNames);
   const std::string names = oldNames.empty()
                                 ? std::string(fieldName)
@@ -236,8 +204,7 @@ bool ForgetSearchName(KeyTable& keys, std::string_view fieldName, std::uint32_t 
   bool dropValue = false;
   if (withValue && !value.empty()) {
     selection = KeyFieldText(keys, key, kSelection);
-    std::string probeValue(value);
-    dropValue = SelectionContains(probeValue, selection);
+    dropValue = SelectionContains(value, selection);
     if (dropValue) selection = WithoutEntry(selection, "\n", kMaxSearchEntryBytes, TrimSpaces(value));
   }
   return ReplaceKeyTexts(keys, key, {{{kSearchNames, &names}, {kSelection, dropValue ? &selection : nullptr}}});

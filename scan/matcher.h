@@ -1,12 +1,9 @@
 // Tying form fields to keys. A field is answered by the first key (lowest index;
 // no scoring) whose Search Names list its name. Search Names are separated by
 // commas or line ends; a Selection holds one value per line, so "Yes, please" is
-// one value there. Both comparisons ignore letter case.
-//
-// Kept as the program has always done it: the look-ups upper-case the text they
-// are given in place. The page writer matches radio, checkbox and select fields
-// before writing them, so their names (and the values looked up) reach the
-// filled page in capitals, while text fields are written before matching.
+// one value there. Both comparisons ignore letter case, and leave the texts
+// they compare as they are: a page's names and values reach the filled page and
+// the server as the page has them.
 #pragma once
 
 #include <cstddef>
@@ -29,14 +26,9 @@ constexpr std::size_t kMaxForgetEntryBytes = 258;
 // Whether `key` is one of the table's keys (kNoMatch is not).
 bool KeyInTable(const KeyTable& keys, std::uint32_t key);
 
-// a-z to A-Z. Only ASCII: these texts go back into a page of unknown encoding.
-void UpperCaseAscii(char* text, std::size_t length);
-void UpperCaseAscii(std::string& text);
-
 // The first key whose Search Names hold `fieldName`; kNoMatch for none and for an
-// empty name. The name is upper-cased in place.
-std::uint32_t FindKeyBySearchName(const KeyTable& keys, TextBlock fieldName);
-std::uint32_t FindKeyBySearchName(const KeyTable& keys, std::string& fieldName);
+// empty name.
+std::uint32_t FindKeyBySearchName(const KeyTable& keys, std::string_view fieldName);
 
 // Calls `visit` with each Search Name of `text` until it returns true. An entry
 // runs to the next comma, CR or LF (at most kMaxSearchEntryBytes); the gaps before
@@ -75,9 +67,8 @@ class SearchNameIndex {
 // exactly when their folds are the same bytes.
 std::string FoldCaseForCompare(std::string_view text);
 
-// Whether a line of `selection` equals `text`. `text` is upper-cased in place.
-bool SelectionContains(TextBlock text, std::string_view selection);
-bool SelectionContains(std::string& text, std::string_view selection);
+// Whether a line of `selection` equals `text`.
+bool SelectionContains(std::string_view text, std::string_view selection);
 
 // A matched key's Description as text fields receive it: CR LF line ends become LF.
 std::string WithoutCarriageReturns(std::string_view text);

@@ -37,6 +37,16 @@ const FormField& FieldOf(const NoMatchState& state) {
   return state.scan->forms[state.request->form].fields[state.request->slot];
 }
 
+// The field's name as keys learn it: in capitals, as they always have; the page
+// keeps the name as it is.
+std::string LearnedName(const NoMatchState& state) {
+  std::string name = TextOf(FieldOf(state).name);
+  for (char& c : name) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return name;
+}
+
 bool ChoosesValue(PromptKind kind) { return kind == kPromptRadio || kind == kPromptSelect; }
 
 const char* TypeText(PromptKind kind, const FormField& field) {
@@ -205,7 +215,7 @@ LRESULT OnNoMatchOk(HWND dialog, WORD, WORD, LPARAM) {
     ShowMessage(kSelectKeyFirstText, nullptr, MB_OK | MB_ICONERROR);
     return 0;
   }
-  const std::string fieldName = TextOf(FieldOf(state).name);
+  const std::string fieldName = LearnedName(state);
   if (IsDlgButtonChecked(dialog, IDC_NOMATCH_LEARN) != BST_CHECKED) {
     state.answer.key = key;
     if (ChoosesValue(request.kind)) state.answer.valueIndex = SelectedValue(dialog);
@@ -243,7 +253,7 @@ LRESULT OnNoMatchUnMatch(HWND dialog, WORD, WORD, LPARAM) {
 // filled anew and the new key looked up where it stands now.
 LRESULT OnNoMatchCreateNew(HWND dialog, WORD, WORD, LPARAM) {
   NoMatchState& state = StateOf(dialog);
-  const std::string name = TextOf(FieldOf(state).name).substr(0, kCreateNewTextMax);
+  const std::string name = LearnedName(state).substr(0, kCreateNewTextMax);
   const std::string value =
       ChoosesValue(state.request->kind) ? SelectedValueText(dialog).substr(0, kCreateNewTextMax) : std::string();
   OpenKeyEditor(dialog, kEditorAddPrepared, name, value);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -24,6 +26,11 @@ constexpr std::string_view kHead =
     "<!-- saved from url=(0014)about:internet -->\r\n"
     "<title>Quellbarrow - Filled form</title></head>\n"
     "<body background=\"tovback.jpg\" bgcolor=\"#FFFFFF\" text=\"#000000\" vlink=\"#000080\">\n";
+// The head's charset; a UTF-8 page's filled page declares UTF-8 instead.
+constexpr std::string_view kHeadCharset = "charset=iso-8859-1";
+constexpr std::size_t kHeadCharsetAt = kHead.find(kHeadCharset);
+static_assert(kHeadCharsetAt != std::string_view::npos, "the head declares its charset");
+constexpr std::string_view kUtf8Charset = "charset=utf-8";
 constexpr std::string_view kBanner =
     "<center><font size=\"2\" face=\"MS Sans Serif\"><b>Quellbarrow</b><br>"
     "Check the filled form below, then submit it.\n";
@@ -47,6 +54,25 @@ bool StartsWithScheme(std::string_view action) {
   return StartsNoCase(action, "http://") || StartsNoCase(action, "https://");
 }
 
+// Calls `visit` with each word of an OPTION tag's text until it returns true.
+template <typename Visit>
+bool ForEachOptionWord(std::string_view tag, Visit visit) {
+  std::size_t pos = 0;
+  while (pos < tag.size() && tag[pos] != '>') {
+    while (pos < tag.size() && (tag[pos] == ' ' || tag[pos] == '\r' || tag[pos] == '\n')) ++pos;
+    const std::size_t start = pos;
+    while (pos < tag.size() && tag[pos] != ' ' && tag[pos] != '>' && pos - start < kMaxOptionWordBytes) ++pos;
+    const std::string_view word = tag.substr(start, pos - start);
+    if (!word.empty() && visit(word)) return true;
+  }
+  return false;
+}
+
+// `selected`, also as XHTML writes it (selected="selected").
+bool IsSelectedWord(std::string_view word) {
+  return EqualsNoCase(word, "selected") || StartsNoCase(word, "selected=");
+}
+
 std::string OptionPairValue(std::string_view rebuiltTag, std::string_view displayText) {
   const std::size_t equals = rebuiltTag.find('=');
   return std::string(equals == std::string_view::npos ? displayText : rebuiltTag.substr(equals + 1));
@@ -60,6 +86,7 @@ class PageWriter {
   std::string Run() {
     out_.reserve(page_.size() + page_.size() / 4 + 4096);
     out_ += kHead;
+    if (scan_.utf8) out_.replace(kHeadCharsetAt, kHeadCharset.size(), kUtf8Charset);
     out_ += kBanner;
     if (!scan_.scripts.empty()) out_ += kScriptNote;
     for (const HtmlForm& form : scan_.forms) {
@@ -80,6 +107,7 @@ class PageWriter {
     form_ = f;
     HtmlForm& form = scan_.forms[f];
     collect_ = session_.directPost && f == 0;
+    DecideRadioGroups(form);
     for (std::size_t s = 0; s < form.fields.size(); ++s) {
       if (s > 0) Copy(form.fields[s - 1].tagEnd, form.fields[s].tagStart);
       slot_ = static_cast<int>(s);
@@ -131,24 +159,43 @@ class PageWriter {
     Collect(TextOf(field.name), TextOf(field.value), PairRule::kKeepsFirst);
   }
 
-  void WriteRadio(FormField& field) {
-    const std::uint32_t key = session_.FindKey(field.name);
-    const bool checked =
-        field.forcedChecked || (key != kNoMatch && SelectionContains(field.value, KeyText(key, kSelection)));
-    WriteButton("<input type=\"radio\" ", field, checked);
+  // A radio button is checked by the prompt's choice or when its key's Selection
+  // lists its value. A group (the buttons of the form with the same name) where
+  // that checks some button has only those checked; any other group keeps the
+  // page's own `checked`, as the user's browser would have sent it.
+  void DecideRadioGroups(const HtmlForm& form) {
+    radioChecked_.assign(form.fields.size(), false);
+    decidedGroups_.clear();
+    for (std::size_t s = 0; s < form.fields.size(); ++s) {
+      const FormField& field = form.fields[s];
+      if (field.kind != kFieldRadio) continue;
+      const std::uint32_t key = session_.FindKey(field.name);
+      radioChecked_[s] = field.forcedChecked ||
+                         (key != kNoMatch && SelectionContains(TextOf(field.value),
+                                                               session_.KeyTextForPage(scan_, key, kSelection)));
+      if (radioChecked_[s]) decidedGroups_.insert(TextOf(field.name));
+    }
+  }
+
+  void WriteRadio(const FormField& field) {
+    const bool decided = decidedGroups_.count(TextOf(field.name)) != 0;
+    WriteButton("<input type=\"radio\" ", field, decided ? radioChecked_[slot_] : field.checked);
   }
 
   // A check box is matched against the Description. The match stands only while
   // prompts are suppressed; otherwise the options decide, and the prompt's
-  // answer is the box's state.
-  void WriteCheckbox(FormField& field) {
+  // answer is the box's state. A box that neither decides keeps the page's own
+  // state.
+  void WriteCheckbox(const FormField& field) {
     const std::uint32_t key = session_.FindKey(field.name);
-    bool checked = key != kNoMatch && SelectionContains(field.value, KeyText(key, kDescription));
-    if (!session_.promptsSuppressed) {
-      checked = false;
-      if (PromptsCheckboxes(session_.options, session_.promptAll) && field.name && session_.MayPrompt()) {
-        checked = session_.Ask(scan_, Request(kPromptCheckbox, key)).result == 1;
-      }
+    if (PromptsCheckboxes(session_.options, session_.promptAll) && field.name && session_.MayPrompt()) {
+      const PromptAnswer answer = session_.Ask(scan_, Request(kPromptCheckbox, key));
+      // "Cancel All" answers nothing: the box goes as those after it do.
+      if (!answer.cancelAll) return WriteButton("<input type=\"checkbox\" ", field, answer.result == 1);
+    }
+    bool checked = field.checked;
+    if (session_.promptsSuppressed && key != kNoMatch) {
+      checked = SelectionContains(TextOf(field.value), session_.KeyTextForPage(scan_, key, kDescription));
     }
     WriteButton("<input type=\"checkbox\" ", field, checked);
   }
@@ -163,10 +210,8 @@ class PageWriter {
     if (checked) Collect(TextOf(field.name), TextOf(field.value), PairRule::kReplaces);
   }
 
-  // Text fields are written up to their name before they are matched, so the
-  // name in the page keeps its case; their pair is collected after matching and
-  // so has the name as matching left it (upper case once it was looked up).
-  // Returns whether the field has a name.
+  // Text fields are written up to their name, then matched (and prompted), then
+  // given their value. Returns whether the field has a name.
   bool WriteUpToName(std::string_view start, const FormField& field) {
     out_ += start;
     Numbers(field);
@@ -193,23 +238,26 @@ class PageWriter {
 
   // The page's own value unless the current key has a Description and a key or
   // the prompt answers the field. A key picked in the prompt gives its
-  // Description as it stands; a matched key's loses its CRs.
+  // Description as it stands; a matched key's loses its CRs. A UTF-8 page gets
+  // the Description in UTF-8.
   std::string FilledText(FormField& field, PromptKind kind) {
     std::string own = TextOf(field.value);
     if (!field.name || !session_.CurrentKeyHasDescription()) return own;
     const std::uint32_t key = session_.FindKey(field.name);
     if (session_.MayPrompt() && PromptsTextField(session_.options, kind, session_.promptAll, key != kNoMatch)) {
       const PromptAnswer answer = session_.Ask(scan_, Request(kind, key));
-      if (answer.result == 1 && KeyInTable(keys_, answer.key)) return KeyText(answer.key, kDescription);
+      if (answer.result == 1 && KeyInTable(keys_, answer.key)) {
+        return session_.KeyTextForPage(scan_, answer.key, kDescription);
+      }
     }
-    if (key != kNoMatch) return WithoutCarriageReturns(KeyText(key, kDescription));
+    if (key != kNoMatch) return WithoutCarriageReturns(session_.KeyTextForPage(scan_, key, kDescription));
     return own;
   }
 
-  // At most one option is selected, also in a multiple list: the one picked in
-  // the prompt, else the first whose text the key's Selection lists. The page's
-  // own `selected` marks are dropped.
-  void WriteSelect(FormField& field) {
+  // When the prompt picks an option or the key's Selection lists one, that one
+  // alone is selected, also in a multiple list: the one picked in the prompt,
+  // else the first listed. Otherwise the page's own `selected` marks stay.
+  void WriteSelect(const FormField& field) {
     std::vector<SelectOption> beyondLimit;  // the page had more selects than are kept
     std::vector<SelectOption>& options =
         field.selectIndex >= 0 && field.selectIndex < static_cast<int>(scan_.selects.size())
@@ -232,38 +280,57 @@ class PageWriter {
       }
     }
     if (selected < 0) selected = FirstListedOption(options, key);
+    std::vector<bool> marked(options.size(), false);
+    if (selected >= 0) {
+      marked[selected] = true;
+    } else {
+      marked = PageSelection(options, field.multiple);
+    }
 
     out_ += "<select ";
     if (field.multiple) out_ += "multiple ";
     Attribute("name", field.name);
     Number("size", field.size);
     out_ += ">\n";
-    std::string selectedValue;
+    std::optional<std::string> selectedValue;  // of the first selected option
     for (std::size_t i = 0; i < options.size(); ++i) {
-      const bool isSelected = static_cast<int>(i) == selected;
+      const bool isSelected = marked[i];
       const std::string tag = TextOf(options[i].tag);
       const std::string text = TextOf(options[i].text);
+      std::string value = text;
       if (tag.empty()) {
         out_ += isSelected ? "<option selected>" : "<option>";
-        if (isSelected) selectedValue = text;
       } else {
         const std::string rebuilt = RebuildOptionTag(tag);
         out_.append("<").append(rebuilt).append(isSelected ? "selected>" : ">");
-        if (isSelected) selectedValue = OptionPairValue(rebuilt, text);
+        value = OptionPairValue(rebuilt, text);
       }
+      if (isSelected && !selectedValue) selectedValue = std::move(value);
       out_.append(text).append("</option>\n");
     }
     out_ += "</select>\n";
-    if (selected >= 0) Collect(TextOf(field.name), selectedValue, PairRule::kKeepsFirst);
+    if (selectedValue) Collect(TextOf(field.name), *selectedValue, PairRule::kKeepsFirst);
   }
 
-  int FirstListedOption(std::vector<SelectOption>& options, std::uint32_t key) {
+  int FirstListedOption(const std::vector<SelectOption>& options, std::uint32_t key) const {
     if (key == kNoMatch) return -1;
-    const TextLock selection(KeyFieldBlock(keys_, static_cast<int>(key), kSelection));
+    const std::string selection = session_.KeyTextForPage(scan_, key, kSelection);
     for (std::size_t i = 0; i < options.size(); ++i) {
-      if (SelectionContains(options[i].text, selection.text())) return static_cast<int>(i);
+      if (SelectionContains(TextOf(options[i].text), selection)) return static_cast<int>(i);
     }
     return -1;
+  }
+
+  // The options the page marks `selected`; in a single-choice list only the
+  // last of them, the one a browser shows.
+  static std::vector<bool> PageSelection(const std::vector<SelectOption>& options, bool multiple) {
+    std::vector<bool> marked(options.size(), false);
+    for (std::size_t i = 0; i < options.size(); ++i) {
+      if (!OptionTagSelected(TextOf(options[i].tag))) continue;
+      if (!multiple) marked.assign(options.size(), false);
+      marked[i] = true;
+    }
+    return marked;
   }
 
   PromptRequest Request(PromptKind kind, std::uint32_t matchedKey) const {
@@ -273,10 +340,6 @@ class PageWriter {
     request.slot = slot_;
     request.matchedKey = matchedKey;
     return request;
-  }
-
-  std::string KeyText(std::uint32_t key, KeyField field) const {
-    return KeyFieldText(keys_, static_cast<int>(key), field);
   }
 
   void Collect(const std::string& name, const std::string& value, PairRule rule) {
@@ -312,22 +375,22 @@ class PageWriter {
   int form_ = 0;
   int slot_ = 0;
   bool collect_ = false;
+  std::vector<bool> radioChecked_;  // per slot of the form being written
+  std::set<std::string> decidedGroups_;  // radio names a key or the prompt answers
 };
 
 }  // namespace
 
 std::string RebuildOptionTag(std::string_view tag) {
   std::string rebuilt;
-  std::size_t pos = 0;
-  while (pos < tag.size() && tag[pos] != '>') {
-    while (pos < tag.size() && (tag[pos] == ' ' || tag[pos] == '\r' || tag[pos] == '\n')) ++pos;
-    const std::size_t start = pos;
-    while (pos < tag.size() && tag[pos] != ' ' && tag[pos] != '>' && pos - start < kMaxOptionWordBytes) ++pos;
-    const std::string_view word = tag.substr(start, pos - start);
-    if (!word.empty() && !EqualsNoCase(word, "selected")) rebuilt.append(word).append(" ");
-  }
+  ForEachOptionWord(tag, [&](std::string_view word) {
+    if (!IsSelectedWord(word)) rebuilt.append(word).append(" ");
+    return false;
+  });
   return rebuilt;
 }
+
+bool OptionTagSelected(std::string_view tag) { return ForEachOptionWord(tag, IsSelectedWord); }
 
 std::string FilledPage(FormScan& scan, ScanSession& session) { return PageWriter(scan, session).Run(); }
 

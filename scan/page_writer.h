@@ -34,7 +34,10 @@ std::string FilledPage(FormScan& scan, ScanSession& session);
 // prompted or written; a failed write is told too. False in both cases.
 bool WriteFilledPage(const std::string& path, FormScan& scan, ScanSession& session);
 
-// An OPTION tag's text without its `selected` words, each word followed by one blank.
+// An OPTION tag's text without its `selected` words (also selected="..."),
+// each word followed by one blank.
 std::string RebuildOptionTag(std::string_view tag);
+// Whether the page marks the option selected.
+bool OptionTagSelected(std::string_view tag);
 
 }  // namespace qb

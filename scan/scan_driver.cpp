@@ -97,7 +97,12 @@ std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl,
     if (!chosen) return std::nullopt;
     start = std::move(*chosen);
   }
-  if (IsFileUrl(start.text)) start.text = LocalPathOfFileUrl(start.text);
+  // A file:/// address names its page as plainly as the user could: it is scanned
+  // even when this program did not save it (a page saved from a logged-in browser).
+  if (IsFileUrl(start.text)) {
+    start.text = LocalPathOfFileUrl(start.text);
+    start.named = true;
+  }
   const std::string& address = start.text;
   const std::optional<std::string_view> schemeless = StripScheme(address);
   if (!schemeless) {

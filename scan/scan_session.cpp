@@ -7,12 +7,13 @@
 
 #include "base/textblock.h"
 #include "scan/html_scanner.h"
+#include "scan/page_encoding.h"
 
 namespace qb {
 namespace {
 
 bool AnyValueListed(const std::vector<std::string>& values, std::string_view selection) {
-  for (std::string value : values) {  // a copy: the look-up upper-cases it
+  for (const std::string& value : values) {
     if (SelectionContains(value, selection)) return true;
   }
   return false;
@@ -26,14 +27,17 @@ bool ScanSession::CurrentKeyHasDescription() const {
 }
 
 std::uint32_t ScanSession::FindKey(TextBlock fieldName) {
-  TextLock name(fieldName);
-  const std::string_view text = name.text();
-  if (name.locked()) UpperCaseAscii(name.data(), text.size());
+  const TextLock name(fieldName);
   if (!searchNamesCurrent_) {
     searchNames_.Build(keys);
     searchNamesCurrent_ = true;
   }
-  return searchNames_.Find(text);
+  return searchNames_.Find(name.text());
+}
+
+std::string ScanSession::KeyTextForPage(const FormScan& scan, std::uint32_t key, KeyField field) const {
+  const TextLock text = LockKeyField(keys, static_cast<int>(key), field);
+  return scan.utf8 ? AnsiToUtf8(text.text()) : std::string(text.text());
 }
 
 PromptAnswer ScanSession::Ask(const FormScan& scan, const PromptRequest& request) {
@@ -62,8 +66,7 @@ void CheckRadioGroups(FormScan& scan, ScanSession& session) {
         values.push_back(TextOf(fields[++last].value));
       }
       const std::uint32_t key = session.FindKey(fields[s].name);
-      if (key != kNoMatch &&
-          AnyValueListed(values, LockKeyField(session.keys, static_cast<int>(key), kSelection).text())) {
+      if (key != kNoMatch && AnyValueListed(values, session.KeyTextForPage(scan, key, kSelection))) {
         continue;
       }
       PromptRequest request;

@@ -30,10 +30,12 @@ class ScanSession {
   bool promptsSuppressed;  // direct post, or "Cancel All" was chosen
   std::string requestText;  // "POST " + action + "?" + pairs (direct post only)
 
-  // FindKeyBySearchName, the name upper-cased in place as there, answered from
-  // an index of the keys: built at the first look-up and again after a prompt,
-  // the only thing that changes the keys during a scan.
+  // FindKeyBySearchName answered from an index of the keys: built at the first
+  // look-up and again after a prompt, the only thing that changes the keys
+  // during a scan.
   std::uint32_t FindKey(TextBlock fieldName);
+  // A key's text as it meets the page's texts: in UTF-8 on a UTF-8 page.
+  std::string KeyTextForPage(const FormScan& scan, std::uint32_t key, KeyField field) const;
   bool MayPrompt() const { return prompt != nullptr && !promptsSuppressed; }
   bool CurrentKeyHasDescription() const;
   // Asks the prompt; "Cancel All" suppresses every later prompt, and a confirmed

@@ -80,10 +80,7 @@ std::string WrittenAttribute(std::string_view bytes, ScanPosition tagStart, std:
   return std::string();
 }
 
-std::uint32_t MatchKey(const KeyTable& keys, const std::string& name) {
-  std::string copy = name;  // the look-up upper-cases what it is given
-  return FindKeyBySearchName(keys, copy);
-}
+std::uint32_t MatchKey(const KeyTable& keys, const std::string& name) { return FindKeyBySearchName(keys, name); }
 
 std::vector<std::string> LabelParts(const std::string& label) {
   std::vector<std::string> parts;

@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 """A filled real page, submitted by a real browser.
 
-Usage: fill_browser_test.py FILLPAGE MAKEKEYDB PAGE KEYS [EMULATOR]
+Usage: fill_browser_test.py FILLPAGE MAKEKEYDB PAGE KEYS EXPECTED [EMULATOR]
 
 Fills PAGE with fillpage from the readable key list KEYS, giving it an address
 that puts its form action on a loopback server; opens the filled page from disk
-in headless Chromium, submits its form there and checks what the server got.
+in headless Chromium, submits its form there and checks what the server got
+against EXPECTED, a JSON file: the "path" posted to, the "charset" the values
+arrive in, the "fields" (names and values, compared exactly; with "exact" no
+other field may arrive) and the names that must be "absent".
 Everything it starts is bounded in time and stopped before it exits.
 """
 import fcntl
@@ -22,20 +25,6 @@ import time
 import urllib.parse
 
 DEADLINE_SECONDS = 90
-
-# Text fields keep their names; radio, select and check box names reach the page
-# in capitals, and so do the values the keys were compared with.
-EXPECTED = {
-    "register_basic[contactAddress][firstname]": "Jane",
-    "register_basic[contactAddress][lastname]": "Doe",
-    "register_basic[contactAddress][company]": "Acme Research",
-    "register_basic[contactAddress][position]": "Chief tester",
-    "REGISTER_BASIC[USAGE]": "SCIENTIFIC",
-    "REGISTER_BASIC[CONTACTADDRESS][IDGENDER]": "1",  # Female
-    "REGISTER_BASIC[USERBRANCH]": "79",  # Consulting
-    "register_basic[_token]": "Uin3aNOULLqHyDiZ-737ZuLnTqOznXMB1sm3YKLiNnA",  # copied markup
-}
-ABSENT = ["REGISTER_BASIC[ACCEPT]"]  # a default scan leaves check boxes unchecked
 
 
 class Receiver(http.server.BaseHTTPRequestHandler):
@@ -141,7 +130,25 @@ def submit_in_browser(filled_page, profile, deadline):
         log.close()
 
 
-def main(fillpage, makekeydb, page, key_list, emulator=None):
+def received_failures(path, body, expected):
+    """What differs between the post the server received and the expected one."""
+    print("received", path, body.decode("latin-1"))
+    failures = [f"posted to {path}"] if path != expected["path"] else []
+    try:
+        pairs = urllib.parse.parse_qs(body.decode("ascii"), keep_blank_values=True, encoding=expected["charset"],
+                                      errors="strict")
+    except UnicodeError as error:
+        return failures + [f"the values are not in {expected['charset']}: {error}"]
+    fields = expected["fields"]
+    if expected.get("exact") and set(pairs) != set(fields):
+        failures.append(f"expected the fields {sorted(fields)}, got {sorted(pairs)}")
+    failures += [f"{name}: expected {value!r}, got {pairs.get(name)}"
+                 for name, value in fields.items() if pairs.get(name) != [value]]
+    failures += [f"{name} was sent" for name in expected.get("absent", []) if name in pairs]
+    return failures
+
+
+def main(fillpage, makekeydb, page, key_list, expected_file, emulator=None):
     if not shutil.which("chromium"):
         sys.exit("chromium is not installed (scripts/setup.sh installs it)")
     deadline = time.monotonic() + DEADLINE_SECONDS
@@ -152,7 +159,9 @@ def main(fillpage, makekeydb, page, key_list, emulator=None):
     try:
         keys, filled, profile = (os.path.join(work, name) for name in ("keys.dat", "filled.htm", "profile"))
         subprocess.run(run + [makekeydb, key_list, keys], check=True, timeout=60, stdout=subprocess.DEVNULL)
-        address = f"127.0.0.1:{server.server_address[1]}/register/"
+        with open(expected_file, encoding="utf-8") as f:
+            expected = json.load(f)
+        address = f"127.0.0.1:{server.server_address[1]}{expected['path']}"
         subprocess.run(run + [fillpage, page, address, keys, filled, "--current-key", "0"], check=True, timeout=60)
         os.mkdir(profile)
         submit_in_browser(filled, profile, deadline)
@@ -161,19 +170,13 @@ def main(fillpage, makekeydb, page, key_list, emulator=None):
         server.server_close()
         shutil.rmtree(work, ignore_errors=True)
 
-    path, body = Receiver.posts[0]
-    print("received", path, body.decode("latin-1"))
-    pairs = urllib.parse.parse_qs(body.decode("ascii"), keep_blank_values=True, encoding="latin-1")
-    failures = [f"posted to {path}"] if path != "/register/" else []
-    failures += [f"{name}: expected {value!r}, got {pairs.get(name)}"
-                 for name, value in EXPECTED.items() if pairs.get(name) != [value]]
-    failures += [f"{name} was sent" for name in ABSENT if name in pairs]
+    failures = received_failures(*Receiver.posts[0], expected)
     for failure in failures:
         print("FAIL:", failure)
     return 1 if failures else 0
 
 
 if __name__ == "__main__":
-    if len(sys.argv) not in (5, 6):
+    if len(sys.argv) not in (6, 7):
         sys.exit(__doc__)
     sys.exit(main(*sys.argv[1:]))

@@ -1,5 +1,7 @@
 // The whole fill over any page and any key texts: matching, the radio-group
-// check, the filled page and the request text end, and stay within their limits.
+// check, the filled page and the request text end, and stay within their limits;
+// the page's encoding is found, the filled page declares it, and matching leaves
+// the page's names and values as they were.
 // Input: the texts of three keys' Search Names, Selection and Description,
 // separated by 0x01 bytes, then a 0x02 byte and the page.
 #include <algorithm>
@@ -40,15 +42,25 @@ void Fill(std::string_view page, bool directPost, bool prompt) {
   session.currentKey = 0;
   session.host = "fuzz.example";
   qb::ParseFormPage(scan, session.host);
+  std::vector<std::string> texts;
+  for (const qb::HtmlForm& form : scan.forms) {
+    for (const qb::FormField& field : form.fields) {
+      texts.push_back(qb::TextOf(field.name) + '=' + qb::TextOf(field.value));
+    }
+  }
   qb::CheckRadioGroups(scan, session);
   const std::string filled = qb::FilledPage(scan, session);
   if (filled.size() < 14 || filled.compare(filled.size() - 14, 14, "</body></html>") != 0) std::abort();
+  const std::size_t charset = filled.find("charset=");
+  if (filled.compare(charset, 14, scan.utf8 ? "charset=utf-8\"" : "charset=iso-88") != 0) std::abort();
   if (session.requestText.size() > qb::kRequestTextMax) std::abort();
   // The scan's index answers as the walk over every key does.
+  std::size_t text = 0;
   for (qb::HtmlForm& form : scan.forms) {
     for (qb::FormField& field : form.fields) {
-      std::string name = qb::TextOf(field.name);
+      const std::string name = qb::TextOf(field.name);
       if (qb::FindKeyBySearchName(qb::Keys(), name) != session.FindKey(field.name)) std::abort();
+      if (texts.at(text++) != name + '=' + qb::TextOf(field.value)) std::abort();
     }
   }
   if (directPost && !scan.forms.empty() && session.requestText.rfind("POST ", 0) != 0) std::abort();

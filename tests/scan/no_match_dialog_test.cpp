@@ -141,8 +141,8 @@ TEST_F(NoMatchPrompt, OkTakesTheChosenKeyAndValue) {
         Choose(nick, -1, false), Press("Cancel All")});
   ASSERT_TRUE(result_.ok()) << result_.Describe();
   const std::string page = FilledPage();
-  EXPECT_NE(page.find("<input type=\"radio\" checked name=\"COLOUR\" value=\"green\" >"), std::string::npos) << page;
-  EXPECT_NE(page.find("<input type=\"checkbox\" checked name=\"AGREE\""), std::string::npos) << page;
+  EXPECT_NE(page.find("<input type=\"radio\" checked name=\"colour\" value=\"green\" >"), std::string::npos) << page;
+  EXPECT_NE(page.find("<input type=\"checkbox\" checked name=\"agree\""), std::string::npos) << page;
   EXPECT_NE(page.find("<option selected>Large</option>"), std::string::npos) << page;
   // A key picked in the prompt gives its Description as it stands.
   EXPECT_NE(page.find("name=\"Nick\" value=\"Neo\r\nline\" >"), std::string::npos) << page;
@@ -168,7 +168,7 @@ TEST_F(NoMatchPrompt, LearningTeachesTheKeyItsNameAndValue) {
   EXPECT_EQ(KeyFieldText(Keys(), nick, kSearchNames), "alias,NICK");
   EXPECT_TRUE(DatabaseChanged());
   const std::string page = FilledPage();
-  EXPECT_NE(page.find("checked name=\"COLOUR\" value=\"GREEN\""), std::string::npos) << page;
+  EXPECT_NE(page.find("checked name=\"colour\" value=\"green\""), std::string::npos) << page;
 
   // Learned: the next scan fills from the keys; only the last button's run, which
   // holds no learned value, is offered again.
@@ -263,7 +263,7 @@ TEST_F(NoMatchPrompt, CreateNewMakesAKeyAndSelectsIt) {
   EXPECT_EQ(rows, (std::vector<std::string>{"Me", "Zed", "Colour"}));
   EXPECT_EQ(selected, 2);
   // The prompt's value choice stands, with the new key as the chosen one.
-  EXPECT_NE(FilledPage().find("<input type=\"radio\" checked name=\"COLOUR\" value=\"green\" >"), std::string::npos)
+  EXPECT_NE(FilledPage().find("<input type=\"radio\" checked name=\"colour\" value=\"green\" >"), std::string::npos)
       << FilledPage();
 }
 

@@ -106,24 +106,24 @@ TEST_F(PageWriter, WritesEachFieldKindFromItsKeyAndFromNone) {
        "<textarea rows=\"3\" cols=\"40\" name=\"Address\" >12 Market St\nSpringfield</textarea>\n",
        "<textarea rows=\"3\" cols=\"40\" name=\"Address\" ></textarea>\n"},
       {"<input type=radio name=colour value=red checked><input type=radio name=colour value=blue>",
-       "<input type=\"radio\" name=\"COLOUR\" value=\"RED\" >\n<input type=\"radio\" checked name=\"COLOUR\" "
-       "value=\"BLUE\" >\n",
-       "<input type=\"radio\" name=\"COLOUR\" value=\"red\" >\n<input type=\"radio\" name=\"COLOUR\" "
+       "<input type=\"radio\" name=\"colour\" value=\"red\" >\n<input type=\"radio\" checked name=\"colour\" "
+       "value=\"blue\" >\n",
+       "<input type=\"radio\" checked name=\"colour\" value=\"red\" >\n<input type=\"radio\" name=\"colour\" "
        "value=\"blue\" >\n"},
-      {"<input type=checkbox name=agree value=yes checked>",  // Never: unchecked even when matched
-       "<input type=\"checkbox\" name=\"AGREE\" value=\"YES\" >\n",
-       "<input type=\"checkbox\" name=\"AGREE\" value=\"yes\" >\n"},
+      {"<input type=checkbox name=agree value=yes checked>",  // Never: the page's state, matched or not
+       "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n",
+       "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n"},
       {"<select name=country size=1><option value=de selected>Germany<option value=us>United States</select>",
-       "<select name=\"COUNTRY\" size=\"1\" >\n<option value=de >GERMANY</option>\n"
-       "<option value=us selected>UNITED STATES</option>\n</select>\n",
-       "<select name=\"COUNTRY\" size=\"1\" >\n<option value=de >Germany</option>\n"
+       "<select name=\"country\" size=\"1\" >\n<option value=de >Germany</option>\n"
+       "<option value=us selected>United States</option>\n</select>\n",
+       "<select name=\"country\" size=\"1\" >\n<option value=de selected>Germany</option>\n"
        "<option value=us >United States</option>\n</select>\n"},
       {"<input type=submit name=go value=Send>", "<input type=\"submit\" name=\"go\" value=\"Send\" >\n",
        "<input type=\"submit\" name=\"go\" value=\"Send\" >\n"},
       {"<input value=mine>", "<input type=\"text\" >\n", "<input type=\"text\" >\n"},  // no name, no value
       {"<select name=country><option>Both</td>",  // unclosed: the cell's end follows it once
-       "<select name=\"COUNTRY\" >\n<option >BOTH</option>\n</select>\n</td>",
-       "<select name=\"COUNTRY\" >\n<option >Both</option>\n</select>\n</td>"},
+       "<select name=\"country\" >\n<option >Both</option>\n</select>\n</td>",
+       "<select name=\"country\" >\n<option >Both</option>\n</select>\n</td>"},
   };
   const std::string formTag = "<form action=\"http://www.example.com/a\" method=post >\n";
   for (const Case& c : cases) {
@@ -167,15 +167,64 @@ TEST_F(PageWriter, NotesScriptsMarkupAndTheTableAroundTheForms) {
   EXPECT_EQ(Fill("<form action=/a method=post><input type=submit></form>").find("Notes:"), std::string::npos);
 }
 
+// Where neither a key nor the prompt decides, a choice field keeps the page's
+// marks; where one decides, the page's other marks in that select or group go.
+TEST_F(PageWriter, ChoiceFieldsNoKeyAnswersKeepThePagesMarks) {
+  keys_.Fill({{"Me", "me", "", "x"}, {"Colour", "colour", "Blue", ""}});
+  const std::pair<const char*, const char*> cases[] = {
+      {"<select name=colour><option selected=\"selected\">Red<option>Blue</select>",
+       "<option >Red</option>\n<option selected>Blue</option>\n"},
+      {"<select name=size><option selected>S<option SELECTED>M<option>L</select>",  // the one a browser shows
+       "<option >S</option>\n<option selected>M</option>\n<option >L</option>\n"},
+      {"<select name=size multiple><option selected>S<option selected>M</select>",
+       "<option selected>S</option>\n<option selected>M</option>\n"},
+      {"<input type=radio name=colour value=red checked><input type=radio name=colour value=green>",
+       "<input type=\"radio\" checked name=\"colour\" value=\"red\" >\n"
+       "<input type=\"radio\" name=\"colour\" value=\"green\" >\n"},  // the key lists neither
+      {"<input type=radio name=Colour value=red checked><input type=radio name=colour value=blue>",
+       "<input type=\"radio\" checked name=\"Colour\" value=\"red\" >\n"
+       "<input type=\"radio\" checked name=\"colour\" value=\"blue\" >\n"},  // two groups to a browser
+      {"<input type=checkbox name=news value=yes checked=\"checked\">",
+       "<input type=\"checkbox\" checked name=\"news\" value=\"yes\" >\n"},
+  };
+  for (const auto& [field, written] : cases) {
+    EXPECT_NE(OneFieldForm(field).find(written), std::string::npos) << field;
+  }
+}
+
+// Key texts are typed in the ANSI code page; a UTF-8 page gets them in UTF-8,
+// also where they are compared with its option texts and values.
+TEST_F(PageWriter, KeyTextsMeetAUtf8PageInUtf8) {
+  keys_.Fill({{"Me", "name, land, news", "\xD6sterreich", "M\xFCller"}});
+  directPost_ = true;
+  const struct {
+    const char *declaration, *o, *u, *charset;  // the page's umlauts
+  } cases[] = {
+      {"<meta charset=\"utf-8\">", "\xC3\x96", "\xC3\xBC", "charset=utf-8\""},
+      {"", "\xD6", "\xFC", "charset=iso-8859-1\""},
+  };
+  for (const auto& c : cases) {
+    const std::string o = c.o, u = c.u;
+    const std::string page = Fill(std::string("<html><head>") + c.declaration +
+                                  "</head><form action=/a method=post><input name=name><select name=land>"
+                                  "<option>Deutschland<option>" + o + "sterreich</select>"
+                                  "<input type=checkbox name=news value=M" + u + "ller></form>");
+    EXPECT_LT(page.find(c.charset), page.find("<title>")) << c.charset;
+    EXPECT_EQ(session_->requestText,
+              "POST http://www.example.com/a?name=M" + u + "ller&land=" + o + "sterreich&news=M" + u + "ller&")
+        << c.charset;
+  }
+}
+
 TEST_F(PageWriter, OptionTagsLoseTheirSelectedWordsAndOneIsAddedAtMost) {
   EXPECT_EQ(RebuildOptionTag("  option  SELECTED   value=\"a b\" selected"), "option value=\"a b\" ");
-  EXPECT_EQ(RebuildOptionTag("option selected=\"selected\""), "option selected=\"selected\" ");
+  EXPECT_EQ(RebuildOptionTag("option selected=\"selected\""), "option ");
   const std::string longWord(kMaxOptionWordBytes + 5, 'v');
   EXPECT_EQ(RebuildOptionTag("option " + longWord), "option " + longWord.substr(0, kMaxOptionWordBytes) + " vvvvv ");
   keys_.Fill({{"Me", "me", "Red\r\nBlue", "x"}});
   EXPECT_NE(OneFieldForm("<select name=me multiple><option selected>Green<option selected value=b>Blue"
                          "<option>Red</select>")
-                .find("<select multiple name=\"ME\" >\n<option >GREEN</option>\n<option value=b selected>BLUE"
+                .find("<select multiple name=\"me\" >\n<option >Green</option>\n<option value=b selected>Blue"
                       "</option>\n<option >Red</option>\n</select>\n"),
             std::string::npos);
 }
@@ -246,14 +295,13 @@ TEST(PostRequest, EncodesValuesLightlyAndMeetsEarlierPairsThatBeginWithTheName) 
   EXPECT_EQ(full.size(), kRequestTextMax);
 }
 
-TEST_F(PageWriter, DirectPostPairsTakeTheNameAsMatchingLeftIt) {
+TEST_F(PageWriter, DirectPostPairsTakeNamesAndValuesAsThePageHasThem) {
   directPost_ = true;
-  // Looked-up names are upper case by the time their pair is added, text fields
-  // too; "nick" then meets the earlier pair "NICKNAME" and replaces it.
+  // "nick" meets the earlier pair "nickname" and replaces it.
   const std::pair<int, const char*> cases[] = {
-      {0, "POST http://www.example.com/a?NAME=Jane&ADDRESS=12+Market+St%0D%0ASpringfield&NICK=me&"
-          "COLOUR=BLUE&go=Send&"},
-      {kNoKey, "POST http://www.example.com/a?Name=old&Address=&nick=me&COLOUR=BLUE&go=Send&"},
+      {0, "POST http://www.example.com/a?Name=Jane&Address=12+Market+St%0D%0ASpringfield&nick=me&"
+          "colour=blue&go=Send&"},
+      {kNoKey, "POST http://www.example.com/a?Name=old&Address=&nick=me&colour=blue&go=Send&"},
   };
   for (const auto& [currentKey, request] : cases) {
     currentKey_ = currentKey;
@@ -284,10 +332,10 @@ TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
   EXPECT_EQ(forms,
             "<form action=\"http://www.example.com/a\" method=post >\n"
             "<input type=\"text\" name=\"unknown\" value=\"From\r\nprompt\" >\n"  // a picked key keeps its CRs
-            "<input type=\"checkbox\" checked name=\"AGREE\" value=\"YES\" >\n"
-            "<select name=\"S\" >\n<option >x</option>\n</select>\n"
-            "<input type=\"checkbox\" name=\"OTHER\" value=\"v\" >\n"
-            "<input type=\"checkbox\" checked name=\"AGREE\" value=\"YES\" >\n"  // the match stands again
+            "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n"
+            "<select name=\"s\" >\n<option >x</option>\n</select>\n"
+            "<input type=\"checkbox\" name=\"other\" value=\"v\" >\n"
+            "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n"  // the match stands again
             "<textarea name=\"t\" ></textarea>\n</form>");
 }
 
@@ -301,8 +349,8 @@ TEST_F(PageWriter, PromptedSelectsAndRadioGroupsTakeTheChosenValue) {
   EXPECT_EQ(asked[0].radioValues, (std::vector<std::string>{"s", "m", "l"}));
   EXPECT_EQ(asked[2].radioValues, (std::vector<std::string>{"l"}));
   EXPECT_EQ(std::make_pair(asked[3].matchedKey, asked[3].selectIndex), std::make_pair(5u, 0));
-  EXPECT_NE(forms.find("<input type=\"radio\" checked name=\"SIZE\" value=\"m\" >\n"), std::string::npos);
-  EXPECT_NE(forms.find("<option >GERMANY</option>\n<option >FRANCE</option>\n<option selected>CHILE</option>\n"),
+  EXPECT_NE(forms.find("<input type=\"radio\" checked name=\"size\" value=\"m\" >\n"), std::string::npos);
+  EXPECT_NE(forms.find("<option >Germany</option>\n<option >France</option>\n<option selected>Chile</option>\n"),
             std::string::npos);
 }
 
@@ -312,7 +360,7 @@ TEST_F(PageWriter, ANameLearnedInAPromptMatchesTheNextField) {
   const std::string forms = OneFieldForm("<input name=city><input name=City>");
   EXPECT_EQ(prompt_->requests.size(), 1u);
   EXPECT_NE(forms.find("name=\"City\" value=\"Springfield\""), std::string::npos);
-  EXPECT_EQ(KeyFieldText(*keys_, 1, kSearchNames), "town,CITY");
+  EXPECT_EQ(KeyFieldText(*keys_, 1, kSearchNames), "town,city");
 }
 
 }  // namespace

@@ -81,6 +81,19 @@ TEST_F(ScanHtmlCommand, DownloadsFillsRecordsAndOpensTheFilledPage) {
   EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
 }
 
+// The saved page keeps its server's header, whose Content-Type names the encoding.
+TEST_F(ScanHtmlCommand, APageItsServerSendsInUtf8GetsTheKeysTextInUtf8) {
+  LoopbackServer server({{"HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n" + kOrderPage}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "m\xFC@example.com"));
+  ShowBrowser("Order - Test Browser", "http://127.0.0.1/order.asp");
+  ScanFromBrowser({});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::string page = FilledPage();
+  EXPECT_NE(page.find("charset=utf-8\">"), std::string::npos) << page;
+  EXPECT_NE(page.find("name=\"email\" value=\"m\xC3\xBC@example.com\" >"), std::string::npos) << page;
+}
+
 // Both a trailing "/" and no path at all save the page as the host's index page.
 TEST_F(ScanHtmlCommand, AddressWithoutAFileNameIsSavedAsTheIndexPage) {
   for (const char* address : {"http://127.0.0.1/", "http://127.0.0.1"}) {
@@ -284,7 +297,7 @@ TEST_F(ScanHtmlCommand, DirectPostSendsThePairsInsteadOfOpeningThePage) {
   ASSERT_TRUE(result_.ok()) << result_.Describe();
   const std::vector<std::string> requests = server.Requests();
   ASSERT_EQ(requests.size(), 1u);
-  const std::string line = "POST http://127.0.0.1/cgi/order?EMAIL=me%40example.com&NICK=own";
+  const std::string line = "POST http://127.0.0.1/cgi/order?email=me%40example.com&nick=own";
   EXPECT_EQ(requests[0].substr(0, line.size()), line) << requests[0];
   EXPECT_TRUE(FileExists(dir_.File("datahtml\\ReciveData.htm")));
   EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
@@ -471,6 +484,7 @@ TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
       {"clipboard", fileUrl(own, "order form.htm", "order%20form.htm"), false, "http:///cgi/order"},
       {"clipboard, UTF-8 escapes", fileUrl(accented, "caf\xE9.htm", "caf%C3%A9.htm"), false, "http:///cgi/order"},
       {"address bar", fileUrl(known, "known page.htm", "known%20page.htm"), true, "http://127.0.0.1/cgi/order"},
+      {"address bar, a page saved elsewhere", fileUrl(own, "order form.htm", "order%20form.htm"), true, "http:///cgi/order"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);

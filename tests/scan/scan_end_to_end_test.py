@@ -31,7 +31,7 @@ EXPECTED = {
     "street": "12 Market Street",
     "city": "Springfield",
     "zip": "12345",
-    "COUNTRY": "US",  # a select's name reaches the page in capitals
+    "country": "US",  # names arrive as the page writes them
     "referrer": "+1 555 0100",  # the prompt's answer: the Phone key
 }
 
