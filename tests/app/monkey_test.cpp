@@ -19,6 +19,7 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/document_registry.h"
+#include "bars/dock_bar.h"
 #include "keys/database_slots.h"
 #include "keys/key_file.h"
 #include "keys/key_list.h"
@@ -74,7 +75,7 @@ const WORD kCommands[] = {
 
 const WPARAM kKeys[] = {'A', 'K', 'Z', VK_RETURN, VK_ESCAPE, VK_DELETE, VK_F2, VK_TAB, VK_INSERT, VK_DOWN, VK_UP};
 
-std::string Hex(const Bytes& b) { return std::to_string(b.size()) + " bytes"; }
+std::string Size(const Bytes& b) { return std::to_string(b.size()) + " bytes"; }
 
 // Every file under `folder` with its bytes, by path relative to it.
 void Snapshot(const std::string& folder, const std::string& prefix, std::map<std::string, Bytes>& out) {
@@ -380,6 +381,34 @@ class Monkey : public MainWindowTest {
     SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
   }
 
+  // A click on a button of the tool bar or the databases bar, or a drag of one by
+  // its grip to anywhere over the main window.
+  void BarClick() {
+    DockBar& bar = Pick(2) ? ToolBarDescriptor() : DatabaseBarDescriptor();
+    if (!bar.window || !IsWindowVisible(bar.window)) return Log("bar click on a hidden bar");
+    const std::vector<RECT> buttons = BarButtonRects(bar);
+    const std::size_t which = Pick(buttons.size() + 1);
+    const RECT r = which < buttons.size() ? buttons[which] : BarGripRect(bar);
+    POINT p{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+    Log(std::string(&bar == &ToolBarDescriptor() ? "tool bar" : "databases bar") +
+        (which < buttons.size() ? " button " + std::to_string(which) : " drag by the grip"));
+    PointCursor(bar.window, p);
+    SendMessageA(bar.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+    if (which == buttons.size()) {
+      SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
+      RECT client;
+      GetClientRect(window_, &client);
+      POINT drop{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))};
+      POINT screen = drop;
+      ClientToScreen(window_, &screen);
+      SetCursorPos(screen.x, screen.y);
+      SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
+      SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
+      return;
+    }
+    SendMessageA(bar.window, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+  }
+
   void Key() {
     HWND focus = GetFocus() ? GetFocus() : window_;
     const WPARAM key = kKeys[Pick(std::size(kKeys))];
@@ -419,7 +448,7 @@ class Monkey : public MainWindowTest {
     if (IsWindow(window_)) return;  // the user cancelled the save prompt
     window_ = nullptr;
     const Bytes settings = ReadBytes(program_ + "\\pellwick.cfg");
-    if (settings.size() != kSettingsFileSize) Die("settings file of " + Hex(settings) + " after close");
+    if (settings.size() != kSettingsFileSize) Die("settings file of " + Size(settings) + " after close");
     Settings() = AppSettings{};
     LoadOrSaveSettings(kLoadSettings);
     ClearAllKeys(Keys());
@@ -447,6 +476,7 @@ class Monkey : public MainWindowTest {
         {5, [this] { Mouse(AnyList(), WM_LBUTTONDBLCLK, WM_LBUTTONUP, "double click"); }},
         {4, [this] { Mouse(AnyList(), WM_RBUTTONDOWN, WM_RBUTTONUP, "right click"); }},
         {4, [this] { Drag(); }},
+        {6, [this] { BarClick(); }},
         {16, [this] { Key(); }},
         {4, [this] {
            HWND list = AnyList();
@@ -514,8 +544,8 @@ class Monkey : public MainWindowTest {
       if (old != before.end() && old->second == bytes) continue;
       if (name.size() > 4 && name.substr(name.size() - 4) == ".tmp") continue;
       if (bytes != tableBefore && bytes != tableAfter)
-        Die(name + " was written with " + Hex(bytes) + ", neither the table before (" + Hex(tableBefore) +
-            ") nor after (" + Hex(tableAfter) + ")");
+        Die(name + " was written with " + Size(bytes) + ", neither the table before (" + Size(tableBefore) +
+            ") nor after (" + Size(tableAfter) + ")");
     }
   }
 
