@@ -2,7 +2,9 @@
 // splits cleanly, names a file inside the folder within the path limit, and gives
 // a GET request that fits the receive buffer it is built in. The same bytes as a
 // copied address: one trimmed line, kept within the address limit, and a local
-// path never longer than what was copied and never holding a NUL.
+// path never longer than what was copied and never holding a NUL. An address the
+// system's HTTP stack accepts reads back as itself once written out, and so does
+// any Location resolved against it; any text read as an answer head is safe.
 #include <algorithm>
 #include <cstdlib>
 #include <string>
@@ -10,6 +12,7 @@
 
 #include "acquire/http_request.h"
 #include "acquire/pasted_address.h"
+#include "acquire/web_address.h"
 
 namespace {
 
@@ -50,6 +53,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t folderLength = std::min<std::size_t>(data[0], all.size());
   const std::string_view folder = all.substr(0, folderLength);
   const std::string_view url = all.substr(folderLength);
+
+  qb::RedirectLocation(all);
+  if (const std::optional<qb::WebAddress> address = qb::ParseWebAddress(url)) {
+    const std::string written = qb::FormatWebAddress(*address);
+    Check(qb::ParseWebAddress(written).has_value() && qb::FormatWebAddress(*qb::ParseWebAddress(written)) == written);
+    if (const std::optional<qb::WebAddress> to = qb::ResolveLocation(*address, folder))
+      Check(!to->host.empty() && !to->target.empty());
+  }
 
   qb::DownloadRequest request;
   if (qb::PrepareDownload(url, folder, request) != qb::PrepareStatus::kReady) return 0;
