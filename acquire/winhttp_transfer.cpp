@@ -1,6 +1,6 @@
 // WinHTTP in asynchronous mode: its callbacks only record what happened and set
-// an event; this thread waits on the event in short slices, passes the steps on
-// and checks the cancel flag and the stall limit between slices.
+// an event; the transfer's thread waits on the event in short slices, passes the
+// steps on and checks the cancel flag and the stall limit between slices.
 #include "acquire/winhttp_transfer.h"
 
 #include <winsock.h>
@@ -11,10 +11,12 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "acquire/certificate_check.h"
 #include "acquire/http_request.h"
+#include "acquire/no_case.h"
 
 namespace qb {
 namespace {
@@ -24,7 +26,10 @@ constexpr wchar_t kAgent[] = L"Quellbarrow";
 // kilobytes) is left to it instead of being freed under it: a request cancelled
 // while it waits for the server goes only when that wait ends.
 constexpr DWORD kCloseWaitMilliseconds = 250;
+// The steps' bits, in TransferStep's order.
 constexpr DWORD kStepBit[] = {1u << 0, 1u << 1, 1u << 2};
+constexpr int kStepCount = 3;
+static_assert(static_cast<int>(TransferStep::kSent) == kStepCount - 1, "one bit per step");
 
 // Shared with WinHTTP's callback threads for one request; the read buffer lives
 // here because a pending read may still fill it while the request closes.
@@ -161,8 +166,8 @@ bool IsCertificateError(DWORD error) {
 // One request on its own connection, from opening to the end of its answer.
 class Hop {
  public:
-  Hop(HINTERNET session, const WebAddress& address, WebLink& link, const WebLimits& limits)
-      : address_(address), link_(link), limits_(limits), state_(std::make_unique<Completion>()) {
+  Hop(HINTERNET session, const WebAddress& address, TransferLink& link, std::uint32_t stallMilliseconds)
+      : address_(address), link_(link), stallMilliseconds_(stallMilliseconds), state_(std::make_unique<Completion>()) {
     connection_.reset(WinHttpConnect(session, Wide(address.host).c_str(), address.port, 0));
     if (!connection_) return;
     const wchar_t* accept[] = {L"text/plain", L"text/html", L"*/*", nullptr};
@@ -202,7 +207,7 @@ class Hop {
     CertificateProblem problem = ProblemOf(state_->secureFlags, state_->error);
     // Told only that the channel failed: the certificate is looked at directly.
     if (problem == CertificateProblem::kOther && state_->error == ERROR_WINHTTP_SECURE_CHANNEL_ERROR)
-      problem = DiagnoseCertificate(address_.host, address_.port, limits_.stallMilliseconds);
+      problem = DiagnoseCertificate(address_.host, address_.port, stallMilliseconds_);
     if (problem == CertificateProblem::kOther && !IsCertificateError(state_->error)) return end;
     outcome.message = CertificateFailureText(address_.host, problem);
     return WebEnd::kCertificate;
@@ -211,17 +216,10 @@ class Hop {
   DWORD status() const { return StatusCode(request_.get()); }
   std::string location() const { return QueryHeader(request_.get(), WINHTTP_QUERY_LOCATION); }
 
-  // Hands the head and then the body on, within the size limit.
+  // Hands the head and then the body on.
   WebEnd Deliver() {
-    std::uint32_t total = 0;
-    std::string_view bytes;
-    std::string head = AnswerHead(request_.get());
-    for (bytes = head;; bytes = std::string_view(state_->buffer.data(), state_->bytes)) {
-      if (bytes.size() > limits_.maxBytes - total) {
-        link_.Received(bytes.substr(0, limits_.maxBytes - total));
-        return WebEnd::kTooLarge;
-      }
-      total += static_cast<std::uint32_t>(bytes.size());
+    const std::string head = AnswerHead(request_.get());
+    for (std::string_view bytes = head;; bytes = std::string_view(state_->buffer.data(), state_->bytes)) {
       if (!bytes.empty() && !link_.Received(bytes)) return WebEnd::kStopped;
       // Only what is there is read: a read of more may wait for the rest
       // without a word, however long the server takes.
@@ -240,7 +238,7 @@ class Hop {
   // counts as progress for the stall limit.
   WebEnd Wait() {
     for (;;) {
-      const DWORD waited = WaitForSingleObject(state_->done, kWebPollMilliseconds);
+      const DWORD waited = WaitForSingleObject(state_->done, kCancelPollMilliseconds);
       PassStepsOn();
       if (waited == WAIT_OBJECT_0) {
         lastProgress_ = GetTickCount();
@@ -249,48 +247,133 @@ class Hop {
         return state_->error == ERROR_SUCCESS ? WebEnd::kCompleted : WebEnd::kFailed;
       }
       if (link_.Cancelled()) return WebEnd::kCancelled;
-      if (GetTickCount() - lastProgress_ >= limits_.stallMilliseconds) return WebEnd::kStalled;
+      if (GetTickCount() - lastProgress_ >= stallMilliseconds_) return WebEnd::kStalled;
     }
   }
 
+  // A kept connection is neither resolved nor connected again; every hop still
+  // shows the three steps, in order.
   void PassStepsOn() {
     const DWORD steps = state_->steps;
-    for (WebStep step : {WebStep::kResolved, WebStep::kConnected, WebStep::kSent}) {
-      const DWORD bit = kStepBit[static_cast<int>(step)];
-      if ((steps & bit) && !(shown_ & bit)) {
-        shown_ |= bit;
-        lastProgress_ = GetTickCount();
-        link_.Reached(step);
-      }
+    int reached = 0;
+    for (int step = 0; step < kStepCount; ++step)
+      if (steps & kStepBit[step]) reached = step + 1;
+    for (; shown_ < reached; ++shown_) {
+      lastProgress_ = GetTickCount();
+      link_.Reached(static_cast<TransferStep>(shown_));
     }
   }
 
   WebAddress address_;
-  WebLink& link_;
-  const WebLimits& limits_;
+  TransferLink& link_;
+  const std::uint32_t stallMilliseconds_;
   std::unique_ptr<Completion> state_;
   Handle connection_;
   Handle request_;
-  DWORD shown_ = 0;
+  int shown_ = 0;  // steps passed on
   DWORD lastProgress_ = 0;
+};
+
+// Passes a plain answer on, unless its head turns out to be a redirect: then
+// nothing of it is passed on and the plain transfer stops there.
+class RedirectWatch : public TransferLink {
+ public:
+  explicit RedirectWatch(TransferLink& link) : link_(link) {}
+
+  bool Cancelled() const override { return link_.Cancelled(); }
+  void Reached(TransferStep step) override { link_.Reached(step); }
+  void Redirected(const std::string& address) override { link_.Redirected(address); }
+  void Refused(const std::string& message) override { link_.Refused(message); }
+  bool Received(std::string_view bytes) override {
+    if (passing_) return link_.Received(bytes);
+    head_.append(bytes);
+    const bool headEnded = head_.find("\r\n\r\n") != std::string::npos || head_.find("\n\n") != std::string::npos;
+    if (!headEnded && head_.size() < kAnswerHeadMax) return true;
+    return Decide();
+  }
+
+  // Once the head is whole, or the answer ended before it was: false while the
+  // answer is held back as a redirect, or when the link wants no more.
+  bool Decide() {
+    if (passing_ || location_) return !location_;
+    location_ = RedirectLocation(head_);
+    if (location_) return false;
+    passing_ = true;
+    return head_.empty() || link_.Received(head_);
+  }
+  const std::optional<std::string>& location() const { return location_; }
+
+ private:
+  TransferLink& link_;
+  std::string head_;
+  bool passing_ = false;
+  std::optional<std::string> location_;
+};
+
+bool Finish(const WebOutcome& outcome, TransferLink& link) {
+  switch (outcome.end) {
+    case WebEnd::kCompleted: return true;
+    case WebEnd::kTooManyRedirects:
+    case WebEnd::kInsecureRedirect:
+    case WebEnd::kCertificate: link.Refused(outcome.message); return false;
+    case WebEnd::kFailed:
+    case WebEnd::kCancelled:
+    case WebEnd::kStalled:
+    case WebEnd::kStopped: break;
+  }
+  return false;
+}
+
+class PageTransport : public Transport {
+ public:
+  PageTransport(std::string address, std::string host, std::string request)
+      : address_(std::move(address)), host_(std::move(host)), request_(std::move(request)) {}
+
+  bool Run(TransferLink& link) override {
+    const std::optional<WebAddress> start = ParseWebAddress(address_);
+    if (StartsWithNoCase(address_, kSecureScheme)) {
+      // Never fetched over plain HTTP instead, whatever is wrong with the address.
+      return start && Finish(FetchWithWinHttp(*start, 0, link, kStallMilliseconds), link);
+    }
+    RedirectWatch watch(link);
+    const bool ended = MakeWinsockTransport(host_, request_)->Run(watch);
+    const bool passed = watch.Decide();
+    const std::optional<WebAddress> next =
+        start && watch.location() ? ResolveLocation(*start, *watch.location()) : std::nullopt;
+    if (!next || link.Cancelled()) return ended && passed;
+    link.Redirected(FormatWebAddress(*next));
+    return Finish(FetchWithWinHttp(*next, 1, link, kStallMilliseconds), link);
+  }
+
+ private:
+  static constexpr std::string_view kSecureScheme = "https://";
+  static constexpr std::uint32_t kStallMilliseconds = kStallLimitSeconds * 1000;
+  std::string address_;
+  std::string host_;
+  std::string request_;
 };
 
 }  // namespace
 
-WebOutcome FetchWithWinHttp(const WebAddress& start, int hopsBefore, WebLink& link, const WebLimits& limits) {
+std::unique_ptr<Transport> MakePageTransport(std::string address, std::string host, std::string request) {
+  return std::make_unique<PageTransport>(std::move(address), std::move(host), std::move(request));
+}
+
+WebOutcome FetchWithWinHttp(const WebAddress& start, int hopsBefore, TransferLink& link,
+                            std::uint32_t stallMilliseconds) {
   WebOutcome outcome;
   outcome.address = start;
   Handle session(WinHttpOpen(kAgent, WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, WINHTTP_NO_PROXY_NAME,
                              WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
   if (!session) return outcome;
-  const int timeout = static_cast<int>(limits.stallMilliseconds);
+  const int timeout = static_cast<int>(stallMilliseconds);
   WinHttpSetTimeouts(session.get(), timeout, timeout, timeout, timeout);
   if (WinHttpSetStatusCallback(session.get(), OnStatus, WINHTTP_CALLBACK_FLAG_ALL_NOTIFICATIONS, 0) ==
       WINHTTP_INVALID_STATUS_CALLBACK)
     return outcome;
 
   for (int hops = hopsBefore;; ++hops) {
-    Hop hop(session.get(), outcome.address, link, limits);
+    Hop hop(session.get(), outcome.address, link, stallMilliseconds);
     outcome.end = hop.Start(outcome);
     if (outcome.end != WebEnd::kCompleted) return outcome;
     const std::string location = IsRedirect(hop.status()) ? hop.location() : std::string();

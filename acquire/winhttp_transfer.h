@@ -7,45 +7,20 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "acquire/transport.h"
 #include "acquire/web_address.h"
 
 namespace qb {
-
-// How long one wait lasts before the transfer looks at its cancel flag again.
-constexpr std::uint32_t kWebPollMilliseconds = 100;
-
-// The steps of one hop, reported in this order.
-enum class WebStep { kResolved, kConnected, kSent };
-
-// The owner's side, called on the thread that runs the transfer.
-class WebLink {
- public:
-  virtual bool Cancelled() const = 0;
-  virtual void Reached(WebStep step) = 0;
-  // A redirect is followed to `address`; the next hop's steps come after it.
-  virtual void Redirected(const std::string& address) = 0;
-  // The final answer as it arrives: first its status line and headers (CR LF
-  // ended, with the blank line), then the body. False stops the transfer.
-  virtual bool Received(std::string_view bytes) = 0;
-
- protected:
-  ~WebLink() = default;
-};
-
-struct WebLimits {
-  std::uint32_t stallMilliseconds = 0;  // without any progress
-  std::uint32_t maxBytes = 0;           // head and body together
-};
 
 enum class WebEnd {
   kCompleted,
   kFailed,            // the connection or the server failed
   kCancelled,
   kStalled,
-  kTooLarge,          // nothing past maxBytes was handed on
   kStopped,           // Received returned false
   kTooManyRedirects,
   kInsecureRedirect,  // a secure page sent the download to plain HTTP
@@ -60,8 +35,18 @@ struct WebOutcome {
   WebAddress address;
 };
 
-// Downloads `start`. `hopsBefore` counts redirects already followed on the way to
-// it (a plain HTTP answer's); at most kMaxRedirectHops are followed in all.
-WebOutcome FetchWithWinHttp(const WebAddress& start, int hopsBefore, WebLink& link, const WebLimits& limits);
+// Downloads `start`, reporting to `link` as a transport does; a redirect followed
+// is reported by Redirected. `hopsBefore` counts redirects already followed on the
+// way to it (a plain HTTP answer's); at most kMaxRedirectHops are followed in all.
+// A hop that goes without progress for `stallMilliseconds` ends as kStalled.
+WebOutcome FetchWithWinHttp(const WebAddress& start, int hopsBefore, TransferLink& link,
+                            std::uint32_t stallMilliseconds);
+
+// The transport of a page download. An "https://" `address` goes through WinHTTP
+// from the start. Any other goes through the Winsock client with its exact
+// `request` to `host`; when the answer is a redirect, its body is dropped and the
+// redirect is followed through WinHTTP. A stop the user must read about reaches
+// the link's Refused.
+std::unique_ptr<Transport> MakePageTransport(std::string address, std::string host, std::string request);
 
 }  // namespace qb

@@ -96,6 +96,7 @@ struct FormScan {
 
 // The scheme of a page whose address says none, or was never fetched over HTTPS.
 constexpr std::string_view kPlainScheme = "http://";
+constexpr std::string_view kSecureScheme = "https://";
 
 // One pass over scan.document: fills the tables (cleared first) and finds the
 // page's encoding. `scheme` and `host` are those of the address the page came
