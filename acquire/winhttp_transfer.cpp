@@ -12,7 +12,6 @@
 #include <atomic>
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "acquire/certificate_check.h"
 #include "acquire/http_request.h"

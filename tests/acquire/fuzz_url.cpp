@@ -72,6 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(request.localFile.compare(0, folder.size(), folder) == 0);
   Check(request.localFile.size() >= folder.size() + 5);
   Check(request.localFile.compare(request.localFile.size() - 4, 4, ".htm") == 0);
+  Check(request.address == url);
   // One file name inside the folder, never a device.
   const std::string_view name = std::string_view(request.localFile).substr(folder.size());
   Check(name.find_first_of("\\/:*?\"<>|") == std::string_view::npos);
