@@ -54,18 +54,26 @@ class DualStackServer(http.server.HTTPServer):
         super().server_bind()
 
 
-def serve_https():
-    certificate, key = (os.path.join(TLS_DIR, "localhost." + kind) for kind in ("crt", "key"))
-    if not os.path.exists(certificate):
-        return
+def https_server(handler):
+    """`handler` on port 443 with the test certificate for `localhost`; raises OSError
+    when the port or the certificate is not to be had."""
+    server = DualStackServer(("::", 443), handler)
+    context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
     try:
-        server = DualStackServer(("::", 443), Site)
+        context.load_cert_chain(os.path.join(TLS_DIR, "localhost.crt"), os.path.join(TLS_DIR, "localhost.key"))
+    except OSError:
+        server.server_close()
+        raise
+    server.socket = context.wrap_socket(server.socket, server_side=True)
+    return server
+
+
+def serve_https():
+    try:
+        server = https_server(Site)
     except OSError as e:
         print(f"sample_site: no HTTPS on port 443 ({e})", file=sys.stderr)
         return
-    context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-    context.load_cert_chain(certificate, key)
-    server.socket = context.wrap_socket(server.socket, server_side=True)
     threading.Thread(target=server.serve_forever, daemon=True).start()
 
 

@@ -18,8 +18,6 @@ import base64
 import http.server
 import os
 import queue
-import socket
-import ssl
 import subprocess
 import sys
 import tempfile
@@ -27,13 +25,15 @@ import threading
 import time
 import urllib.parse
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+here = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [here, os.path.join(here, "..", "..", "scripts")]
 import fill_browser_test as browser  # noqa: E402  (the Chromium driver)
+import sample_site  # noqa: E402  (the HTTPS server with the test certificate)
 
 DEADLINE_SECONDS = 150
 ADDRESS = "http://127.0.0.1/order/form.htm"
 SECURE_ADDRESS = "https://localhost/order/form.htm"
-TLS_DIR = os.environ.get("QB_TEST_TLS_DIR", "/etc/quellbarrow-test-tls")
+TLS_DIR = sample_site.TLS_DIR
 EXPECTED = {
     "firstname": "John",
     "lastname": "Smith",
@@ -57,23 +57,6 @@ class Site(browser.Receiver):
         self.wfile.write(Site.form)
 
 
-class DualStackServer(http.server.HTTPServer):
-    """Listens on every address of the port, IPv6 and IPv4: a client may try ::1 first."""
-    address_family = socket.AF_INET6
-
-    def server_bind(self):
-        self.socket.setsockopt(socket.IPPROTO_IPV6, socket.IPV6_V6ONLY, 0)
-        super().server_bind()
-
-
-def secure_server():
-    server = DualStackServer(("::", 443), Site)
-    context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-    context.load_cert_chain(os.path.join(TLS_DIR, "localhost.crt"), os.path.join(TLS_DIR, "localhost.key"))
-    server.socket = context.wrap_socket(server.socket, server_side=True)
-    return server
-
-
 def public_key_hash(certificate):
     """The certificate's public key as --ignore-certificate-errors-spki-list wants it."""
     key = subprocess.run(["openssl", "x509", "-in", certificate, "-noout", "-pubkey"], capture_output=True,
@@ -94,7 +77,7 @@ def main(harness, keys, form, wine_env, build_dir, mode="http"):
     secure = mode == "https"
     with open(form, "rb") as f:
         Site.form = f.read()
-    server = secure_server() if secure else http.server.HTTPServer(("127.0.0.1", 80), Site)
+    server = sample_site.https_server(Site) if secure else http.server.HTTPServer(("127.0.0.1", 80), Site)
     threading.Thread(target=server.serve_forever, daemon=True).start()
     wine = ["bash", "-c", f'. "{wine_env}" "{build_dir}" && exec wine "$@"', "wine"]
     work = tempfile.mkdtemp(prefix="scan_e2e_")
