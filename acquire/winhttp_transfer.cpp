@@ -341,7 +341,10 @@ class PageTransport : public Transport {
         start && watch.location() ? ResolveLocation(*start, *watch.location()) : std::nullopt;
     if (!next || link.Cancelled()) return ended && passed;
     link.Redirected(FormatWebAddress(*next));
-    return Finish(FetchWithWinHttp(*next, 1, link, kStallMilliseconds), link);
+    WebOutcome outcome = FetchWithWinHttp(*next, 1, link, kStallMilliseconds);
+    // Named by the address the user scanned, not by the first redirect's.
+    if (outcome.end == WebEnd::kTooManyRedirects) outcome.message = TooManyRedirectsText(address_);
+    return Finish(outcome, link);
   }
 
  private:
