@@ -10,6 +10,7 @@
 
 #include "acquire/acquire_state.h"
 #include "acquire/transport.h"
+#include "acquire/winhttp_transfer.h"
 #include "base/app_state.h"
 #include "base/dispatch.h"
 #include "resources/resource.h"
@@ -33,10 +34,10 @@ std::string& LastStatusText() {
 }
 
 struct TransferEvent {
-  enum class Kind { kStep, kData, kTooLarge, kEnd };
+  enum class Kind { kStep, kData, kTooLarge, kRedirect, kRefused, kEnd };
   Kind kind;
   TransferStep step = TransferStep::kResolved;
-  std::string bytes;
+  std::string bytes;  // data, the redirect's address or the refusal's message
   bool completed = false;
 };
 
@@ -59,6 +60,12 @@ class TransferChannel : public TransferLink {
       return false;
     }
     return Push({TransferEvent::Kind::kData, TransferStep::kResolved, std::string(bytes), false});
+  }
+  void Redirected(const std::string& address) override {
+    Push({TransferEvent::Kind::kRedirect, TransferStep::kResolved, address, false});
+  }
+  void Refused(const std::string& message) override {
+    Push({TransferEvent::Kind::kRefused, TransferStep::kResolved, message, false});
   }
   void Ended(bool completed) {
     Push({TransferEvent::Kind::kEnd, TransferStep::kResolved, std::string(), completed});
@@ -132,7 +139,9 @@ class DownloadSession {
     lastActivity_ = GetTickCount();
     SetTimer(dialog_, kStallTimerId, kStallCheckMilliseconds, nullptr);
     channel_ = std::make_shared<TransferChannel>(dialog_);
-    std::shared_ptr<Transport> transport = MakeWinsockTransport(request.host, std::move(wire));
+    std::shared_ptr<Transport> transport = variant_ == Variant::kGet
+                                               ? MakePageTransport(request.address, request.host, std::move(wire))
+                                               : MakeWinsockTransport(request.host, std::move(wire));
     std::thread([channel = channel_, transport] { channel->Ended(transport->Run(*channel)); }).detach();
   }
 
@@ -151,6 +160,8 @@ class DownloadSession {
           break;
         }
         case TransferEvent::Kind::kTooLarge: TooLarge(); break;
+        case TransferEvent::Kind::kRedirect: ShowRedirect(event.bytes); break;
+        case TransferEvent::Kind::kRefused: Refuse(event.bytes, kDownloadRefused); break;
         case TransferEvent::Kind::kEnd:
           // What the run-time still holds must reach the file too.
           if (file_ && std::fflush(file_.get()) != 0) return NotWritten();
@@ -217,11 +228,24 @@ class DownloadSession {
     EndDialog(dialog_, 1);
   }
 
+  // The scan reads the page as coming from the last address shown here.
+  void ShowRedirect(const std::string& address) {
+    SharedDownloadRequest().address = address;
+    status_.Append("Redirected to: ");
+    status_.Append(address);
+    status_.Append("\r\n");
+    Show();
+  }
+
   void TooLarge() {
-    Discard();
     const unsigned megabytes = kMaxDownloadBytes / kBytesPerMegabyte;
-    MessageBoxA(dialog_, FormatText(kTooLargeFormat, megabytes).c_str(), nullptr, MB_OK | MB_ICONSTOP);
-    End(kDownloadTooLarge);
+    Refuse(FormatText(kTooLargeFormat, megabytes), kDownloadTooLarge);
+  }
+
+  void Refuse(const std::string& message, INT_PTR result) {
+    Discard();
+    MessageBoxA(dialog_, message.c_str(), nullptr, MB_OK | MB_ICONSTOP);
+    End(result);
   }
 
   // Removes the file this transfer wrote, and only that one.

@@ -23,8 +23,11 @@ constexpr char kPostResponseFile[] = "\\datahtml\\ReciveData.htm";
 constexpr INT_PTR kDownloadEnded = 0;
 constexpr INT_PTR kDownloadCancelled = IDCANCEL;
 constexpr INT_PTR kDownloadTooLarge = 3;
-constexpr INT_PTR kDownloadNotWritten = 4;  // the file could not take what came (a full disk)
-constexpr INT_PTR kDownloadBrokenOff = 5;   // the server reset or went quiet after part of the page
+// A secure download stopped: a certificate that can't be trusted, too many
+// redirects, or a redirect from HTTPS to plain HTTP.
+constexpr INT_PTR kDownloadRefused = 4;
+constexpr INT_PTR kDownloadNotWritten = 5;  // the file could not take what came (a full disk)
+constexpr INT_PTR kDownloadBrokenOff = 6;   // the server reset or went quiet after part of the page
 
 constexpr char kNotWrittenText[] =
     "The HTML document could not be written to the disk, which may be full.\n"

@@ -95,6 +95,7 @@ PrepareStatus PrepareDownload(std::string_view url, std::string_view folder, Dow
   std::string localFile = std::string(folder) + name;
   if (localFile.size() > kLocalPathMax) return PrepareStatus::kFileNameTooLong;
 
+  out.address = std::string(url);
   out.localFile = std::move(localFile);
   out.host = std::move(split.host);
   out.path = std::move(split.path);

@@ -29,6 +29,9 @@ struct DownloadRequest {
   std::string localFile;  // receives the response (GET)
   std::string host;       // never with a port
   std::string path;       // "/..." or empty
+  // The page's address, scheme included; after a download, the one its answer
+  // finally came from.
+  std::string address;
 };
 
 // The address without "http://" or "https://" (any case); a text starting with

@@ -29,6 +29,10 @@ class TransferLink {
   virtual void Reached(TransferStep step) = 0;
   // Bytes of the answer as they arrive; false when the transfer must stop now.
   virtual bool Received(std::string_view bytes) = 0;
+  // A redirect is followed to `address` (scheme included); that hop's steps follow.
+  virtual void Redirected(const std::string& address) = 0;
+  // The transfer stops for a reason the user must read; nothing of it is kept.
+  virtual void Refused(const std::string& message) = 0;
 
  protected:
   ~TransferLink() = default;

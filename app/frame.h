@@ -49,6 +49,7 @@ LRESULT OnMainTimer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainMouseMove(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainLButtonUp(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainRecapture(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnMainCaptureChanged(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainRButtonDown(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainClose(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainDestroy(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

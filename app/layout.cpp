@@ -125,6 +125,13 @@ LRESULT OnMainRecapture(HWND window, UINT, WPARAM, LPARAM) {
   return 0;
 }
 
+// A key drag that loses the mouse other than by its drop (Esc, another window
+// taking it) ends without moving anything.
+LRESULT OnMainCaptureChanged(HWND window, UINT, WPARAM, LPARAM newCapture) {
+  if (reinterpret_cast<HWND>(newCapture) != window) CancelKeyDrag();
+  return 0;
+}
+
 LRESULT OnMainRButtonDown(HWND, UINT, WPARAM, LPARAM) { return 0; }
 
 LRESULT OnSysColorChange(HWND window, UINT, WPARAM, LPARAM) {

@@ -32,6 +32,7 @@ const MessageRow kMainMessages[] = {
     {WM_DESTROY,        OnMainDestroy},
     {WM_SYSCOLORCHANGE, OnSysColorChange},
     {WM_DISPLAYCHANGE,  OnDisplayChange},
+    {WM_CAPTURECHANGED, OnMainCaptureChanged},
 };
 
 const CommandRow kMainCommands[] = {

@@ -15,6 +15,9 @@ BOOL CALLBACK AddOwned(HWND window, LPARAM param) {
   return TRUE;
 }
 
+// The dialogs whose handlers are running on this thread, innermost last.
+thread_local std::vector<HWND> t_dialogs;
+
 }  // namespace
 
 AppState& App() {
@@ -42,8 +45,18 @@ std::string FormatText(const char* format, ...) {
   return std::string(scratch.data());
 }
 
+MessageOwnerScope::MessageOwnerScope(HWND dialog) { t_dialogs.push_back(dialog); }
+MessageOwnerScope::~MessageOwnerScope() { t_dialogs.pop_back(); }
+
+HWND MessageOwner() {
+  for (auto at = t_dialogs.rbegin(); at != t_dialogs.rend(); ++at) {
+    if (IsWindow(*at)) return *at;
+  }
+  return App().mainWindow;
+}
+
 int ShowMessage(const std::string& text, const char* caption, UINT flags) {
-  return MessageBoxA(App().mainWindow, text.c_str(), caption, flags);
+  return MessageBoxA(MessageOwner(), text.c_str(), caption, flags);
 }
 
 void OrderMainWindow(HWND main, bool onTop, UINT flags) {

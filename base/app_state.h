@@ -47,7 +47,22 @@ void SetProgramDirectory(const std::string& dir);
 // printf-style composition bounded to the shared scratch size (511 characters).
 std::string FormatText(const char* format, ...);
 
-// A message box owned by the main window (which may not exist yet).
+// The window a message box raised now belongs to: the dialog whose handler runs
+// innermost, so that nothing behind the box can be pressed meanwhile; outside
+// every dialog the main window (which may not exist yet).
+HWND MessageOwner();
+
+// While it lives, boxes raised on this thread belong to `dialog` (the dispatch
+// of a dialog's messages holds one around each handler).
+class MessageOwnerScope {
+ public:
+  explicit MessageOwnerScope(HWND dialog);
+  ~MessageOwnerScope();
+  MessageOwnerScope(const MessageOwnerScope&) = delete;
+  MessageOwnerScope& operator=(const MessageOwnerScope&) = delete;
+};
+
+// A message box owned by MessageOwner().
 int ShowMessage(const std::string& text, const char* caption, UINT flags);
 
 // Orders the main window above all windows that are not topmost, or among them.

@@ -1,5 +1,7 @@
 #include "base/dispatch.h"
 
+#include "base/app_state.h"
+
 namespace qb {
 
 LRESULT EndDialogCancelled(HWND dialog, WORD, WORD, LPARAM) {
@@ -31,11 +33,25 @@ LRESULT DefaultProcedure(std::uint32_t selector, HWND window, UINT message, WPAR
   }
 }
 
+namespace {
+
+// The system's dialog class, whose atom every dialog template's window carries.
+constexpr ULONG_PTR kDialogClassAtom = 0x8002;
+
+bool IsDialog(HWND window) { return GetClassLongPtrA(window, GCW_ATOM) == kDialogClassAtom; }
+
+}  // namespace
+
 LRESULT LookupMessage(const MessageMap& map, HWND window, UINT message, WPARAM wParam,
                       LPARAM lParam) {
   for (std::int32_t i = 0; i < map.count; ++i) {
     const MessageRow& row = map.rows[i];
-    if (row.message == message && row.handler) return row.handler(window, message, wParam, lParam);
+    if (!(row.message == message && row.handler)) continue;
+    // A box a dialog raises is the dialog's: it stays disabled behind the box, so
+    // none of its buttons can end it while the handler waits for the answer.
+    if (!IsDialog(window)) return row.handler(window, message, wParam, lParam);
+    const MessageOwnerScope owner(window);
+    return row.handler(window, message, wParam, lParam);
   }
   return DefaultProcedure(map.defaultSelector, window, message, wParam, lParam);
 }

@@ -1,6 +1,7 @@
 // Telling the user something from platform-free code (a bad database file, an
-// exhausted heap). The product shows a message box owned by the main window; the
-// native build and the tools keep the messages for whoever asks.
+// exhausted heap). The product shows a message box owned by the dialog at work
+// (else the main window); the native build and the tools keep the messages for
+// whoever asks.
 #pragma once
 
 #include <string>
@@ -25,7 +26,7 @@ void TellUser(std::string_view text, const char* caption = nullptr,
 
 // Replaces where messages go; null restores the recording default.
 void SetUserMessageSink(UserMessageSink sink);
-// Product only: messages become message boxes owned by the main window.
+// Product only: messages become message boxes, owned as ShowMessage's are.
 void UseMessageBoxes();
 
 // Messages recorded by the default sink since the last call, oldest first.

@@ -17,7 +17,7 @@ UINT IconFlags(MessageIcon icon) {
 }
 
 void ShowBox(const UserMessage& m) {
-  MessageBoxA(App().mainWindow, m.text.c_str(), m.caption.empty() ? nullptr : m.caption.c_str(),
+  MessageBoxA(MessageOwner(), m.text.c_str(), m.caption.empty() ? nullptr : m.caption.c_str(),
               MB_OK | IconFlags(m.icon));
 }
 

@@ -25,6 +25,17 @@ void SetMainTitle(const std::string& title) {
   if (App().mainWindow) SetWindowTextA(App().mainWindow, title.c_str());
 }
 
+// Yes to the save prompt. A database without a name has no file to go to: with no
+// keys (Delete database) there is nothing to keep; with keys the user names a file
+// first, and cancelling that is Cancel.
+bool SaveForPrompt() {
+  if (CurrentSlotName()[0] == '\0') {
+    if (KeysInUse(Keys()) == 0) return true;
+    if (!ChooseDatabaseFile(MessageOwner(), true)) return false;
+  }
+  return SaveDatabase(CurrentDatabasePath(), Keys());
+}
+
 }  // namespace
 
 int CurrentSlot() { return g_currentSlot; }
@@ -44,7 +55,7 @@ bool AskToSaveChanges() {
   const std::string text = FormatText(kSaveQuestionFormat, SlotNameText(CurrentSlotName()).c_str());
   switch (ShowMessage(text, kQuestionCaption, MB_YESNOCANCEL | MB_ICONQUESTION)) {
     case IDYES:
-      return SaveDatabase(CurrentDatabasePath(), Keys());
+      return SaveForPrompt();
     case IDNO:
       return true;
     default:

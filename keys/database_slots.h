@@ -28,7 +28,9 @@ SlotName& CurrentSlotName();
 std::string CurrentDatabasePath();
 
 // With unsaved changes asks whether to save them: Yes saves (a failed save counts
-// as Cancel, so nothing is lost), No goes on; false on Cancel. Without changes true.
+// as Cancel, so nothing is lost; a database without a name is saved under one the
+// user chooses, or goes on when it has no keys), No goes on; false on Cancel.
+// Without changes true.
 bool AskToSaveChanges();
 // Makes `slot` current and loads its database (after the save prompt; Cancel puts
 // the databases bar's buttons back as they were).

@@ -14,7 +14,6 @@
 #include "keys/key_list.h"
 #include "keys/key_rows.h"
 #include "keys/key_table.h"
-#include "keys/merge_dialog.h"
 #include "resources/resource.h"
 
 namespace qb {
@@ -40,8 +39,7 @@ struct EditorRun {
   int mode = kEditorAdd;
   int editing = -1;  // the key Save key and OK act on; -1 for none
   std::vector<int> rowKeys;
-  // The Name block of the key added last: found again after the Keys view's refill
-  // may have sorted the table.
+  // The Name block of the key added last: found again after deletes moved it.
   TextBlock newKeyName = kNoBlock;
   // Set while the editor selects rows itself, which must not load their keys.
   bool selecting = false;
@@ -225,8 +223,9 @@ LRESULT OnCreateKey(HWND dialog, WORD, WORD, LPARAM) {
   return 1;
 }
 
-// Neither marks the database changed nor refills the Keys view: the program has
-// always left both to the OK that follows.
+// Leaves marking the database changed to the OK that follows, as the program
+// always has. The Keys view is not filled again, but loses the key's row (its row
+// r shows key r), so it never lists a key that is gone.
 LRESULT OnDeleteKey(HWND dialog, WORD, WORD, LPARAM) {
   KeyTable& keys = Keys();
   if (KeysInUse(keys) <= 0) return 1;
@@ -236,6 +235,7 @@ LRESULT OnDeleteKey(HWND dialog, WORD, WORD, LPARAM) {
   if (key < 0 || key >= KeysInUse(keys)) return 1;
   if (KeyFieldBlock(keys, key, kName) == g_run.newKeyName) g_run.newKeyName = kNoBlock;
   DeleteKey(keys, key);
+  if (HWND view = App().keysView; view && key < ListView_GetItemCount(view)) ListView_DeleteItem(view, key);
   // The keys after it moved up one place, and their rows follow them. No row stays
   // selected: the selection would pass to the next key.
   g_run.selecting = true;
@@ -267,9 +267,10 @@ LRESULT OnKeyEditorOk(HWND dialog, WORD, WORD, LPARAM) {
   } else if (g_run.mode != kEditorModify) {
     if (!StoreKey(dialog, KeysInUse(Keys()))) return 1;
   }
+  // A key added has its row in the Keys view already; nothing there is rebuilt,
+  // so its selection (the scan's current key) and the table's order stay.
   SetDatabaseChanged(true);
   EndDialog(dialog, 1);
-  RefillKeyList();
   return 1;
 }
 

@@ -25,9 +25,8 @@ constexpr char kEmptyNameText[] =
 // Modal, owned by `owner`: 1 after OK, 0 after Cancel.
 int OpenKeyEditor(HWND owner, int mode, const std::string& name = "", const std::string& description = "");
 
-// Where the key the editor's last run added last now stands (after the Keys view
-// was filled again, which may sort the table); kNoKey when that run added none or
-// deleted it again.
+// Where the key the editor's last run added last now stands; kNoKey when that run
+// added none or deleted it again.
 int KeyEditorNewKey();
 
 // The main window's command rows for IDM_ADD_KEY and IDM_MODIFY_KEY.

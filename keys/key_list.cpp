@@ -154,9 +154,11 @@ LRESULT OnEndLabelEdit(const NMHDR& header) {
   return FALSE;  // the row asks for its text again
 }
 
-// Enter in the list is the Links view's: it opens that view's selected row.
+// Enter in the list is the Links view's: it opens that view's selected row. Esc
+// ends a drag without a drop.
 LRESULT OnKeyDown(const NMHDR& header) {
   const auto& key = reinterpret_cast<const NMLVKEYDOWN&>(header);
+  if (key.wVKey == VK_ESCAPE) CancelKeyDrag();
   if (key.wVKey == VK_RETURN)
     SendMessageA(App().mainWindow, WM_COMMAND, MAKEWPARAM(IDM_LINKS_ENTER, kInternalCommand), 0);
   return 0;
@@ -292,15 +294,22 @@ void MoveKeyDrag(POINT screen) {
   SetStatusText(FormatText(kDragStatusFormat, static_cast<int>(screen.x), static_cast<int>(screen.y)).c_str());
 }
 
+void CancelKeyDrag() {
+  if (!g_list.dragging) return;
+  // The flag goes first: letting the mouse go reports the capture's loss, which
+  // comes back here.
+  g_list.dragging = false;
+  ImageList_DragLeave(nullptr);
+  ImageList_EndDrag();
+  if (GetCapture() == App().mainWindow) ReleaseCapture();
+}
+
 void DropKey(POINT screen) {
   HWND list = List();
   POINT point = screen;
   ScreenToClient(list, &point);
   const int row = RowAt(list, point);
-  ImageList_DragLeave(nullptr);
-  ImageList_EndDrag();
-  ReleaseCapture();
-  g_list.dragging = false;
+  CancelKeyDrag();
   if (row < 0) return;
   const int target = DropTarget(g_list.dragged, row, point.y, KeysInUse(Keys()));
   if (target == g_list.dragged) return;

@@ -46,6 +46,8 @@ void ResetKeyList();
 bool KeyDragInProgress();
 void MoveKeyDrag(POINT screen);
 void DropKey(POINT screen);
+// Ends a drag without a drop: the drag image goes, the order stays.
+void CancelKeyDrag();
 
 // The main window's notifications from the Keys view.
 LRESULT OnKeyListNotify(HWND main, const NMHDR& header);

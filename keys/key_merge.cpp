@@ -407,6 +407,13 @@ bool MergeSession::Begin(const std::string& path, KeyTable& table) {
   return SaveDatabase(path_, table);
 }
 
+void MergeSession::DropAdded() {
+  if (!table_) return;
+  const int count = KeysInUse(*table_);
+  for (int i = savedCount_; i < count; ++i) FreeKeyFields(*table_, i);
+  if (count > savedCount_) table_->count = savedCount_;
+}
+
 bool MergeSession::Restore() {
   if (!table_) return false;
   const LoadResult result = LoadDatabase(path_, *table_);

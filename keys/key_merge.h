@@ -83,6 +83,9 @@ class MergeSession {
   // Writes the copy to `path`. False (the user told) when it cannot be written.
   bool Begin(const std::string& path, KeyTable& table);
   int savedCount() const { return savedCount_; }
+  // Frees the keys added since the copy was made and sets the count back, so they
+  // go even when the copy cannot be read.
+  void DropAdded();
   // Puts the table back as the copy has it and the changed flag as it was. When
   // the copy cannot be opened the user is told "Can't open Quellbarrow database
   // file", the table keeps the keys it had and the result is false.

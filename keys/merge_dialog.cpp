@@ -162,6 +162,7 @@ LRESULT OnAddCompare(HWND dialog, WORD, WORD, LPARAM) {
 }
 
 LRESULT OnUndoChanges(HWND dialog, WORD, WORD, LPARAM) {
+  g_open->session.DropAdded();
   g_open->session.Restore();
   FillKeyRows(List(dialog, IDC_MERGE_CURRENT_LIST), Keys());
   return 1;

@@ -23,7 +23,6 @@ constexpr WORD kPreviewLoaded = 1;
 
 // OK leaves the table changed, so the main window's key list must be filled
 // again; the frame names the function that does it at start-up (none: nothing).
-// The key editor's OK refills through the same function.
 using KeyListRefill = void (*)();
 void SetKeyListRefill(KeyListRefill refill);
 void RefillKeyList();

@@ -121,8 +121,8 @@ constexpr std::size_t kTableCloseBytes = 8;
 
 class PagePass {
  public:
-  PagePass(FormScan& scan, std::string_view host)
-      : scan_(scan), document_(scan.document), length_(scan.document.length()), host_(host) {}
+  PagePass(FormScan& scan, std::string_view host, std::string_view scheme)
+      : scan_(scan), document_(scan.document), length_(scan.document.length()), host_(host), scheme_(scheme) {}
 
   void Run() {
     for (;;) {
@@ -193,7 +193,7 @@ class PagePass {
       }
       TextBlock* slot = FormSlot(attribute);
       if (attribute == Attribute::kAction) {
-        *slot = Keep(AbsoluteAction(value_, host_), *slot);
+        *slot = Keep(AbsoluteAction(value_, host_, scheme_), *slot);
       } else {
         *slot = Keep(value_, *slot);
       }
@@ -410,6 +410,7 @@ class PagePass {
   const ScanDocument& document_;
   const std::size_t length_;
   const std::string_view host_;
+  const std::string_view scheme_;
 
   ScanPosition pos_ = 0;
   WordBuffer tagName_;
@@ -431,10 +432,10 @@ class PagePass {
 
 FormScan::~FormScan() { FreeFormScan(*this); }
 
-void ParseFormPage(FormScan& scan, std::string_view host) {
+void ParseFormPage(FormScan& scan, std::string_view host, std::string_view scheme) {
   ClearFormTables(scan);
   scan.utf8 = IsUtf8Page(scan.document.bytes());
-  PagePass(scan, host).Run();
+  PagePass(scan, host, scheme).Run();
 }
 
 void ClearFormTables(FormScan& scan) {
@@ -452,11 +453,11 @@ void FreeFormScan(FormScan& scan) {
   scan.document.Free();
 }
 
-std::string AbsoluteAction(std::string_view action, std::string_view host) {
+std::string AbsoluteAction(std::string_view action, std::string_view host, std::string_view scheme) {
   if (StartsNoCase(action, "http")) return std::string(action);
   constexpr std::string_view kLeadingJunk = " ./\"'\\\n";
   const std::size_t skip = action.find_first_not_of(kLeadingJunk);
-  std::string absolute = "http://";
+  std::string absolute(scheme);
   absolute.append(host).append("/");
   if (skip != std::string_view::npos) absolute.append(action.substr(skip));
   return absolute;

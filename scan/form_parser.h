@@ -94,10 +94,14 @@ struct FormScan {
   bool outOfMemory = false;  // some text could not be kept
 };
 
+// The scheme of a page whose address says none, or was never fetched over HTTPS.
+constexpr std::string_view kPlainScheme = "http://";
+constexpr std::string_view kSecureScheme = "https://";
+
 // One pass over scan.document: fills the tables (cleared first) and finds the
-// page's encoding. `host` is the page address's host, the root that relative
-// actions are resolved against.
-void ParseFormPage(FormScan& scan, std::string_view host);
+// page's encoding. `scheme` and `host` are those of the address the page came
+// from, the root that relative actions are resolved against.
+void ParseFormPage(FormScan& scan, std::string_view host, std::string_view scheme = kPlainScheme);
 
 // Frees every text block of the tables and empties them; the document stays.
 void ClearFormTables(FormScan& scan);
@@ -105,8 +109,9 @@ void ClearFormTables(FormScan& scan);
 void FreeFormScan(FormScan& scan);
 
 // `action` as an absolute address: unchanged when it starts with "http", else
-// "http://" + host + "/" + the action without its leading junk. Relative actions
+// scheme + host + "/" + the action without its leading junk. Relative actions
 // are resolved from the site root, not from the page's folder.
-std::string AbsoluteAction(std::string_view action, std::string_view host);
+std::string AbsoluteAction(std::string_view action, std::string_view host,
+                           std::string_view scheme = kPlainScheme);
 
 }  // namespace qb

@@ -141,7 +141,7 @@ class PageWriter {
     std::string action = TextOf(form.action);
     // The same rule as the parser's, for an action that starts "http" and is
     // still no address; the leading "/" makes AbsoluteAction treat it so.
-    if (!StartsWithScheme(action)) action = AbsoluteAction("/" + action, session_.host);
+    if (!StartsWithScheme(action)) action = AbsoluteAction("/" + action, session_.host, session_.scheme);
     out_.append("action=\"").append(action).append("\" ");
     out_.append("method=").append(TextOf(form.method)).append(" ");
     Attribute("enctype", form.enctype);

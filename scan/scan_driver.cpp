@@ -11,6 +11,7 @@
 #include "acquire/browser.h"
 #include "acquire/clipboard_address.h"
 #include "acquire/download_dialog.h"
+#include "acquire/web_address.h"
 #include "base/app_state.h"
 #include "keys/key_table.h"
 #include "scan/form_parser.h"
@@ -45,6 +46,7 @@ struct StartAddress {
 // Where the page comes from, once the scan knows.
 struct ScanPage {
   std::string url;   // without scheme; empty for a saved document not in the registry
+  std::string source;  // the address the page finally came from, scheme included, when known
   std::string file;  // what is read
   bool web = false;  // a web address: recorded in the registry after the scan
   bool downloaded = false;  // this scan wrote `file`
@@ -115,6 +117,7 @@ std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl,
     return std::nullopt;
   }
   page.url = std::string(*schemeless);
+  page.source = address;
   page.web = true;
   if (fileGiven) return page;
   const PrepareStatus status = PreparePageDownload(address);
@@ -131,9 +134,11 @@ std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl,
     ShowMessage(kCantDownloadText, nullptr, kErrorBox);
     return std::nullopt;
   }
-  if (ended == kDownloadCancelled || ended == kDownloadTooLarge || ended == kDownloadNotWritten)
+  if (ended == kDownloadCancelled || ended == kDownloadTooLarge || ended == kDownloadRefused ||
+      ended == kDownloadNotWritten)
     return std::nullopt;
   page.file = SharedDownloadRequest().localFile;
+  page.source = SharedDownloadRequest().address;
   page.downloaded = true;
   return page;
 }
@@ -161,8 +166,13 @@ void FillAndOpen(const ScanPage& page, bool promptAll, bool directPost) {
   }
   ScanSession session(Keys(), ScanOptionsOf(Settings()), promptAll, directPost);
   session.currentKey = SelectedKeyInView();
-  session.host = SplitUrl(page.url).host;
-  ParseFormPage(scan, session.host);
+  // Relative form actions go where the page came from: after redirects, perhaps
+  // another host, and over HTTPS when it came that way.
+  const std::optional<std::string_view> source = StripScheme(page.source);
+  session.host = SplitUrl(source ? *source : page.url).host;
+  if (const std::optional<WebAddress> secure = ParseWebAddress(page.source); secure && secure->secure)
+    session.scheme = kSecureScheme;
+  ParseFormPage(scan, session.host, session.scheme);
   if (Settings().formStatistics) ShowMessage(FormStatisticsText(scan), kAppName, MB_OK);
   if (scan.forms.empty()) {
     if (page.downloaded) DeleteFileA(page.file.c_str());

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "keys/key_table.h"
+#include "scan/form_parser.h"
 #include "scan/no_match_prompt.h"
 #include "scan/scan_options.h"
 
@@ -27,6 +28,7 @@ class ScanSession {
   // it. While it has no Description, text fields keep the page's values.
   int currentKey = kNoKey;
   std::string host;  // of the page address; relative form actions resolve against it
+  std::string_view scheme = kPlainScheme;  // of the address the page finally came from
   bool promptsSuppressed;  // direct post, or "Cancel All" was chosen
   std::string requestText;  // "POST " + action + "?" + pairs (direct post only)
 

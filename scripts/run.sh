@@ -2,9 +2,10 @@
 # Builds Quellbarrow, prepares its program folder (build/program: the .exe, its
 # help file and links page, its Databases and DataHtml folders, a sample and a
 # starter key database and first settings) and starts it under Wine beside a first
-# look at its main job: a sample order form served from 127.0.0.1:80 (as root) and
-# shown in Wine's Internet Explorer, which the settings name as the browser. Click a
-# key in the Keys view (text fields are filled only while the selected key has a
+# look at its main job: a sample order form served from 127.0.0.1:80 and, with the
+# test authority's certificate, from https://localhost/ (as root), shown over HTTPS
+# in Wine's Internet Explorer, which the settings name as the browser. Click a key
+# in the Keys view (text fields are filled only while the selected key has a
 # Description), press "Scan HTML" and the filled form opens in the browser. Without
 # a display it runs under Xvfb, does that itself and saves screenshots of the main
 # window, the prompt and the filled page.
@@ -45,11 +46,13 @@ if [ ! -f "$program/pellwick.cfg" ]; then
     --browser "Wine Internet Explorer" 'C:\Program Files\Internet Explorer\iexplore.exe' </dev/null >/dev/null 2>&1
 fi
 
-# The sample site and the browser showing its form.
+# The sample site and the browser showing its form, over HTTPS when the site
+# serves it so (the system trusts the test authority that scripts/setup.sh added).
 address=http://127.0.0.1/order/form.htm
 python3 "$root/scripts/sample_site.py" "$root/resources/sample/order_form.htm" </dev/null >/dev/null 2>&1 &
 site_pid=$!
 sleep 1
+if curl -sf -o /dev/null https://localhost/order/form.htm; then address=https://localhost/order/form.htm; fi
 if kill -0 "$site_pid" 2>/dev/null; then
   wine iexplore "$address" </dev/null >/dev/null 2>&1 &
 else
@@ -59,7 +62,7 @@ fi
 
 cd "$program"
 if [ "$headless" = 0 ]; then
-  [ -z "$site_pid" ] || echo 'Click a key in the Keys view, then press "Scan HTML" (F7) to fill the form shown in the browser.'
+  [ -z "$site_pid" ] || echo "The browser shows $address. Click a key in the Keys view, then press \"Scan HTML\" (F7) to fill it."
   wine Quellbarrow.exe || true
   [ -z "$site_pid" ] || kill "$site_pid"
   exit 0

@@ -2,7 +2,9 @@
 // splits cleanly, names a file inside the folder within the path limit, and gives
 // a GET request that fits the receive buffer it is built in. The same bytes as a
 // copied address: one trimmed line, kept within the address limit, and a local
-// path never longer than what was copied and never holding a NUL.
+// path never longer than what was copied and never holding a NUL. An address the
+// system's HTTP stack accepts reads back as itself once written out, and so does
+// any Location resolved against it; any text read as an answer head is safe.
 #include <algorithm>
 #include <cstdlib>
 #include <string>
@@ -10,6 +12,7 @@
 
 #include "acquire/http_request.h"
 #include "acquire/pasted_address.h"
+#include "acquire/web_address.h"
 
 namespace {
 
@@ -51,6 +54,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view folder = all.substr(0, folderLength);
   const std::string_view url = all.substr(folderLength);
 
+  qb::RedirectLocation(all);
+  if (const std::optional<qb::WebAddress> address = qb::ParseWebAddress(url)) {
+    const std::string written = qb::FormatWebAddress(*address);
+    Check(qb::ParseWebAddress(written).has_value() && qb::FormatWebAddress(*qb::ParseWebAddress(written)) == written);
+    if (const std::optional<qb::WebAddress> to = qb::ResolveLocation(*address, folder))
+      Check(!to->host.empty() && !to->target.empty());
+  }
+
   qb::DownloadRequest request;
   if (qb::PrepareDownload(url, folder, request) != qb::PrepareStatus::kReady) return 0;
   Check(request.host.size() <= qb::kHostMax);
@@ -61,6 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(request.localFile.compare(0, folder.size(), folder) == 0);
   Check(request.localFile.size() >= folder.size() + 5);
   Check(request.localFile.compare(request.localFile.size() - 4, 4, ".htm") == 0);
+  Check(request.address == url);
   // One file name inside the folder, never a device.
   const std::string_view name = std::string_view(request.localFile).substr(folder.size());
   Check(name.find_first_of("\\/:*?\"<>|") == std::string_view::npos);

@@ -1,15 +1,23 @@
-// A download from a real web server: the private nginx the test fixture starts on
-// 127.0.0.1:80 (tests/acquire/nginx.sh). The saved file must be exactly what nginx
-// sends, status line and headers included, written in text mode.
+// Downloads from a real web server: the private nginx the test fixture starts
+// (tests/acquire/nginx.sh). The saved file must be exactly what nginx sends, status
+// line and headers included, written in text mode. The system's HTTP stack fetches
+// its HTTPS pages and follows its redirects; a scripted server on another port
+// stalls and streams for the stack's limits.
 #include <gtest/gtest.h>
 #include <winsock.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <string>
+#include <vector>
 
 #include "acquire/acquire_state.h"
 #include "acquire/download_dialog.h"
+#include "acquire/winhttp_transfer.h"
 #include "tests/acquire/transfer_helpers.h"
+#include "tests/support/gui_helper.h"
 #include "tests/support/temp_dir.h"
 
 namespace qb::test {
@@ -58,6 +66,195 @@ TEST(Nginx, SavedPageIsTheServedResponseInTextMode) {
   EXPECT_EQ(WithoutDate(saved), WithoutDate(TextMode(served)));
   const std::string& status = LastDownloadStatus();
   EXPECT_EQ(status.substr(status.size() - 37), "Downloaded OK\nClosing connection.....");
+}
+
+const std::string kSecurePage = "https://localhost/page.html";
+const std::string kStepLines = "Connecting........OK\r\nReciving........\r\n";
+
+// Through the download dialog: what the scan gets from an HTTPS page and from a
+// plain address that redirects there.
+TEST(Nginx, SecurePagesAreSavedAsTheAnswerTheyEndedWith) {
+  const std::string page = TextMode(RawFetch(BuildGetRequest("127.0.0.1", "/page.html")));
+  const std::string body = page.substr(page.find("\r\r\n\r\r\n"));
+  const struct {
+    const char* address;
+    const char* hops;  // the status lines after the first line
+  } cases[] = {
+      {"https://localhost/page.html", ""},
+      {"http://localhost/tls/page.html", "Redirected to: https://localhost/page.html\r\n"},
+  };
+  for (const auto& c : cases) {
+    TempDir dir;
+    SetCurrentLinksFolder(dir.path() + "\\");
+    ASSERT_EQ(PreparePageDownload(c.address), PrepareStatus::kReady);
+    EXPECT_EQ(DownloadPage(), 0) << c.address;
+    // Named after the address scanned, as the registry finds it.
+    const std::string saved = ReadText(dir.File("localhost.page.html.htm"));
+    EXPECT_EQ(saved.compare(0, 18, "HTTP/1.1 200 OK\r\r\n"), 0) << c.address;
+    EXPECT_EQ(saved.substr(saved.find("\r\r\n\r\r\n")), body) << c.address;
+    EXPECT_EQ(SharedDownloadRequest().address, kSecurePage) << c.address;
+    const std::string hops = *c.hops ? kStepLines + c.hops : "";
+    EXPECT_EQ(LastDownloadStatus(), "Connecting to: " + std::string(c.address).substr(c.address[4] == 's' ? 8 : 7) +
+                                        "\r\n" + hops + kStepLines + "Downloaded OK\nClosing connection.....")
+        << c.address;
+  }
+}
+
+TEST(Nginx, SecureDownloadThatCannotBeTrustedIsToldAndLeavesNoFile) {
+  const struct {
+    const char* address;
+    const char* message;
+  } cases[] = {
+      {"https://localhost:8443/page.html",
+       "The certificate of localhost can not be verified: it was issued by an unknown authority.\n"
+       "The page was not downloaded and nothing was sent to the server."},
+      // Plain HTTP sends it to HTTPS, which sends it back to itself.
+      {"http://localhost/tls/loop",
+       "The page http://localhost/tls/loop was redirected more than 5 times.\n"
+       "The download stopped; nothing was saved."},
+  };
+  for (const auto& c : cases) {
+    TempDir dir;
+    SetCurrentLinksFolder(dir.path() + "\\");
+    ASSERT_EQ(PreparePageDownload(c.address), PrepareStatus::kReady);
+    INT_PTR ended = -1;
+    ModalOptions options;
+    options.passOver = [](HWND w) { return GetDlgItem(w, IDC_DOWNLOAD_STATUS) != nullptr; };
+    const ModalResult result = RunModal([&] { ended = DownloadPage(); }, {Press("OK")}, options);
+    ASSERT_TRUE(result.ok()) << result.Describe();
+    EXPECT_EQ(result.seen.at(0).MessageText(), c.message);
+    EXPECT_EQ(ended, kDownloadRefused) << c.address;
+    EXPECT_FALSE(FileExists(SharedDownloadRequest().localFile)) << c.address;
+  }
+}
+
+// Records what the transfer reports; cancels once `cancelAfter` bytes came, and
+// wants no more than `stopAfter`, as the dialog's size limit does.
+class RecordingLink : public TransferLink {
+ public:
+  bool Cancelled() const override { return cancelled_; }
+  void Reached(TransferStep step) override { events.push_back("step " + std::to_string(static_cast<int>(step))); }
+  void Redirected(const std::string& address) override { events.push_back("-> " + address); }
+  void Refused(const std::string& message) override { events.push_back("refused " + message); }
+  bool Received(std::string_view bytes) override {
+    answer.append(bytes.substr(0, stopAfter - answer.size()));
+    if (answer.size() >= cancelAfter) cancelled_ = true;
+    return answer.size() < stopAfter;
+  }
+
+  std::vector<std::string> events;
+  std::string answer;
+  std::size_t cancelAfter = SIZE_MAX;
+  std::size_t stopAfter = SIZE_MAX;
+
+ private:
+  std::atomic<bool> cancelled_{false};
+};
+
+constexpr std::uint32_t kTestStallMilliseconds = 10 * 1000;
+
+WebOutcome Fetch(const std::string& address, RecordingLink& link, std::uint32_t stall = kTestStallMilliseconds) {
+  const std::optional<WebAddress> start = ParseWebAddress(address);
+  EXPECT_TRUE(start) << address;
+  return start ? FetchWithWinHttp(*start, 0, link, stall) : WebOutcome{};
+}
+
+std::string Body(const std::string& answer) { return answer.substr(answer.find("\r\n\r\n") + 4); }
+
+TEST(WinHttp, HttpsPagesAndRedirectsEndWithTheServedPage) {
+  const std::string page = Body(RawFetch(BuildGetRequest("127.0.0.1", "/page.html")));
+  ASSERT_GT(page.size(), 3 * kReceiveChunkSize);
+  const struct {
+    const char* address;
+    int redirects;
+  } cases[] = {
+      {"https://localhost/page.html", 0},
+      {"http://localhost/tls/page.html", 1},  // plain HTTP answering 301 to HTTPS
+      {"https://localhost/r5/page.html", kMaxRedirectHops},
+  };
+  for (const auto& c : cases) {
+    RecordingLink link;
+    const WebOutcome outcome = Fetch(c.address, link);
+    EXPECT_EQ(outcome.end, WebEnd::kCompleted) << c.address;
+    EXPECT_EQ(FormatWebAddress(outcome.address), "https://localhost/page.html") << c.address;
+    EXPECT_EQ(link.answer.compare(0, 17, "HTTP/1.1 200 OK\r\n"), 0) << c.address;
+    EXPECT_EQ(Body(link.answer), page) << c.address;
+    // Each hop sends its request (a kept connection is not connected again); a
+    // redirect line stands between two hops.
+    const auto count = [&](const std::string& event) { return std::count(link.events.begin(), link.events.end(), event); };
+    EXPECT_EQ(count("step 2"), c.redirects + 1) << c.address;
+    EXPECT_EQ(count("-> https://localhost/page.html"), c.redirects ? 1 : 0) << c.address;
+    EXPECT_EQ(link.events.back(), "step 2") << c.address;
+  }
+}
+
+TEST(WinHttp, StopsWithAMessageAndHandsNothingOn) {
+  const struct {
+    const char* address;
+    WebEnd end;
+    const char* message;
+  } cases[] = {
+      {"https://localhost/r6/page.html", WebEnd::kTooManyRedirects,
+       "The page https://localhost/r6/page.html was redirected more than 5 times.\n"
+       "The download stopped; nothing was saved."},
+      {"http://localhost/loop", WebEnd::kTooManyRedirects,
+       "The page http://localhost/loop was redirected more than 5 times.\nThe download stopped; nothing was saved."},
+      {"https://localhost/down", WebEnd::kInsecureRedirect,
+       "The secure page https://localhost/down redirected to a plain HTTP address:\n"
+       "http://localhost/page.html\nThe download stopped; nothing was sent over plain HTTP."},
+      {"https://localhost:8443/page.html", WebEnd::kCertificate,
+       "The certificate of localhost can not be verified: it was issued by an unknown authority.\n"
+       "The page was not downloaded and nothing was sent to the server."},
+      {"https://127.0.0.1/page.html", WebEnd::kCertificate,
+       "The certificate of 127.0.0.1 can not be verified: it was issued for another host name.\n"
+       "The page was not downloaded and nothing was sent to the server."},
+      {"https://localhost:8444/page.html", WebEnd::kCertificate,
+       "The certificate of localhost can not be verified: it has expired or is not valid yet.\n"
+       "The page was not downloaded and nothing was sent to the server."},
+  };
+  for (const auto& c : cases) {
+    RecordingLink link;
+    const WebOutcome outcome = Fetch(c.address, link);
+    EXPECT_EQ(outcome.end, c.end) << c.address;
+    EXPECT_EQ(outcome.message, c.message) << c.address;
+    EXPECT_EQ(link.answer, "") << c.address;
+    if (c.end == WebEnd::kCertificate) {
+      EXPECT_EQ(std::count(link.events.begin(), link.events.end(), "step 2"), 0) << "request sent to " << c.address;
+    }
+  }
+}
+
+// A server on another port that sends a head and a first chunk, then waits until
+// it is let go (or stopped).
+constexpr std::uint16_t kScriptedPort = 8080;
+const std::string kStalledAddress = "http://127.0.0.1:8080/slow";
+const std::string kFirstChunk = "HTTP/1.0 200 OK\r\n\r\n" + std::string(3000, 'x');
+
+TEST(WinHttp, CancelStallAndALinkThatWantsNoMoreEndTheTransferAtOnce) {
+  const struct {
+    const char* what;
+    std::size_t cancelAfter;
+    std::size_t stopAfter;
+    std::uint32_t stall;
+    WebEnd end;
+    std::size_t handedOn;
+  } cases[] = {
+      {"cancel", 1, SIZE_MAX, kTestStallMilliseconds, WebEnd::kCancelled, kFirstChunk.size()},
+      {"stall", SIZE_MAX, SIZE_MAX, 500, WebEnd::kStalled, kFirstChunk.size()},
+      {"no more", SIZE_MAX, 1000, kTestStallMilliseconds, WebEnd::kStopped, 1000},
+  };
+  for (const auto& c : cases) {
+    LoopbackServer server({{kFirstChunk, "end"}, /*paced=*/true}, kScriptedPort);
+    ASSERT_TRUE(server.listening()) << server.error();
+    RecordingLink link;
+    link.cancelAfter = c.cancelAfter;
+    link.stopAfter = c.stopAfter;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Fetch(kStalledAddress, link, c.stall).end, c.end) << c.what;
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(took.count(), std::min(c.stall / 1000.0 + 1.0, 2.0)) << c.what;
+    EXPECT_EQ(link.answer, kFirstChunk.substr(0, c.handedOn)) << c.what;
+  }
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST(PrepareDownload, RejectsWhatItCannotSaveAndLeavesTheRequestAlone) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.url);
-    DownloadRequest request{"keep", "keep", "keep"};
+    DownloadRequest request{"keep", "keep", "keep", "keep"};
     EXPECT_EQ(PrepareDownload(c.url, folder, request), c.expected);
     if (c.expected == PrepareStatus::kReady)
       EXPECT_EQ(request.localFile.size(), kLocalPathMax);

@@ -1,8 +1,13 @@
 // The database slots through the main window: switching with the databases bar's
 // buttons, the save prompt's answers, Open and Save As through the common file
 // dialog, Save and Delete database, New database's two dialogs, and closing.
+#include <chrono>
 #include <cstring>
+#include <thread>
 
+#include "keys/key_editor.h"
+#include "keys/key_view_rules.h"
+#include "keys/merge_dialog.h"
 #include "tests/keys/keys_window.h"
 
 namespace qb::test {
@@ -268,6 +273,118 @@ TEST_F(DatabaseSlotsTest, CloseAsksAndStaysOpenOnCancel) {
   EXPECT_EQ(FileNames("Data.dat"), (Names{"A"}));
 }
 
+// Closing after Delete database: Yes and No close (nothing is left to save),
+// Cancel stays. Keys in a slot without a name are saved under a name chosen
+// first; a save that fails keeps the window open after telling so.
+TEST_F(DatabaseSlotsTest, ClosingAfterDeleteDatabaseOrAFailedSave) {
+  enum Before { kDeleteDatabase, kKeyWithoutName, kUnwritableFile };
+  const struct {
+    const char* what;
+    Before before;
+    std::vector<ModalStep> answers;
+    bool closed;
+  } cases[] = {
+      {"Yes", kDeleteDatabase, {Press("Yes")}, true},
+      {"No", kDeleteDatabase, {Press("No")}, true},
+      {"Cancel", kDeleteDatabase, {Press("Cancel")}, false},
+      {"Yes, a name chosen", kKeyWithoutName, {Press("Yes"), ChooseFile(DatabaseFile("Named.dat"))}, true},
+      {"Yes, no name chosen", kKeyWithoutName, {Press("Yes"), Press("Cancel")}, false},
+      {"Yes, the save fails", kUnwritableFile, {Press("Yes"), Press("OK")}, false},
+  };
+  for (const auto& c : cases) {
+    OpenWith({"A"});
+    if (c.before == kUnwritableFile) {
+      SetKeyField(Keys(), 0, kName, "Edited");
+      // A folder where the file was cannot be replaced by a file.
+      ASSERT_TRUE(DeleteFileA(DatabaseFile("Data.dat").c_str()));
+      ASSERT_TRUE(CreateDirectoryA(DatabaseFile("Data.dat").c_str(), nullptr));
+    } else {
+      SetKeyField(Keys(), 0, kName, "Edited");  // the changed flag outlives Delete database
+      Command(IDM_DELETE_DATABASE);
+      if (c.before == kKeyWithoutName) {
+        SetKeyField(Keys(), 0, kName, "Kept");
+        Keys().count = 1;
+      }
+    }
+    const auto result = RunModal([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, c.answers);
+    ASSERT_TRUE(result.ok()) << c.what << "\n" << result.Describe();
+    EXPECT_EQ(IsWindow(window_) == FALSE, c.closed) << c.what;
+    if (c.before == kUnwritableFile) {
+      EXPECT_EQ(result.seen[1].MessageText(), kCantWriteText);
+    }
+    if (c.before == kKeyWithoutName && c.closed) {
+      EXPECT_EQ(FileNames("Named.dat"), (Names{"Kept"}));
+    }
+    RemoveDirectoryA(DatabaseFile("Data.dat").c_str());
+  }
+}
+
+// A box a dialog raises is the dialog's: while it is up, the dialog's buttons
+// clicked with the mouse do nothing, and the dialog carries on once it is answered.
+TEST_F(DatabaseSlotsTest, ButtonsBehindADialogsBoxDoNothing) {
+  std::vector<std::uint8_t> damaged = [this] {
+    WriteDatabase("Damaged.dat", NamedKeys({"One"}));
+    return ReadBytes(DatabaseFile("Damaged.dat"));
+  }();
+  damaged[4] = 2;  // the count says two keys, the file holds one
+  WriteBytes(DatabaseFile("Damaged.dat"), damaged);
+  WriteText(DatabaseFile("Bad.dat"), "not a database at all");
+  HWND dialog = nullptr;
+  const auto press = [&dialog](int id, const char* name = nullptr) {
+    return Custom([&dialog, id, name](HWND d, const WindowSnapshot&) {
+      dialog = d;
+      if (name) SetControlText(d, IDC_KEYEDIT_NAME, name);
+      ClickButton(d, id);
+    });
+  };
+  const struct {
+    const char* what;
+    WORD command;
+    std::vector<ModalStep> toBox;
+    std::string boxText;
+  } cases[] = {
+      {"Add / Compare", IDM_ADD_COMPARE, {press(IDC_MERGE_LOAD), ChooseFile(DatabaseFile("Damaged.dat"))},
+       "This database file ends early.\nKeys loaded: 1."},
+      {"key editor", IDM_ADD_KEY, {press(IDOK, "")}, kEmptyNameText},
+      {"New database", IDM_NEW_DATABASE, {Press("OK"), press(IDC_NAMEKEY_LOAD), ChooseFile(DatabaseFile("Bad.dat"))},
+       kNotADatabaseText},
+  };
+  for (const auto& c : cases) {
+    OpenWith({"A"});
+    MergeMemory() = MergeDialogMemory{};
+    HWND owner = nullptr;
+    bool carriedOn = false;
+    std::vector<ModalStep> steps = c.toBox;
+    steps.push_back(Custom([&](HWND box, const WindowSnapshot&) {
+      owner = GetWindow(box, GW_OWNER);
+      // Side by side, so that each click lands where it aims.
+      SetWindowPos(dialog, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+      RECT d;
+      GetWindowRect(dialog, &d);
+      SetWindowPos(box, nullptr, d.right + 10, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+      ClickWithMouse(GetDlgItem(dialog, IDCANCEL));
+      ClickWithMouse(GetDlgItem(dialog, IDOK));
+      ClickWithMouse(GetDlgItem(box, IDOK));
+      // Should the pointer have missed, the box is answered all the same.
+      const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+      while (IsWindow(box) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      if (IsWindow(box)) ClickButton(box, IDOK);
+    }));
+    steps.push_back(Again(Custom([&](HWND d, const WindowSnapshot&) {
+      carriedOn = d == dialog;
+      ClickButton(d, IDCANCEL);
+    })));
+    const auto result = CommandAnswered(c.command, steps);
+    ASSERT_TRUE(result.ok()) << c.what << "\n" << result.Describe();
+    EXPECT_EQ(result.seen[c.toBox.size()].MessageText(), c.boxText) << c.what;
+    EXPECT_EQ(owner, dialog) << c.what;
+    EXPECT_TRUE(carriedOn) << c.what;
+    EXPECT_EQ(TableNames(), (Names{"A"})) << c.what;
+  }
+  MergeMemory() = MergeDialogMemory{};
+}
+
 // Ctrl+2 reaches the slot from the key list, as the message loop translates it.
 TEST_F(DatabaseSlotsTest, AcceleratorFromTheKeyListSwitchesSlots) {
   OpenWith({"A"});
@@ -319,6 +436,41 @@ TEST_F(DatabaseSlotsTest, KeysAddedAndChangedInTheEditorShowInTheKeysView) {
   ASSERT_TRUE(result.ok()) << result.Describe();
   Drain();
   EXPECT_EQ(Rows(), (Names{"A", "Bee", "C"}));
+}
+
+// OK in the editor leaves the Keys view as it was but for the new key's row: a key
+// added to a slot without a name stays listed, the selected row (the scan's
+// current key) stays selected, and a sorted order is not applied in between.
+TEST_F(DatabaseSlotsTest, EditorOkKeepsTheKeysViewItsSelectionAndOrder) {
+  const struct {
+    const char* what;
+    bool deleteDatabase;
+    int sortOrder;
+    int selected;  // -1: no row
+    Names rows;
+  } cases[] = {
+      {"slot without a name", true, kSortUser, -1, {"a"}},
+      {"selected row", false, kSortUser, 1, {"b", "c", "a"}},
+      {"ascending order", false, kSortAscending, 1, {"b", "c", "a"}},
+  };
+  for (const auto& c : cases) {
+    OpenWith({"b", "c"});
+    SetKeySortOrder(c.sortOrder);
+    FillKeyList();
+    if (c.deleteDatabase) Command(IDM_DELETE_DATABASE);
+    if (c.selected >= 0) SelectRow(c.selected);
+    const auto result = CommandAnswered(IDM_ADD_KEY, {Custom([](HWND editor, const WindowSnapshot&) {
+                                          SetControlText(editor, IDC_KEYEDIT_NAME, "a");
+                                          ClickButton(editor, IDOK);
+                                        })});
+    ASSERT_TRUE(result.ok()) << c.what << "\n" << result.Describe();
+    Drain();
+    EXPECT_EQ(Rows(), c.rows) << c.what;
+    EXPECT_EQ(TableNames(), c.rows) << c.what;
+    EXPECT_EQ(ListView_GetNextItem(List(), -1, LVNI_SELECTED), c.selected) << c.what;
+    EXPECT_EQ(SelectedKey(), c.selected >= 0 ? c.selected : kNoKey) << c.what;
+  }
+  SetKeySortOrder(kSortUser);
 }
 
 }  // namespace

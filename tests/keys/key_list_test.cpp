@@ -30,10 +30,7 @@ class KeyListTest : public KeysWindowTest {
   // Presses on row `from`, moves past the drag threshold and lets go at `drop`
   // (the list's client coordinates); the main window holds the mouse meanwhile.
   void Drag(int from, POINT drop) {
-    const POINT start = RowPoint(from);
-    PostMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
-    PostMessageA(List(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
-    ASSERT_TRUE(PumpUntil([] { return KeyDragInProgress(); }, 3000));
+    ASSERT_TRUE(BeginDrag(from));
     POINT at = drop;
     MapWindowPoints(List(), window_, &at, 1);
     POINT screen = drop;
@@ -42,6 +39,22 @@ class KeyListTest : public KeysWindowTest {
     SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x, at.y));
     dragStatus_ = StatusText();
     expectedStatus_ = "x=" + std::to_string(screen.x) + ", y=" + std::to_string(screen.y);
+    SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    Drain();
+  }
+
+  // Presses on row `from` and moves past the drag threshold; true once dragging.
+  static bool BeginDrag(int from) {
+    const POINT start = RowPoint(from);
+    PostMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
+    PostMessageA(List(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
+    return PumpUntil([] { return KeyDragInProgress(); }, 3000);
+  }
+
+  // The left button let go over row `row`, as the main window hears it.
+  void ReleaseOver(int row) {
+    POINT at = RowPoint(row);
+    MapWindowPoints(List(), window_, &at, 1);
     SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
     Drain();
   }
@@ -158,6 +171,35 @@ TEST_F(KeyListTest, DropRules) {
     EXPECT_EQ(Rows(), drop.rows) << drop.what;
     EXPECT_EQ(TableNames(), drop.rows) << drop.what;
     EXPECT_EQ(DatabaseChanged(), drop.rows != Names({"A", "B", "C", "D"})) << drop.what;
+  }
+}
+
+// A drag ended by anything but the button's release leaves no drag image and the
+// order as it was, and the release that follows drops nothing.
+TEST_F(KeyListTest, DragEndedWithoutADropMovesNothing) {
+  const struct {
+    const char* what;
+    void (*end)();
+  } ends[] = {
+      {"Esc", [] { SendMessageA(List(), WM_KEYDOWN, VK_ESCAPE, 0); }},
+      {"another window takes the mouse",
+       [] {
+         HWND other = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+         SetCapture(other);
+         DestroyWindow(other);
+       }},
+      {"the mouse let go", [] { ReleaseCapture(); }},
+  };
+  for (const auto& end : ends) {
+    OpenWith({"A", "B", "C"});
+    ASSERT_TRUE(BeginDrag(0)) << end.what;
+    end.end();
+    EXPECT_FALSE(KeyDragInProgress()) << end.what;
+    EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr) << end.what;
+    ReleaseOver(2);
+    EXPECT_EQ(Rows(), (Names{"A", "B", "C"})) << end.what;
+    EXPECT_EQ(TableNames(), (Names{"A", "B", "C"})) << end.what;
+    EXPECT_FALSE(DatabaseChanged()) << end.what;
   }
 }
 

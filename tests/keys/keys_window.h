@@ -7,6 +7,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,7 @@ class KeysWindowTest : public MainWindowTest {
   // started as the program starts it (the column comes once the window is shown).
   void OpenWith(const Names& names) {
     WriteDatabase("Data.dat", NamedKeys(names));
+    std::strcpy(Settings().slotNames[0].data(), "Data.dat");
     ASSERT_TRUE(Open());
     CreateKeyListColumn(List());
   }

@@ -265,6 +265,33 @@ TEST_F(MergeDialogTest, SelectionMergeThenUndoThenOverwrite) {
   EXPECT_FALSE(FileExists(SafetyCopy()));
 }
 
+// Undo when the safety copy can't be read: the user is told, and the keys added
+// since the dialog opened go all the same.
+TEST_F(MergeDialogTest, UndoWithoutTheSafetyCopyStillDropsTheAddedKeys) {
+  FillTable(Keys(), {{"Zip", "zip", "", ""}});
+  MergeMemory().loadedPath = WriteDatabase("Other.dat", {{"Town", "town", "", ""}});
+  std::vector<KeyTexts> undone;
+  std::vector<std::string> currentRows;
+  const auto result = Open({
+      Custom([&](HWND d, const WindowSnapshot&) {
+        SelectOnly(d, IDC_MERGE_LOADED_LIST, {0});
+        PressNow(d, IDC_MERGE_ADD);
+        DeleteFileA(SafetyCopy().c_str());
+        ClickButton(d, IDC_MERGE_UNDO);
+      }),
+      test::Press("OK"),
+      Again(Custom([&](HWND d, const WindowSnapshot&) {
+        undone = TableTexts(Keys());
+        currentRows = Rows(d, IDC_MERGE_CURRENT_LIST);
+        ClickButton(d, IDOK);
+      })),
+  });
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[1].MessageText(), kCantOpenDatabaseText);
+  EXPECT_EQ(undone, (std::vector<KeyTexts>{{"Zip", "zip", "", ""}}));
+  EXPECT_EQ(currentRows, (std::vector<std::string>{"Zip"}));
+}
+
 TEST_F(MergeDialogTest, ABadFileKeepsTheKeysLoadedBefore) {
   const std::string good = WriteDatabase("Good.dat", {{"One", "", "", ""}, {"Two", "", "", ""}});
   const std::string bad = dir_.File("Bad.dat");

@@ -90,13 +90,13 @@ def high_descriptor(fd):
     return high
 
 
-def submit_in_browser(filled_page, profile, deadline):
+def submit_in_browser(filled_page, profile, deadline, extra_flags=()):
     to_browser_r, to_browser_w = os.pipe()
     from_browser_r, from_browser_w = os.pipe()
     to_browser_r, from_browser_w = high_descriptor(to_browser_r), high_descriptor(from_browser_w)
     flags = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
              "--disable-background-networking", "--disable-component-update", "--disable-sync",
-             "--remote-debugging-pipe", f"--user-data-dir={profile}", "about:blank"]
+             "--remote-debugging-pipe", f"--user-data-dir={profile}", *extra_flags, "about:blank"]
     log = open(os.path.join(profile, "browser.log"), "wb")
     # The browser reads commands on descriptor 3 and writes replies on 4.
     browser = subprocess.Popen(

@@ -76,6 +76,8 @@ TEST(AbsoluteAction, ResolvesFromTheSiteRoot) {
       {"p", "", "http:///p"},
   };
   for (const auto& c : cases) EXPECT_EQ(AbsoluteAction(c.action, c.host), c.absolute) << c.action;
+  // A page that came over HTTPS posts there, to the port it came from.
+  EXPECT_EQ(AbsoluteAction("./pay", "localhost:8443", "https://"), "https://localhost:8443/pay");
 }
 
 TEST_F(FormParser, FieldKindsByTagAndType) {

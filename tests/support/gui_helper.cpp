@@ -194,6 +194,25 @@ void SetCheck(HWND dialog, int id, bool checked) {
 
 void ClickButton(HWND dialog, int id) { PressById(dialog, GetDlgItem(dialog, id), id); }
 
+void ClickWithMouse(HWND window) {
+  RECT r{};
+  GetWindowRect(window, &r);
+  // Each event carries its place (0..65535 across the screen): the pointer's own
+  // position may still be catching up with an earlier move.
+  const auto scale = [](LONG at, int extent) { return static_cast<LONG>((at * 65536LL + extent / 2) / extent); };
+  const LONG x = scale((r.left + r.right) / 2, GetSystemMetrics(SM_CXSCREEN));
+  const LONG y = scale((r.top + r.bottom) / 2, GetSystemMetrics(SM_CYSCREEN));
+  INPUT click[2] = {};
+  for (INPUT& input : click) {
+    input.type = INPUT_MOUSE;
+    input.mi.dx = x;
+    input.mi.dy = y;
+  }
+  click[0].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_LEFTDOWN;
+  click[1].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_LEFTUP;
+  SendInput(2, click, sizeof(INPUT));
+}
+
 std::string ModalResult::Describe() const {
   std::ostringstream out;
   for (const auto& e : errors) out << "error: " << e << "\n";

@@ -66,6 +66,10 @@ ModalStep Again(ModalStep step);
 void SetControlText(HWND dialog, int id, const std::string& text);
 void SetCheck(HWND dialog, int id, bool checked);
 void ClickButton(HWND dialog, int id);
+// A left click in the middle of `window` through the system's input, as the
+// mouse makes it: it reaches whatever the user could reach there (nothing, when
+// the window is disabled behind a modal one). Clicks are handled in their order.
+void ClickWithMouse(HWND window);
 
 struct ModalResult {
   std::vector<WindowSnapshot> seen;        // one per step answered, in order
