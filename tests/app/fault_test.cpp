@@ -12,6 +12,7 @@
 #include "keys/key_file.h"
 #include "keys/key_list.h"
 #include "keys/key_merge.h"
+#include "links/links_view.h"
 #include "scan/scan_driver.h"
 #include "tests/keys/key_test_util.h"
 #include "tests/scan/scan_fixture.h"
@@ -309,6 +310,34 @@ TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   std::vector<std::string> top;
   for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) top.push_back(entry.path().filename().string());
   for (const std::string& name : top) EXPECT_TRUE(name == "Databases" || name == kRegistryFileName || name == "DataHtml") << name;
+}
+
+// Found by the careless-user run: a folder link entered in the Links view took the
+// next download out of DataHtml into the folder the link leads to.
+TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
+  LoopbackServer server({{Http(kPage)}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  ASSERT_TRUE(CreateDirectoryA(dir_.File("Outside").c_str(), nullptr));
+  ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../Outside"));
+  ASSERT_TRUE(Open());
+  CreateKeyListColumn(App().keysView);
+  ShowBrowserAt("http://127.0.0.1/form.htm");
+  LVFINDINFOA find{};
+  find.flags = LVFI_STRING;
+  find.psz = "Elsewhere";
+  const int row = static_cast<int>(SendMessageA(App().linksView, LVM_FINDITEMA, static_cast<WPARAM>(-1),
+                                                reinterpret_cast<LPARAM>(&find)));
+  ASSERT_GE(row, 0);
+  ListView_SetItemState(App().linksView, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  const std::string folder = App().linksFolder;
+  ModalResult r = RunModal([&] { Command(IDM_LINKS_ENTER); }, {Press("OK")});
+  ASSERT_TRUE(r.ok()) << r.Describe();
+  EXPECT_EQ(r.seen.at(0).MessageText(), kFolderLinkText);
+  EXPECT_EQ(App().linksFolder, folder);
+  r = Scan({});
+  EXPECT_TRUE(r.ok()) << r.Describe() << Seen(r);
+  EXPECT_TRUE(FileExists(program_ + "\\DataHtml\\127.0.0.1.form.htm.htm"));
+  EXPECT_TRUE(std::filesystem::is_empty(dir_.File("Outside")));
 }
 
 // A server that breaks off after part of the page: the user is told, and no part
