@@ -55,11 +55,6 @@ class FaultTest : public MainWindowTest {
     SetCurrentLinksFolder("");
     ASSERT_TRUE(SaveDatabase(Database("Data.dat"), *OwnedTable(kKeys)));
     WriteText(program_ + "\\" + kRegistryFileName, std::string(kRegistryHeader) + "\n");
-    WNDCLASSA wc{};
-    wc.lpfnWndProc = DefWindowProcA;
-    wc.hInstance = Instance();
-    wc.lpszClassName = kBrowserClass;
-    RegisterClassA(&wc);
   }
 
   void TearDown() override {
@@ -97,12 +92,7 @@ class FaultTest : public MainWindowTest {
     }
   }
 
-  void ShowBrowserAt(const std::string& address) {
-    browser_ = CreateWindowExA(0, kBrowserClass, kTestBrowserName, WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 300,
-                               120, nullptr, nullptr, Instance(), nullptr);
-    CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, browser_, nullptr,
-                    Instance(), nullptr);
-  }
+  void ShowBrowserAt(const std::string& address) { browser_ = ShowStandInBrowserWindow(kTestBrowserName, address); }
 
   ModalResult Scan(std::vector<ModalStep> steps) {
     ModalOptions options;

@@ -109,11 +109,6 @@ class Monkey : public MainWindowTest {
     ASSERT_NO_FATAL_FAILURE();
     UseMessageBoxes();
     UseStandInBrowser();
-    WNDCLASSA wc{};
-    wc.lpfnWndProc = DefWindowProcA;
-    wc.hInstance = Instance();
-    wc.lpszClassName = kBrowserClass;
-    RegisterClassA(&wc);
     program_ = dir_.File("Program");
     outside_ = dir_.File("Outside");
     for (const char* f : {"Program", "Program\\Databases", "Program\\DataHtml", "Program\\DataHtml\\Shop",
@@ -138,10 +133,7 @@ class Monkey : public MainWindowTest {
     Snapshot(outside_, "", outsideBefore_);
     std::strcpy(Settings().slotNames[1].data(), "Second.dat");
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    browser_ = CreateWindowExA(0, kBrowserClass, kTestBrowserName, WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
-                               300, 120, nullptr, nullptr, Instance(), nullptr);
-    CreateWindowExA(0, "Edit", "http://127.0.0.1/form.htm", WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, browser_,
-                    nullptr, Instance(), nullptr);
+    browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm");
     ASSERT_TRUE(OpenProgram());
     accelerators_ = LoadAcceleratorsA(Instance(), kMainClassName);
     g_monkey = this;
