@@ -354,6 +354,33 @@ TEST_F(PageWriter, PromptedSelectsAndRadioGroupsTakeTheChosenValue) {
             std::string::npos);
 }
 
+TEST_F(PageWriter, UnnamedSelectsAndTextAreasAreAskedButUnnamedTextFieldsAreNot) {
+  keys_.Fill({{"Me", "me", "", "Current"}, {"Pick", "", "", "Picked"}});
+  Prompt({Ok(1, 1), Ok(1)}, {kAskNever, kAskNever, kAskUnMatched, kAskUnMatched, kAskUnMatched});
+  const std::string forms = OneFieldForm("<input value=own><select><option>a<option>b</select><textarea></textarea>");
+  const std::vector<PromptRequest>& asked = prompt_->requests;
+  ASSERT_EQ(asked.size(), 2u);
+  EXPECT_EQ(std::make_pair(asked[0].kind, asked[0].slot), std::make_pair(kPromptSelect, 2));
+  EXPECT_EQ(std::make_pair(asked[1].kind, asked[1].slot), std::make_pair(kPromptTextarea, 3));
+  EXPECT_EQ(forms,
+            "<form action=\"http://www.example.com/a\" method=post >\n"
+            "<input type=\"text\" >\n"
+            "<select >\n<option >a</option>\n<option selected>b</option>\n</select>\n"
+            "<textarea >Picked</textarea>\n</form>");
+}
+
+TEST_F(PageWriter, DirectPostTakesAnOptionsValueFromAfterTheFirstEqualsSign) {
+  directPost_ = true;
+  const std::pair<const char*, const char*> cases[] = {
+      {"<option>Blue", "COLOUR=&"},  // no "=": an empty value, not the option's text
+      {"<option value=\"b=1\">Blue", "COLOUR=\\\"b%3D1\\\"&"},
+  };
+  for (const auto& [option, pair] : cases) {
+    OneFieldForm(std::string("<select name=colour>") + option + "</select>");
+    EXPECT_EQ(session_->requestText, std::string("POST http://www.example.com/a?") + pair) << option;
+  }
+}
+
 TEST_F(PageWriter, ANameLearnedInAPromptMatchesTheNextField) {
   keys_.Fill({{"Me", "me", "", "Current"}, {"Town", "town", "", "Springfield"}});
   Prompt({Ok(1)}, {kAskNever, kAskNever, kAskNever, kAskUnMatched, kAskNever}, &*keys_);
