@@ -776,6 +776,9 @@ TEST_F(LinksViewTest, EditingARowsNameInPlaceRenamesItWithTheDialogsChecks) {
 
 // ---- The keyboard: keys act on the view that has it
 
+// Ends the message loop of a key press whose window never came.
+void CALLBACK QuitLoop(HWND, UINT, UINT_PTR, DWORD) { PostQuitMessage(0); }
+
 class ViewKeys : public LinksViewTest {
  protected:
   // Presses `key` in `focus` as the keyboard would, through the program's own
@@ -797,7 +800,10 @@ class ViewKeys : public LinksViewTest {
           PostMessageA(focus, WM_KEYDOWN, key, 1);
           PostMessageA(focus, WM_KEYUP, key, 0xC0000001);
           if (steps.empty()) PostQuitMessage(0);
+          constexpr UINT kLongerThanAStepMs = 15000;
+          const UINT_PTR guard = SetTimer(nullptr, 0, kLongerThanAStepMs, QuitLoop);
           RunMessageLoop(accelerators);
+          KillTimer(nullptr, guard);
         },
         steps);
   }
