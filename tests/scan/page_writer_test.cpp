@@ -207,7 +207,7 @@ TEST_F(PageWriter, KeyTextsMeetAUtf8PageInUtf8) {
     const std::string o = c.o, u = c.u;
     const std::string page = Fill(std::string("<html><head>") + c.declaration +
                                   "</head><form action=/a method=post><input name=name><select name=land>"
-                                  "<option>Deutschland<option>" + o + "sterreich</select>"
+                                  "<option>Deutschland<option value=" + o + "sterreich>" + o + "sterreich</select>"
                                   "<input type=checkbox name=news value=M" + u + "ller></form>");
     EXPECT_LT(page.find(c.charset), page.find("<title>")) << c.charset;
     EXPECT_EQ(session_->requestText,
@@ -372,8 +372,8 @@ TEST_F(PageWriter, UnnamedSelectsAndTextAreasAreAskedButUnnamedTextFieldsAreNot)
 TEST_F(PageWriter, DirectPostTakesAnOptionsValueFromAfterTheFirstEqualsSign) {
   directPost_ = true;
   const std::pair<const char*, const char*> cases[] = {
-      {"<option>Blue", "COLOUR=&"},  // no "=": an empty value, not the option's text
-      {"<option value=\"b=1\">Blue", "COLOUR=\\\"b%3D1\\\"&"},
+      {"<option>Blue", "colour=&"},  // no "=": an empty value, not the option's text
+      {"<option value=\"b=1\">Blue", "colour=\\\"b%3D1\\\"&"},
   };
   for (const auto& [option, pair] : cases) {
     OneFieldForm(std::string("<select name=colour>") + option + "</select>");
