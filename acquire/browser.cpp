@@ -20,6 +20,8 @@ namespace qb {
 namespace {
 
 std::uint32_t g_browserWindowChoice = kPromptForBrowserWindow;
+// How long a browser's address bar may take to give its text.
+constexpr UINT kAddressBarTimeoutMs = 2000;
 
 // The browser windows of one capture, in the order the walk met them, and the
 // address bar text of each.
@@ -57,7 +59,12 @@ BOOL CALLBACK ReadAddressBar(HWND child, LPARAM slotParam) {
   GetClassNameA(child, className.data(), static_cast<int>(className.size()));
   if (!EqualNoCase(className.data(), "edit")) return TRUE;
   std::array<char, kEditTextMax + 1> text{};
-  SendMessageA(child, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+  DWORD_PTR copied = 0;
+  // A browser that does not answer has no address to give; its other children
+  // would keep the scan waiting as long again.
+  if (!SendMessageTimeoutA(child, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                           SMTO_ABORTIFHUNG | SMTO_BLOCK, kAddressBarTimeoutMs, &copied))
+    return FALSE;
   slot = text.data();
   return LooksLikeUrl(slot) ? FALSE : TRUE;
 }

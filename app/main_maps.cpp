@@ -2,6 +2,8 @@
 // program has always kept them; lookup takes the first match.
 #include "acquire/browser.h"
 #include "app/frame.h"
+#include "app/menu_state.h"
+#include "base/app_state.h"
 #include "bars/status_bar.h"
 #include "keys/key_editor.h"
 #include "keys/database_slots.h"
@@ -64,6 +66,7 @@ const CommandRow kMainCommands[] = {
     {IDM_COPY_KEY,            OnCopyKeyCommand},
     {IDM_PASTE_KEY,           OnPasteKeyCommand},
     {IDM_DELETE_KEY,          OnDeleteKeyCommand},
+    {IDM_RENAME_KEY,          OnRenameKeyCommand},
     {IDM_DELETE_DATABASE,     OnDeleteDatabaseCommand},
     {IDM_NEW_FOLDER,          OnNewFolderCommand},
     {IDM_RENAME_FOLDER,       OnRenameFolderCommand},
@@ -89,6 +92,28 @@ const CommandRow kMainCommands[] = {
     // The key list's Enter, passed on to the Links view (not a menu command).
     {IDM_LINKS_ENTER,         OnLinksEnterCommand},
 };
+
+// A key of the accelerator table acts on the view that has the keyboard: where
+// the table names one view's command, the other view has its own.
+enum FocusedView { kKeysFocused, kLinksFocused };
+
+struct FocusedCommandRow {
+  WORD pressed;
+  FocusedView view;
+  WORD command;
+};
+
+const FocusedCommandRow kFocusedCommands[] = {
+    {IDM_DELETE_KEY,    kLinksFocused, IDM_DELETE_LINK},
+    {IDM_RENAME_FOLDER, kKeysFocused,  IDM_RENAME_KEY},
+};
+
+WORD CommandForFocus(WORD pressed, HWND focus) {
+  const HWND views[] = {App().keysView, App().linksView};
+  for (const FocusedCommandRow& row : kFocusedCommands)
+    if (row.pressed == pressed && focus && focus == views[row.view]) return row.command;
+  return pressed;
+}
 
 // List-view notifications by the sending control.
 struct ViewNotifyRow {
@@ -124,6 +149,13 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
 }
 
 LRESULT OnMainCommand(HWND window, UINT, WPARAM wParam, LPARAM lParam) {
+  constexpr WORD kFromAccelerator = 1;
+  if (HIWORD(wParam) == kFromAccelerator && lParam == 0) {
+    const WORD id = CommandForFocus(LOWORD(wParam), GetFocus());
+    // A key does nothing where the menu shows its command greyed.
+    if (!CommandAvailable(id)) return 0;
+    wParam = MAKEWPARAM(id, kFromAccelerator);
+  }
   return LookupCommand(kMainCommandMap, window, wParam, lParam);
 }
 

@@ -83,6 +83,7 @@ LRESULT OnMainCreate(HWND window, UINT, WPARAM, LPARAM lParam) {
   app.linksView = CreateListView(window, instance, IDC_LINKS_VIEW, Layout().linksShown,
                                  kLinksViewExtraStyle);
   if (!app.linksView) return Quit(kListViewFailed);
+  ForwardCommandsToParent(app.linksView);
   ResetLinksView();
   RefreshLinksView();
   // The Keys view leaves drawing its rows (key icon and Name) to the control.

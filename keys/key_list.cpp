@@ -344,6 +344,15 @@ LRESULT OnCopyKeyCommand(HWND, WORD, WORD, LPARAM) {
   return 0;
 }
 
+LRESULT OnRenameKeyCommand(HWND, WORD, WORD, LPARAM) {
+  HWND list = List();
+  const int row = ListView_GetNextItem(list, -1, LVNI_SELECTED);
+  if (row < 0) return 0;
+  SetFocus(list);
+  ListView_EditLabel(list, row);
+  return 0;
+}
+
 LRESULT OnPasteKeyCommand(HWND, WORD, WORD, LPARAM) {
   const int index = PasteKey(Keys());
   if (index < 0) return 0;

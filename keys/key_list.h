@@ -56,5 +56,7 @@ LRESULT OnKeyListNotify(HWND main, const NMHDR& header);
 LRESULT OnDeleteKeyCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnCopyKeyCommand(HWND window, WORD id, WORD code, LPARAM control);
 LRESULT OnPasteKeyCommand(HWND window, WORD id, WORD code, LPARAM control);
+// F2 in the Keys view: the selected key's Name is edited in place.
+LRESULT OnRenameKeyCommand(HWND window, WORD id, WORD code, LPARAM control);
 
 }  // namespace qb

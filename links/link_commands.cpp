@@ -1,10 +1,12 @@
 #include "links/link_commands.h"
 
 #include <cstdio>
+#include <optional>
 #include <vector>
 
 #include "acquire/acquire_state.h"
 #include "acquire/browser.h"
+#include "acquire/document_registry.h"
 #include "base/app_state.h"
 #include "links/link_dialogs.h"
 #include "links/link_paths.h"
@@ -41,7 +43,7 @@ bool TakeRow(TargetRow& row) {
   }
   row.entry = entry;
   row.path = App().linksFolder + LinkFileName(*entry);
-  return true;
+  return IsUnderRoot(row.path, App().dataHtmlDir);
 }
 
 // Commands that act on a saved page only.
@@ -53,16 +55,48 @@ bool TakeDocumentRow(TargetRow& row) {
   return false;
 }
 
-bool CreateNewFolder(HWND dialog, const std::string& name) {
+// A name for the current folder, told off in the name dialog when refused.
+bool AcceptName(HWND dialog, const std::string& name) {
   const std::string& folder = App().linksFolder;
-  if (const auto tooLong = NewFolderTooLongText(folder, name)) {
-    MessageBoxA(dialog, tooLong->c_str(), "Warning", MB_OK | MB_ICONSTOP);
+  if (const auto refused = RefusedNameText(folder, name)) {
+    MessageBoxA(dialog, refused->c_str(), "Warning", MB_OK | MB_ICONSTOP);
     return false;
   }
+  return IsUnderRoot(folder + name, App().dataHtmlDir);
+}
+
+bool CreateNewFolder(HWND dialog, const std::string& name) {
+  if (!AcceptName(dialog, name)) return false;
   SECURITY_ATTRIBUTES security{sizeof security, nullptr, TRUE};
-  CreateDirectoryA((folder + name).c_str(), &security);
+  CreateDirectoryA((App().linksFolder + name).c_str(), &security);
   RefreshLinksView();
   return true;
+}
+
+// Renames the row's folder or page; every registry line that begins with the old
+// path follows, whether or not it lies inside the renamed folder.
+void RenameRow(const TargetRow& row, const std::string& name) {
+  const std::string renamed = App().linksFolder + name;
+  if (std::rename(row.path.c_str(), renamed.c_str()) == 0)
+    ProgramRegistry().RenamePrefix(WithoutBackslash(row.path), WithoutBackslash(renamed));
+}
+
+std::optional<std::string> ReadWholeFile(const std::string& path) {
+  std::FILE* in = std::fopen(path.c_str(), "rb");
+  if (!in) return std::nullopt;
+  std::string bytes;
+  char buffer[4096];
+  for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, in)) > 0;) bytes.append(buffer, n);
+  const bool read = !std::ferror(in);
+  std::fclose(in);
+  return read ? std::optional<std::string>(bytes) : std::nullopt;
+}
+
+void WriteWholeFile(const std::string& path, const std::string& bytes) {
+  if (std::FILE* out = std::fopen(path.c_str(), "wb")) {
+    std::fwrite(bytes.data(), 1, bytes.size(), out);
+    std::fclose(out);
+  }
 }
 
 }  // namespace
@@ -80,13 +114,8 @@ LRESULT OnRenameFolderCommand(HWND window, WORD, WORD, LPARAM) {
   NameRequest request;
   request.groupText = row.entry->kind == kLinkFolder ? kRenameFolderText : kRenameFileText;
   request.name = LinkFileName(*row.entry);
-  if (RunNameDialog(window, request) == 1) {
-    const std::string renamed = App().linksFolder + request.name;
-    // Every registry line that begins with the old path follows, whether or not
-    // it lies inside the renamed folder.
-    if (std::rename(row.path.c_str(), renamed.c_str()) == 0)
-      ProgramRegistry().RenamePrefix(WithoutBackslash(row.path), WithoutBackslash(renamed));
-  }
+  request.accept = AcceptName;
+  if (RunNameDialog(window, request) == 1) RenameRow(row, request.name);
   RefreshLinksView();
   return 0;
 }
@@ -106,6 +135,13 @@ LRESULT OnDeleteLinkCommand(HWND window, WORD, WORD, LPARAM) {
   return 0;
 }
 
+void RenameSelectedLink(HWND owner, const std::string& name) {
+  TargetRow row;
+  if (!TakeRow(row)) return;
+  if (AcceptName(owner, name)) RenameRow(row, name);
+  RefreshLinksView();
+}
+
 // Renaming a saved page is "&Rename Folder"'s work; this one only checks the row.
 LRESULT OnRenameLinkCommand(HWND, WORD, WORD, LPARAM) {
   TargetRow row;
@@ -117,11 +153,19 @@ LRESULT OnMoveLinkCommand(HWND window, WORD, WORD, LPARAM) {
   TargetRow row;
   if (!TakeDocumentRow(row)) return 0;
   std::string destination;
-  if (RunDestinationDialog(window, App().dataHtmlDir, destination) == 1) {
+  if (RunDestinationDialog(window, App().dataHtmlDir, destination) == 1 &&
+      IsUnderRoot(destination, App().dataHtmlDir)) {
     const std::string moved = destination + LinkFileName(*row.entry);
-    // Before the copy: the registry drops entries whose files are gone.
-    ProgramRegistry().RenameFile(row.path, moved);
-    if (CopyFileA(row.path.c_str(), moved.c_str(), FALSE)) DeleteFileA(row.path.c_str());
+    const DocumentRegistry& registry = ProgramRegistry();
+    // Before the copy: the registry drops entries whose files are gone. When the
+    // copy fails the page stays where it was, and so must its entry.
+    const std::optional<std::string> before = ReadWholeFile(registry.path());
+    registry.RenameFile(row.path, moved);
+    if (!CopyFileA(row.path.c_str(), moved.c_str(), FALSE)) {
+      if (before) WriteWholeFile(registry.path(), *before);
+    } else {
+      DeleteFileA(row.path.c_str());
+    }
   }
   RefreshLinksView();
   return 0;
@@ -155,8 +199,34 @@ LRESULT OnLinkInfoCommand(HWND window, WORD, WORD, LPARAM) {
   return 0;
 }
 
+namespace {
+
+// A symbolic link or junction to a folder, which may lie outside DataHtml.
+bool IsLink(DWORD attributes) { return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0; }
+
+// Removes the link itself. Only a system that opens the link rather than what it
+// points to (told by the handle's attributes) can remove it safely; elsewhere
+// removing it would empty or remove the folder it points to, so it stays.
+void RemoveLink(const std::string& path) {
+  HANDLE handle = CreateFileA(path.c_str(), FILE_READ_ATTRIBUTES,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                              FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return;
+  BY_HANDLE_FILE_INFORMATION info{};
+  const bool linkItself = GetFileInformationByHandle(handle, &info) && IsLink(info.dwFileAttributes);
+  CloseHandle(handle);
+  if (linkItself) RemoveDirectoryA(path.c_str());
+}
+
+}  // namespace
+
 void DeleteFolderTree(const std::string& folder, bool subfolders) {
   if (folder.size() < kDeletePathMin) return;
+  const DWORD attributes = GetFileAttributesA(WithoutBackslash(folder).c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && IsLink(attributes)) {
+    RemoveLink(WithoutBackslash(folder));
+    return;
+  }
   const std::string top = WithBackslash(folder);
   struct Level {
     HANDLE find;
@@ -181,9 +251,12 @@ void DeleteFolderTree(const std::string& folder, bool subfolders) {
       DeleteFileA((here + name).c_str());
       continue;
     }
-    if (!subfolders || !IsListedName(name) ||
-        levels.size() >= static_cast<std::size_t>(kDeleteLevelsMax))
+    if (!subfolders || !IsListedName(name)) continue;
+    if (IsLink(found.dwFileAttributes)) {
+      RemoveLink(here + name);
       continue;
+    }
+    if (levels.size() >= static_cast<std::size_t>(kDeleteLevelsMax)) continue;
     const std::string inner = here + name + "\\";
     find = FindFirstFileA((inner + "*.*").c_str(), &found);
     if (find == INVALID_HANDLE_VALUE) continue;

@@ -19,9 +19,15 @@ LRESULT OnGotoSiteCommand(HWND window, WORD id, WORD code, LPARAM control);
 // 50501 "&Scan File HTML" and 50502 "&Scan Prompt HTML" (every field asked).
 LRESULT OnScanLinkCommand(HWND window, WORD id, WORD code, LPARAM control);
 
+// The view's label edit ended with `name`: renamed as "&Rename Folder" renames,
+// after the same checks (a refused name is told to the user, owner `owner`).
+void RenameSelectedLink(HWND owner, const std::string& name);
+
 // Empties and removes `folder` depth first, at most kDeleteLevelsMax levels deep;
 // sub-folders are entered only with `subfolders`, so without it a folder that
-// holds one stays. Failures are not reported.
+// holds one stays. A folder link (symbolic link, junction) is never entered: the
+// link itself is removed where the system can tell it from its target, otherwise
+// it stays. Failures are not reported.
 void DeleteFolderTree(const std::string& folder, bool subfolders);
 
 }  // namespace qb

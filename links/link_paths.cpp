@@ -1,6 +1,10 @@
 #include "links/link_paths.h"
 
+#include <algorithm>
 #include <cstdio>
+
+#include "base/file_name.h"
+#include "links/link_list.h"
 
 namespace qb {
 
@@ -26,6 +30,26 @@ std::optional<std::string> NewFolderTooLongText(std::string_view folder, std::st
                 static_cast<int>(kLinkPathSize),
                 static_cast<int>(kLinkPathSize) - static_cast<int>(folder.size()));
   return std::string(text);
+}
+
+std::optional<std::string> RefusedNameText(std::string_view folder, std::string_view name) {
+  if (!IsPlainFileName(name) || !IsListedName(name)) return std::string(kBadNameText);
+  return NewFolderTooLongText(folder, name);
+}
+
+bool IsUnderRoot(std::string_view path, std::string_view root) {
+  if (path.size() < root.size()) return false;
+  for (std::size_t i = 0; i < root.size(); ++i) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    if (lower(path[i]) != lower(root[i])) return false;
+  }
+  const std::string_view rest = path.substr(root.size());
+  for (std::size_t start = 0; start <= rest.size();) {
+    const std::size_t end = std::min(rest.find_first_of("\\/", start), rest.size());
+    if (rest.substr(start, end - start) == "..") return false;
+    start = end + 1;
+  }
+  return true;
 }
 
 std::string WithBackslash(std::string_view path) {

@@ -29,6 +29,19 @@ std::string DestinationUp(std::string_view folder, std::string_view root);
 // when current folder + name fits.
 std::optional<std::string> NewFolderTooLongText(std::string_view folder, std::string_view name);
 
+// The name dialog's answer to a name for a folder or page in `folder`: a name that
+// would leave the folder, name a device or never be listed is refused with
+// kBadNameText, one that makes the path too long with NewFolderTooLongText;
+// nullopt accepts it.
+constexpr char kBadNameText[] =
+    "This name can not be used.\nA name can not hold \\ / : * ? \" < > | or control characters,\n"
+    "begin or end with a dot, end with a blank or be a device name such as CON or NUL.";
+std::optional<std::string> RefusedNameText(std::string_view folder, std::string_view name);
+
+// Whether `path` lies in `root` or below it (compared without regard to case) and
+// names no ".." folder on the way.
+bool IsUnderRoot(std::string_view path, std::string_view root);
+
 // `path` with a backslash added when it has none at its end.
 std::string WithBackslash(std::string_view path);
 // `path` without its closing backslash.

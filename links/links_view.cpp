@@ -9,6 +9,7 @@
 #include "acquire/no_case.h"
 #include "base/app_state.h"
 #include "base/frame_gdi.h"
+#include "links/link_commands.h"
 #include "links/link_paths.h"
 #include "links/link_scan.h"
 #include "resources/resource.h"
@@ -129,7 +130,7 @@ void OpenRow(int row) {
     case kLinkParent:
       view.depth = std::max(view.depth - 1, 0);
       folder = ParentFolder(folder);
-      RefreshLinks(folder);
+      RefreshLinksView();
       break;
     case kLinkFolder:
       if (entry->attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
@@ -138,7 +139,7 @@ void OpenRow(int row) {
       }
       view.depth = std::min(view.depth + 1, kLinksDepthMax);
       folder += entry->name + "\\";
-      RefreshLinks(folder);
+      RefreshLinksView();
       break;
     case kLinkDocument:
       ScanSavedLink(folder + LinkFileName(*entry));
@@ -181,6 +182,22 @@ LRESULT OnLinksRightClick(HWND main, const NMHDR& header) {
 LRESULT OnLinksKeyDown(HWND, const NMHDR& header) {
   if (reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey == VK_RETURN) LinksEnter();
   return 0;
+}
+
+// Names are edited in place as "&Rename Folder" asks for them; the row one level
+// up has no name to edit.
+LRESULT OnLinksBeginLabelEdit(HWND, const NMHDR& header) {
+  const LinkEntry* entry = EntryOfRow(reinterpret_cast<const NMLVDISPINFOA&>(header).item.iItem);
+  return !entry || entry->kind == kLinkParent;
+}
+
+LRESULT OnLinksEndLabelEdit(HWND main, const NMHDR& header) {
+  const LVITEMA& item = reinterpret_cast<const NMLVDISPINFOA&>(header).item;
+  // Cancelled, unchanged or emptied: nothing to rename.
+  const LinkEntry* entry = EntryOfRow(item.iItem);
+  if (!entry || !item.pszText || item.pszText[0] == '\0' || LinkFileName(*entry) == item.pszText) return FALSE;
+  RenameSelectedLink(main, item.pszText);
+  return FALSE;  // the listing shows the name the folder now has
 }
 
 LRESULT OnLinksColumnClick(HWND, const NMHDR& header) {
@@ -240,6 +257,8 @@ const NotifyRow kLinksNotifications[] = {
     {NM_DBLCLK,        OnLinksDoubleClick},
     {NM_RCLICK,        OnLinksRightClick},
     {LVN_KEYDOWN,      OnLinksKeyDown},
+    {LVN_BEGINLABELEDITA, OnLinksBeginLabelEdit},
+    {LVN_ENDLABELEDITA, OnLinksEndLabelEdit},
     {LVN_COLUMNCLICK,  OnLinksColumnClick},
     {LVN_GETDISPINFOA, OnLinksDisplayInfo},
     {LVN_ODFINDITEMA,  OnLinksFindItem},
@@ -330,7 +349,19 @@ bool RefreshLinks(const std::string& folder) {
   return true;
 }
 
-bool RefreshLinksView() { return RefreshLinks(App().linksFolder); }
+bool RefreshLinksView() {
+  LinksViewState& view = LinksView();
+  std::string& folder = App().linksFolder;
+  const std::string& root = App().dataHtmlDir;
+  // A folder removed, renamed or grown past the path limit behind the program's
+  // back: the nearest folder above it that can be listed, with its way up.
+  while (!RefreshLinks(folder)) {
+    if (folder.size() <= root.size() || !IsUnderRoot(folder, root)) return false;
+    folder = ParentFolder(folder);
+    view.depth = std::max(view.depth - 1, 0);
+  }
+  return true;
+}
 
 void CreateLinksColumns(HWND main) {
   RECT client;

@@ -32,6 +32,8 @@
 #define IDM_DATABASE_FIRST      50206
 #define IDM_DATABASE_LAST       50214
 #define IDM_DELETE_DATABASE     50215
+// F2 in the Keys view: the selected key's Name edited in place (no menu item)
+#define IDM_RENAME_KEY          50290
 
 // &Links
 #define IDM_NEW_FOLDER          50300
@@ -75,7 +77,7 @@
 #define IDB_DATABASEBAR         502
 #define IDB_DATABASEBAR_MASK    503
 
-// Standard dialog buttons used with the design's ids
+// Standard dialog buttons under the ids the program's dialogs have always used
 #define IDC_HELP_BUTTON         9
 
 // IDD_OPTIONS

@@ -216,7 +216,8 @@ LRESULT OnNoMatchOk(HWND dialog, WORD, WORD, LPARAM) {
     return 0;
   }
   const std::string fieldName = LearnedName(state);
-  if (IsDlgButtonChecked(dialog, IDC_NOMATCH_LEARN) != BST_CHECKED) {
+  // A field without a name gives no name to learn: the choice is taken as it is.
+  if (IsDlgButtonChecked(dialog, IDC_NOMATCH_LEARN) != BST_CHECKED || fieldName.empty()) {
     state.answer.key = key;
     if (ChoosesValue(request.kind)) state.answer.valueIndex = SelectedValue(dialog);
   } else if (ChoosesValue(request.kind)) {
@@ -290,9 +291,36 @@ LRESULT OnNoMatchCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
   return LookupCommand(kNoMatchCommandMap, dialog, wParam, lParam);
 }
 
+// The key list's own notifications. A double click on a key chooses it as OK
+// does; the Keys view's routine would open the key editor on the main window's
+// selection and could reorder the table under the scan.
+LRESULT OnKeyListDoubleClick(HWND dialog, const NMHDR& header) {
+  const int row = reinterpret_cast<const NMITEMACTIVATE&>(header).iItem;
+  if (row < 0 || !IsWindowEnabled(header.hwndFrom)) return 0;
+  SelectKeyRow(header.hwndFrom, row);
+  return OnNoMatchOk(dialog, IDOK, BN_CLICKED, 0);
+}
+
+struct KeyListNotifyRow {
+  UINT code;
+  LRESULT (*handler)(HWND dialog, const NMHDR& header);
+};
+const KeyListNotifyRow kKeyListNotifications[] = {
+    {NM_DBLCLK, OnKeyListDoubleClick},
+};
+
+LRESULT OnNoMatchNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
+  const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+  if (header.idFrom != IDC_NOMATCH_KEYS) return 0;
+  for (const KeyListNotifyRow& row : kKeyListNotifications)
+    if (row.code == header.code) return row.handler(dialog, header);
+  return 0;
+}
+
 const MessageRow kNoMatchMessages[] = {
     {WM_INITDIALOG, OnNoMatchInit},
     {WM_COMMAND,    OnNoMatchCommand},
+    {WM_NOTIFY,     OnNoMatchNotify},
 };
 const MessageMap kNoMatchMessageMap = MakeMessageMap(kNoMatchMessages, kDefaultNone);
 

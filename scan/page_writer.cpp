@@ -73,9 +73,11 @@ bool IsSelectedWord(std::string_view word) {
   return EqualsNoCase(word, "selected") || StartsNoCase(word, "selected=");
 }
 
-std::string OptionPairValue(std::string_view rebuiltTag, std::string_view displayText) {
+// An option's value in the post: what follows the first "=" of its tag; an option
+// without one has an empty value.
+std::string OptionPairValue(std::string_view rebuiltTag) {
   const std::size_t equals = rebuiltTag.find('=');
-  return std::string(equals == std::string_view::npos ? displayText : rebuiltTag.substr(equals + 1));
+  return equals == std::string_view::npos ? std::string() : std::string(rebuiltTag.substr(equals + 1));
 }
 
 class PageWriter {
@@ -223,7 +225,8 @@ class PageWriter {
 
   void WriteText(FormField& field) {
     const bool named = WriteUpToName("<input type=\"text\" ", field);
-    const std::string value = FilledText(field, kPromptText);
+    // Without a name the field is written without a value: nothing to ask for.
+    const std::string value = named ? FilledText(field, kPromptText) : TextOf(field.value);
     if (named) out_.append("value=\"").append(value).append("\" ");
     out_ += ">\n";
     Collect(TextOf(field.name), value, PairRule::kReplaces);
@@ -242,7 +245,7 @@ class PageWriter {
   // the Description in UTF-8.
   std::string FilledText(FormField& field, PromptKind kind) {
     std::string own = TextOf(field.value);
-    if (!field.name || !session_.CurrentKeyHasDescription()) return own;
+    if (!session_.CurrentKeyHasDescription()) return own;
     const std::uint32_t key = session_.FindKey(field.name);
     if (session_.MayPrompt() && PromptsTextField(session_.options, kind, session_.promptAll, key != kNoMatch)) {
       const PromptAnswer answer = session_.Ask(scan_, Request(kind, key));
@@ -267,7 +270,7 @@ class PageWriter {
     std::uint32_t key = matched;
     int selected = -1;
     const auto optionListed = [&] { return FirstListedOption(options, matched) >= 0; };
-    if (field.name && session_.MayPrompt() &&
+    if (session_.MayPrompt() &&
         PromptsSelect(session_.options, session_.promptAll, matched != kNoMatch, optionListed)) {
       PromptRequest request = Request(kPromptSelect, matched);
       request.selectIndex = field.selectIndex;
@@ -297,13 +300,13 @@ class PageWriter {
       const bool isSelected = marked[i];
       const std::string tag = TextOf(options[i].tag);
       const std::string text = TextOf(options[i].text);
-      std::string value = text;
+      std::string value;
       if (tag.empty()) {
         out_ += isSelected ? "<option selected>" : "<option>";
       } else {
         const std::string rebuilt = RebuildOptionTag(tag);
         out_.append("<").append(rebuilt).append(isSelected ? "selected>" : ">");
-        value = OptionPairValue(rebuilt, text);
+        value = OptionPairValue(rebuilt);
       }
       if (isSelected && !selectedValue) selectedValue = std::move(value);
       out_.append(text).append("</option>\n");

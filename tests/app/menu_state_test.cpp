@@ -92,6 +92,10 @@ TEST_F(Menus, HighlightedItemShowsItsHelpAndClosingShowsSeparator) {
       {0, MF_SEPARATOR, "Separator"},
       {IDM_LINK_WINDOW, MF_STRING, "Show or hide tree window"},
       {IDM_COMPACT_CONFIGHTML, MF_STRING, "Remove deleted links from a file ConfigHtml.cfg"},
+      {IDM_SCAN_HTML, MF_STRING, "Scan current online HTML document."},
+      {IDM_SCAN_FILE_HTML, MF_STRING, "Scan current selected HTML document file in the Links view window."},
+      {IDM_SCAN_PROMPT_HTML, MF_STRING,
+       "Scan current selected HTML document file and ask to select each Form Field."},
       {0, 0xFFFF, "Separator"},
   };
   for (const auto& r : rows) {

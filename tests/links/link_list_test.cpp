@@ -203,5 +203,30 @@ TEST(LinkPaths, NewFolderNamesMustFitThePathLimit) {
             "directory\nThis New directory name can't exceded 10 charachters");
 }
 
+TEST(LinkPaths, NamesAndPathsStayUnderTheRoot) {
+  const std::string root = "C:\\App\\DataHtml\\";
+  const std::string deep = root + std::string(240, 'f') + "\\";
+  EXPECT_EQ(RefusedNameText(root, "Shops"), std::nullopt);
+  EXPECT_EQ(RefusedNameText(root, "..\\escaped"), kBadNameText);
+  EXPECT_EQ(RefusedNameText(root, ".hidden"), kBadNameText);  // never listed
+  EXPECT_EQ(RefusedNameText(deep, "name"), NewFolderTooLongText(deep, "name"));
+  EXPECT_NE(RefusedNameText(deep, "name"), std::nullopt);
+
+  const struct {
+    const char* path;
+    bool under;
+  } paths[] = {
+      {"C:\\App\\DataHtml\\", true},
+      {"c:\\app\\datahtml\\Shops\\a.htm", true},
+      {"C:\\App\\DataHtml\\..\\escaped", false},
+      {"C:\\App\\DataHtml\\Shops\\..\\..\\x", false},
+      {"C:\\App\\DataHtml\\Shops/../../x", false},
+      {"C:\\App\\DataHtml\\..", false},
+      {"C:\\App\\Data", false},
+      {"C:\\App\\Other\\a.htm", false},
+  };
+  for (const auto& p : paths) EXPECT_EQ(IsUnderRoot(p.path, root), p.under) << p.path;
+}
+
 }  // namespace
 }  // namespace qb::test

@@ -643,5 +643,211 @@ TEST_F(LinkScanTest, PageCommandsOnAFolderRowAreRefused) {
   EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
 }
 
+// ---- Names, links and moves that must not leave DataHtml or lose a page
+
+TEST_F(LinksViewTest, NamesThatLeaveTheFolderOrNameADeviceAreRefusedInTheNameDialog) {
+  MakeFolder("Shops");
+  MakeFile("form.htm");
+  WriteRegistry({{"www.a.com/form", "form.htm"}});
+  ASSERT_NE(Open(), nullptr);
+  for (const char* bad : {"..\\escaped", "../escaped", "..", "Shops\\inner", "C:escaped", "CON", "nul.htm",
+                          "a*b", "what?", "tab\there", ".hidden", "trailing."}) {
+    SCOPED_TRACE(bad);
+    for (WORD command : {IDM_NEW_FOLDER, IDM_RENAME_FOLDER}) {
+      Select("form.htm");
+      // Told off in the dialog, which stays open until cancelled.
+      auto result = RunModal([&] { Command(command); },
+                             {TypeName(bad), Press("OK"), Again(test::Command(IDCANCEL))});
+      ASSERT_TRUE(result.ok()) << result.Describe();
+      EXPECT_EQ(result.seen[1].caption, "Warning");
+      EXPECT_EQ(result.seen[1].MessageText(), kBadNameText);
+    }
+  }
+  EXPECT_EQ(Names(), (std::vector<std::string>{"Shops", "form.htm"}));
+  EXPECT_FALSE(FileExists(dir_.File("escaped")));
+  EXPECT_FALSE(Exists("Shops\\inner"));
+  EXPECT_EQ(Registry().FindUrlForFile(root_ + "form.htm"), "www.a.com/form");
+}
+
+// A symbolic link made on the Unix side, as the system under the tests makes none
+// itself: `name` in `folder`, pointing to `target` (relative to that folder).
+void MakeUnixLink(const std::string& folder, const std::string& name, const std::string& target) {
+  std::string command = "Z:\\bin\\ln -s " + target + " " + name;
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  ASSERT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
+                             &startup, &process));
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  const std::string link = folder + "\\" + name;
+  // The link shows as a folder that is a reparse point.
+  ASSERT_TRUE(PumpUntil([&] {
+    const DWORD attributes = GetFileAttributesA(link.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
+           (attributes & FILE_ATTRIBUTE_DIRECTORY);
+  })) << link;
+}
+
+// The walk the Delete command runs once its dialog is answered, in both option
+// states, on folders holding a link to a folder outside DataHtml and on a link.
+TEST_F(LinksViewTest, DeletingAFolderNeverEntersALinkToAFolderElsewhere) {
+  const std::string outside = dir_.File("Outside");
+  ASSERT_TRUE(CreateDirectoryA(outside.c_str(), nullptr));
+  WriteText(outside + "\\keep.htm", "keep");
+  for (const char* box : {"Box1", "Box0"}) {
+    MakeFolder(box);
+    MakeFile(std::string(box) + "\\page.htm");
+    MakeUnixLink(root_ + box, "link", "../../Outside");
+  }
+  MakeUnixLink(dir_.File("DataHtml"), "Link", "../Outside");
+  const std::pair<const char*, bool> deletions[] = {{"Box1", true}, {"Box0", false}, {"Link", true}};
+  for (const auto& [folder, subfolders] : deletions) {
+    SCOPED_TRACE(folder);
+    DeleteFolderTree(root_ + folder, subfolders);
+    EXPECT_EQ(ReadText(outside + "\\keep.htm"), "keep");
+  }
+  EXPECT_FALSE(Exists("Box1\\page.htm"));
+  EXPECT_FALSE(Exists("Box0\\page.htm"));
+}
+
+TEST_F(LinksViewTest, AMoveThatCannotCopyLeavesThePageAndItsEntryWhereTheyWere) {
+  for (const char* name : {"From", "Target", "Target\\form.htm"}) MakeFolder(name);  // no file can take that name
+  MakeFile("From\\form.htm", "page");
+  WriteRegistry({{"www.a.com/form", "From\\form.htm"}});
+  ASSERT_NE(Open(), nullptr);
+  Enter("From");
+  Select("form.htm");
+  auto result = RunModal([&] { Command(IDM_MOVE_LINK); }, {Custom([](HWND dialog, const WindowSnapshot&) {
+                           OpenDestinationRow(dialog, "Target");
+                           ClickButton(dialog, IDOK);
+                         })});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(ReadText(root_ + "From\\form.htm"), "page");
+  EXPECT_EQ(Registry().FindUrlForFile(root_ + "From\\form.htm"), "www.a.com/form");
+  EXPECT_EQ(Registry().FindUrlForFile(root_ + "Target\\form.htm"), std::nullopt);
+}
+
+TEST_F(LinksViewTest, AFolderThatCannotBeListedGivesWayToTheNearestOneAbove) {
+  for (const char* name : {"A", "A\\B", "A\\B\\C"}) MakeFolder(name);
+  MakeFile("A\\a.htm");
+  ASSERT_NE(Open(), nullptr);
+  for (const char* name : {"A", "B", "C"}) Enter(name);
+  // Removed and renamed behind the program's back.
+  ASSERT_TRUE(RemoveDirectoryA((root_ + "A\\B\\C").c_str()));
+  ASSERT_TRUE(MoveFileA((root_ + "A\\B").c_str(), (root_ + "A\\Moved").c_str()));
+  EXPECT_TRUE(RefreshLinksView());
+  EXPECT_EQ(App().linksFolder, root_ + "A\\");
+  EXPECT_EQ(Names(), (std::vector<std::string>{"", "Moved", "a.htm"}));
+  Enter("");
+  EXPECT_EQ(App().linksFolder, root_);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"A"}));
+}
+
+TEST_F(LinksViewTest, EditingARowsNameInPlaceRenamesItWithTheDialogsChecks) {
+  MakeFolder("Shops");
+  MakeFile("Shops\\a.htm");
+  WriteRegistry({{"www.a.com/", "Shops\\a.htm"}});
+  ASSERT_NE(Open(), nullptr);
+  const auto editName = [&](const std::string& name) {
+    Select("Shops");
+    SetFocus(View());
+    HWND edit = reinterpret_cast<HWND>(SendMessageA(View(), LVM_EDITLABELA, RowOf("Shops"), 0));
+    ASSERT_NE(edit, nullptr);
+    SetWindowTextA(edit, name.c_str());
+    SendMessageA(edit, WM_KEYDOWN, VK_RETURN, 0);
+  };
+  auto result = RunModal([&] { editName("..\\Escaped"); }, {Press("OK")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), kBadNameText);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"Shops"}));
+  EXPECT_FALSE(FileExists(dir_.File("Escaped")));
+
+  result = RunModal([&] { editName("Stores"); }, {});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(Names(), (std::vector<std::string>{"Stores"}));
+  EXPECT_EQ(Registry().FindUrlForFile(root_ + "Stores\\a.htm"), "www.a.com/");
+}
+
+// ---- The keyboard: keys act on the view that has it
+
+// Ends the message loop of a key press whose window never came.
+void CALLBACK QuitLoop(HWND, UINT, UINT_PTR, DWORD) { PostQuitMessage(0); }
+
+class ViewKeys : public LinksViewTest {
+ protected:
+  // Presses `key` in `focus` as the keyboard would, through the program's own
+  // message loop and accelerator table. The loop ends once the queue is empty;
+  // a window the key opens is answered by `steps`, the last of which ends it.
+  ModalResult PressKey(HWND focus, UINT key, std::vector<ModalStep> steps = {}) {
+    const DWORD thread = GetCurrentThreadId();
+    if (!steps.empty()) {
+      ModalAction last = steps.back().act;
+      steps.back().act = [last, thread](HWND window, const WindowSnapshot& snapshot) {
+        last(window, snapshot);
+        PostThreadMessageA(thread, WM_QUIT, 0, 0);
+      };
+    }
+    HACCEL accelerators = LoadAcceleratorsA(Instance(), kMainClassName);
+    SetFocus(focus);
+    return RunModal(
+        [&] {
+          PostMessageA(focus, WM_KEYDOWN, key, 1);
+          PostMessageA(focus, WM_KEYUP, key, 0xC0000001);
+          if (steps.empty()) PostQuitMessage(0);
+          constexpr UINT kLongerThanAStepMs = 15000;
+          const UINT_PTR guard = SetTimer(nullptr, 0, kLongerThanAStepMs, QuitLoop);
+          RunMessageLoop(accelerators);
+          KillTimer(nullptr, guard);
+        },
+        steps);
+  }
+
+  void AddKeyRow(const std::string& name) {
+    const int index = Keys().count++;
+    SetKeyField(Keys(), index, kName, name);
+    LVITEMA item{};
+    item.mask = LVIF_TEXT;
+    item.iItem = index;
+    item.pszText = const_cast<char*>(name.c_str());
+    SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+  }
+};
+
+TEST_F(ViewKeys, DelAndF2ActOnTheFocusedViewAndGreyedCommandsStayIdle) {
+  MakeFolder("Shops");
+  MakeFile("form.htm");
+  ASSERT_NE(Open(), nullptr);
+
+  Select("Shops");
+  auto result = PressKey(View(), VK_F2, {Press("Cancel")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].caption, "Quellbarrow - New name");
+  EXPECT_NE(result.seen[0].ControlByText("Type a new Folder name:"), nullptr);
+
+  Select("form.htm");
+  result = PressKey(View(), VK_DELETE, {Press("Yes")});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), "Are you sure you want to delete a link file:\n" + root_ + "form.htm");
+  EXPECT_FALSE(Exists("form.htm"));
+
+  // "&Add" is greyed while the database is empty: Insert does nothing.
+  HWND keys = App().keysView;
+  result = PressKey(keys, VK_INSERT);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_TRUE(result.seen.empty());
+
+  // F2 on a key edits its Name in place; the Links view's selection is left alone.
+  AddKeyRow("Mail");
+  Select("Shops");
+  SelectKeyRow(keys, 0);
+  result = PressKey(keys, VK_F2);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  HWND edit = reinterpret_cast<HWND>(SendMessageA(keys, LVM_GETEDITCONTROL, 0, 0));
+  ASSERT_NE(edit, nullptr);
+  EXPECT_EQ(WindowText(edit), "Mail");
+  SendMessageA(edit, WM_KEYDOWN, VK_ESCAPE, 0);
+}
+
 }  // namespace
 }  // namespace qb::test

@@ -150,6 +150,28 @@ TEST_F(NoMatchPrompt, OkTakesTheChosenKeyAndValue) {
   EXPECT_FALSE(DatabaseChanged());
 }
 
+// A double click in the prompt's key list chooses that key, as OK would: nothing
+// else opens, and the table the scan is filling from stays as it was.
+TEST_F(NoMatchPrompt, DoubleClickOnAKeyChoosesItAndLeavesTheTableAlone) {
+  Ask(kAskNever);
+  Settings().askForSelect[kPromptText] = kAskUnMatched;
+  const int nick = AddKey("Nick key", "", "", "Neo");
+  Scan({Custom([nick](HWND dialog, const WindowSnapshot&) {
+    HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
+    RECT row{LVIR_BOUNDS, 0, 0, 0};
+    SendMessageA(list, LVM_GETITEMRECT, nick, reinterpret_cast<LPARAM>(&row));
+    PostMessageA(list, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(row.left + 10, (row.top + row.bottom) / 2));
+    // A prompt the double click left open is cancelled, so that the scan ends.
+    if (!PumpUntil([dialog] { return !IsWindow(dialog); })) PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+  })});
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.size(), 1u);
+  EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
+  EXPECT_EQ(Keys().count, 2);
+  EXPECT_EQ(KeyFieldText(Keys(), nick, kName), "Nick key");
+  EXPECT_FALSE(DatabaseChanged());
+}
+
 // With the learning box ticked the key learns the name (and value) and the scan
 // after it matches by itself.
 TEST_F(NoMatchPrompt, LearningTeachesTheKeyItsNameAndValue) {

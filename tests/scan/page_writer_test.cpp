@@ -207,7 +207,7 @@ TEST_F(PageWriter, KeyTextsMeetAUtf8PageInUtf8) {
     const std::string o = c.o, u = c.u;
     const std::string page = Fill(std::string("<html><head>") + c.declaration +
                                   "</head><form action=/a method=post><input name=name><select name=land>"
-                                  "<option>Deutschland<option>" + o + "sterreich</select>"
+                                  "<option>Deutschland<option value=" + o + "sterreich>" + o + "sterreich</select>"
                                   "<input type=checkbox name=news value=M" + u + "ller></form>");
     EXPECT_LT(page.find(c.charset), page.find("<title>")) << c.charset;
     EXPECT_EQ(session_->requestText,
@@ -352,6 +352,33 @@ TEST_F(PageWriter, PromptedSelectsAndRadioGroupsTakeTheChosenValue) {
   EXPECT_NE(forms.find("<input type=\"radio\" checked name=\"size\" value=\"m\" >\n"), std::string::npos);
   EXPECT_NE(forms.find("<option >Germany</option>\n<option >France</option>\n<option selected>Chile</option>\n"),
             std::string::npos);
+}
+
+TEST_F(PageWriter, UnnamedSelectsAndTextAreasAreAskedButUnnamedTextFieldsAreNot) {
+  keys_.Fill({{"Me", "me", "", "Current"}, {"Pick", "", "", "Picked"}});
+  Prompt({Ok(1, 1), Ok(1)}, {kAskNever, kAskNever, kAskUnMatched, kAskUnMatched, kAskUnMatched});
+  const std::string forms = OneFieldForm("<input value=own><select><option>a<option>b</select><textarea></textarea>");
+  const std::vector<PromptRequest>& asked = prompt_->requests;
+  ASSERT_EQ(asked.size(), 2u);
+  EXPECT_EQ(std::make_pair(asked[0].kind, asked[0].slot), std::make_pair(kPromptSelect, 2));
+  EXPECT_EQ(std::make_pair(asked[1].kind, asked[1].slot), std::make_pair(kPromptTextarea, 3));
+  EXPECT_EQ(forms,
+            "<form action=\"http://www.example.com/a\" method=post >\n"
+            "<input type=\"text\" >\n"
+            "<select >\n<option >a</option>\n<option selected>b</option>\n</select>\n"
+            "<textarea >Picked</textarea>\n</form>");
+}
+
+TEST_F(PageWriter, DirectPostTakesAnOptionsValueFromAfterTheFirstEqualsSign) {
+  directPost_ = true;
+  const std::pair<const char*, const char*> cases[] = {
+      {"<option>Blue", "colour=&"},  // no "=": an empty value, not the option's text
+      {"<option value=\"b=1\">Blue", "colour=\\\"b%3D1\\\"&"},
+  };
+  for (const auto& [option, pair] : cases) {
+    OneFieldForm(std::string("<select name=colour>") + option + "</select>");
+    EXPECT_EQ(session_->requestText, std::string("POST http://www.example.com/a?") + pair) << option;
+  }
 }
 
 TEST_F(PageWriter, ANameLearnedInAPromptMatchesTheNextField) {

@@ -236,6 +236,31 @@ TEST_F(ScanHtmlCommand, AddressesThatCannotBeScannedEndInOneMessage) {
   }
 }
 
+// The browser's window belongs to another process whose thread stops pumping:
+// its address bar cannot answer, and the scan must not wait for it.
+TEST_F(ScanHtmlCommand, HungBrowserCountsAsAnEmptyAddress) {
+  HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, "QbHungBrowserReady");
+  HANDLE stop = CreateEventA(nullptr, TRUE, FALSE, "QbHungBrowserStop");
+  std::string command = "\"" + WinePath(QB_HUNG_BROWSER) + "\" QbHungBrowserReady QbHungBrowserStop";
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  ASSERT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                             &process));
+  ASSERT_EQ(WaitForSingleObject(ready, 20000), WAIT_OBJECT_0);
+  constexpr DWORD kFewSecondsMs = 8000;
+  const DWORD start = GetTickCount();
+  ScanFromBrowser({Press("OK")});
+  const DWORD elapsed = GetTickCount() - start;
+  SetEvent(stop);
+  WaitForSingleObject(process.hProcess, 20000);
+  for (HANDLE h : {process.hProcess, process.hThread, ready, stop}) CloseHandle(h);
+  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  EXPECT_EQ(result_.seen.at(0).MessageText(), kNoLinkText);
+  EXPECT_LT(elapsed, kFewSecondsMs);
+  EXPECT_FALSE(FilledPageWritten());
+}
+
 TEST_F(ScanHtmlCommand, KnownAddressAsksBeforeDownloadingAgain) {
   const std::string saved = SavePage("127.0.0.1.a.htm.htm", kOrderPage, "127.0.0.1/a.htm");
   ShowBrowser("A - Test Browser", "http://127.0.0.1/a.htm");
