@@ -248,7 +248,9 @@ TEST_F(FullDiskTest, SettingsAtCloseAreWholeOrNotWritten) {
   for (bool before : {true, false}) {
     SCOPED_TRACE(before ? "with an old settings file" : "without one");
     DeleteFileA(settings.c_str());
-    if (before) ASSERT_TRUE(WriteSettingsFile(settings, AppSettings{}));
+    if (before) {
+      ASSERT_TRUE(WriteSettingsFile(settings, AppSettings{}));
+    }
     const std::vector<std::uint8_t> old = ReadBytes(settings);
     ASSERT_TRUE(Open());
     Fill();
@@ -309,6 +311,7 @@ TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
   ASSERT_TRUE(server.listening()) << server.error();
   ASSERT_TRUE(CreateDirectoryA(dir_.File("Outside").c_str(), nullptr));
   ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../Outside"));
+  WriteText(program_ + "\\DataHtml\\page.htm", kPage);
   ASSERT_TRUE(Open());
   CreateKeyListColumn(App().keysView);
   ShowBrowserAt("http://127.0.0.1/form.htm");
@@ -320,10 +323,28 @@ TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
   ASSERT_GE(row, 0);
   ListView_SetItemState(App().linksView, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   const std::string folder = App().linksFolder;
-  ModalResult r = RunModal([&] { Command(IDM_LINKS_ENTER); }, {Press("OK")});
-  ASSERT_TRUE(r.ok()) << r.Describe();
-  EXPECT_EQ(r.seen.at(0).MessageText(), kFolderLinkText);
-  EXPECT_EQ(App().linksFolder, folder);
+  for (WORD id : {IDM_LINKS_ENTER, IDM_RENAME_FOLDER}) {
+    const ModalResult r = RunModal([&] { Command(id); }, {Press("OK")});
+    ASSERT_TRUE(r.ok()) << id << " " << r.Describe();
+    EXPECT_EQ(r.seen.at(0).MessageText(), kFolderLinkText) << id;
+    EXPECT_EQ(App().linksFolder, folder);
+    EXPECT_TRUE(FileExists(program_ + "\\DataHtml\\Elsewhere"));
+  }
+  // Nor is it offered as the place to move a page to.
+  const int page = static_cast<int>(SendMessageA(App().linksView, LVM_GETITEMCOUNT, 0, 0)) - 1;
+  ListView_SetItemState(App().linksView, page, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  std::vector<std::string> destinations;
+  ModalResult r = RunModal([&] { Command(IDM_MOVE_LINK); }, {Custom([&](HWND dialog, const WindowSnapshot&) {
+                             HWND list = GetDlgItem(dialog, IDC_DESTINATION_LIST);
+                             for (int i = 0; i < ListView_GetItemCount(list); ++i) {
+                               char text[MAX_PATH] = {};
+                               ListView_GetItemText(list, i, 0, text, sizeof text);
+                               destinations.push_back(text);
+                             }
+                             ClickButton(dialog, IDCANCEL);
+                           })});
+  EXPECT_TRUE(r.ok()) << r.Describe();
+  EXPECT_EQ(destinations, std::vector<std::string>{"Shop"});
   r = Scan({});
   EXPECT_TRUE(r.ok()) << r.Describe() << Seen(r);
   EXPECT_TRUE(FileExists(program_ + "\\DataHtml\\127.0.0.1.form.htm.htm"));
