@@ -119,17 +119,10 @@ const CommandRow kSelectBrowserCommands[] = {
     {IDOK,     OnSelectBrowserOk},
     {IDCANCEL, EndDialogCancelled},
 };
-const CommandMap kSelectBrowserCommandMap = MakeCommandMap(kSelectBrowserCommands, kDefaultNone);
-
-LRESULT OnSelectBrowserDialogCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kSelectBrowserCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kSelectBrowserMessages[] = {
     {WM_INITDIALOG, OnSelectBrowserInit},
-    {WM_COMMAND,    OnSelectBrowserDialogCommand},
 };
-const MessageMap kSelectBrowserMessageMap = MakeMessageMap(kSelectBrowserMessages, kDefaultNone);
 
 // The default-browser dialog.
 
@@ -214,17 +207,10 @@ const CommandRow kDefaultBrowserCommands[] = {
     {IDCANCEL,             EndDialogCancelled},
     {IDC_HELP_BUTTON,      OnDefaultBrowserHelp},
 };
-const CommandMap kDefaultBrowserCommandMap = MakeCommandMap(kDefaultBrowserCommands, kDefaultNone);
-
-LRESULT OnDefaultBrowserCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kDefaultBrowserCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kDefaultBrowserMessages[] = {
     {WM_INITDIALOG, OnDefaultBrowserInit},
-    {WM_COMMAND,    OnDefaultBrowserCommand},
 };
-const MessageMap kDefaultBrowserMessageMap = MakeMessageMap(kDefaultBrowserMessages, kDefaultNone);
 
 HINSTANCE Instance() { return App().instance ? App().instance : GetModuleHandleA(nullptr); }
 
@@ -236,6 +222,9 @@ bool Launched(const char* program, std::string_view text) {
 }
 
 }  // namespace
+
+const DLGPROC DefaultBrowserDialogProc =
+    DialogProcedure<kDefaultBrowserMessages, kDefaultBrowserCommands>;
 
 std::uint32_t BrowserWindowChoiceOption() { return g_browserWindowChoice; }
 
@@ -252,7 +241,8 @@ BrowserCapture CaptureBrowserAddress() {
     return capture;
   }
   if (g_browserWindowChoice == kPromptForBrowserWindow && found.count > 1 &&
-      DialogBoxParamA(Instance(), kSelectBrowserDialogName, App().mainWindow, SelectBrowserDialogProc,
+      DialogBoxParamA(Instance(), kSelectBrowserDialogName, App().mainWindow,
+                      DialogProcedure<kSelectBrowserMessages, kSelectBrowserCommands>,
                       reinterpret_cast<LPARAM>(&found)) != 1) {
     return capture;
   }
@@ -305,14 +295,6 @@ void OpenUrlOfFile(std::string_view file) {
 }
 
 void OpenLinksPage() { OpenInBrowser(App().programDir + "\\" + kLinksPageName); }
-
-INT_PTR CALLBACK DefaultBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kDefaultBrowserMessageMap, dialog, message, wParam, lParam);
-}
-
-INT_PTR CALLBACK SelectBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kSelectBrowserMessageMap, dialog, message, wParam, lParam);
-}
 
 LRESULT OnSelectBrowserCommand(HWND window, WORD, WORD, LPARAM) {
   DialogBoxParamA(Instance(), kDefaultBrowserDialogName, window, DefaultBrowserDialogProc, 0);

@@ -71,8 +71,7 @@ void OpenUrlOfFile(std::string_view file);
 constexpr char kLinksPageName[] = "weblinks.htm";
 void OpenLinksPage();
 
-INT_PTR CALLBACK DefaultBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-INT_PTR CALLBACK SelectBrowserDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+extern const DLGPROC DefaultBrowserDialogProc;
 
 // Command 50009 "&Select Internet Browser".
 LRESULT OnSelectBrowserCommand(HWND window, WORD id, WORD code, LPARAM control);

@@ -309,11 +309,6 @@ const CommandRow kDownloadCommands[] = {
     {IDC_DOWNLOAD_START, OnStart},
     {IDCANCEL,           OnCancel},
 };
-const CommandMap kDownloadCommandMap = MakeCommandMap(kDownloadCommands, kDefaultNone);
-
-LRESULT OnDownloadCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kDownloadCommandMap, dialog, wParam, lParam);
-}
 
 LRESULT OnTransferEvent(HWND dialog, UINT, WPARAM, LPARAM) {
   SessionOf(dialog).OnEvents();
@@ -327,20 +322,15 @@ LRESULT OnStallTimer(HWND dialog, UINT, WPARAM, LPARAM) {
 
 const MessageRow kDownloadMessages[] = {
     {WM_INITDIALOG,         OnDownloadInit},
-    {WM_COMMAND,            OnDownloadCommand},
     {kTransferEventMessage, OnTransferEvent},
     {WM_TIMER,              OnStallTimer},
 };
-const MessageMap kDownloadMessageMap = MakeMessageMap(kDownloadMessages, kDefaultNone);
-
-INT_PTR CALLBACK DownloadProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kDownloadMessageMap, dialog, message, wParam, lParam);
-}
 
 INT_PTR RunDialog(DownloadSession::Variant variant) {
   DownloadSession session(variant);
   HINSTANCE instance = App().instance ? App().instance : GetModuleHandleA(nullptr);
-  return DialogBoxParamA(instance, kDownloadDialogName, App().mainWindow, DownloadProc,
+  return DialogBoxParamA(instance, kDownloadDialogName, App().mainWindow,
+                         DialogProcedure<kDownloadMessages, kDownloadCommands>,
                          reinterpret_cast<LPARAM>(&session));
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "acquire/no_case.h"
+#include "base/file_name.h"
 
 namespace qb {
 namespace {
@@ -17,9 +18,6 @@ constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 // What cannot stand in one file name besides control characters.
 constexpr std::string_view kNotInFileName = "\\/:*?\"<>|";
 constexpr char kFileNameStandIn = '_';
-constexpr std::string_view kDeviceNames[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
-constexpr std::string_view kNumberedDevices[] = {"com", "lpt"};
-constexpr std::size_t kNumberedDeviceLength = 4;  // "com1"
 
 }  // namespace
 
@@ -65,18 +63,6 @@ std::string SavedFileName(const UrlSplit& split) {
       c = kFileNameStandIn;
   }
   return name;
-}
-
-bool IsDeviceName(std::string_view name) {
-  std::string_view base = name.substr(0, name.find('.'));
-  // Windows drops trailing blanks before it compares: "nul .htm" is NUL too.
-  while (!base.empty() && base.back() == ' ') base.remove_suffix(1);
-  for (std::string_view device : kDeviceNames)
-    if (EqualNoCase(base, device)) return true;
-  if (base.size() != kNumberedDeviceLength || base[3] < '0' || base[3] > '9') return false;
-  for (std::string_view device : kNumberedDevices)
-    if (StartsWithNoCase(base, device)) return true;
-  return false;
 }
 
 std::string_view ChooseDownloadFolder(std::string_view linksFolder, std::string_view dataHtmlRoot) {

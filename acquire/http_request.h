@@ -58,10 +58,6 @@ UrlSplit SplitUrl(std::string_view schemeless);
 // stream, the wildcards and control characters) becomes "_".
 std::string SavedFileName(const UrlSplit& split);
 
-// True when Windows opens a device for this file name, whatever its extension:
-// CON, PRN, AUX, NUL, COM0-9, LPT0-9, CONIN$, CONOUT$ before the first ".".
-bool IsDeviceName(std::string_view name);
-
 // The Links folder when it is long enough to be a real folder, else the root.
 std::string_view ChooseDownloadFolder(std::string_view linksFolder, std::string_view dataHtmlRoot);
 

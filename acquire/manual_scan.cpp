@@ -67,17 +67,10 @@ const CommandRow kManualUrlCommands[] = {
     {IDOK,     OnManualUrlOk},
     {IDCANCEL, EndDialogCancelled},
 };
-const CommandMap kManualUrlCommandMap = MakeCommandMap(kManualUrlCommands, kDefaultNone);
-
-LRESULT OnManualUrlCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kManualUrlCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kManualUrlMessages[] = {
     {WM_INITDIALOG, OnManualUrlInit},
-    {WM_COMMAND,    OnManualUrlCommand},
 };
-const MessageMap kManualUrlMessageMap = MakeMessageMap(kManualUrlMessages, kDefaultNone);
 
 }  // namespace
 
@@ -93,7 +86,8 @@ void RunManualScan(HWND owner) {
   if (!captured) {
     ManualUrlText() = kManualUrlStart;
     HINSTANCE instance = App().instance ? App().instance : GetModuleHandleA(nullptr);
-    DialogBoxParamA(instance, kManualUrlDialogName, owner, ManualUrlDialogProc, 0);
+    DialogBoxParamA(instance, kManualUrlDialogName, owner,
+                    DialogProcedure<kManualUrlMessages, kManualUrlCommands>, 0);
     return;
   }
   ManualUrlText() = Capped(std::move(*captured));
@@ -113,10 +107,6 @@ void RunManualScan(HWND owner) {
   }
   text += chosen->path;
   if (g_siteScan) g_siteScan(text);
-}
-
-INT_PTR CALLBACK ManualUrlDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kManualUrlMessageMap, dialog, message, wParam, lParam);
 }
 
 }  // namespace qb

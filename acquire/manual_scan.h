@@ -32,7 +32,4 @@ std::string& ManualUrlText();
 // without a word.
 void RunManualScan(HWND owner);
 
-// OK keeps edit 650 in ManualUrlText() and ends with 1 when it is not empty.
-INT_PTR CALLBACK ManualUrlDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-
 }  // namespace qb

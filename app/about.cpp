@@ -55,11 +55,6 @@ const CommandRow kAboutCommands[] = {
     {IDC_ABOUT_LINKS,     OnLinksPageCommand},
     {IDC_ABOUT_WEB_PAGE,  OnLinksPageCommand},
 };
-const CommandMap kAboutCommandMap = MakeCommandMap(kAboutCommands, kDefaultNone);
-
-LRESULT OnAboutCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kAboutCommandMap, dialog, wParam, lParam);
-}
 
 LRESULT OnAboutInit(HWND dialog, UINT, WPARAM, LPARAM) {
   if (HFONT font = NameFont())
@@ -73,14 +68,8 @@ LRESULT OnAboutInit(HWND dialog, UINT, WPARAM, LPARAM) {
 }
 
 const MessageRow kAboutMessages[] = {
-    {WM_COMMAND,          OnAboutCommand},
     {WM_INITDIALOG,       OnAboutInit},
 };
-const MessageMap kAboutMessageMap = MakeMessageMap(kAboutMessages, kDefaultNone);
-
-INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kAboutMessageMap, dialog, message, wParam, lParam);
-}
 
 }  // namespace
 
@@ -91,7 +80,8 @@ LRESULT OnLinksPageCommand(HWND, WORD, WORD, LPARAM) {
 }
 
 LRESULT OnAboutBoxCommand(HWND window, WORD, WORD, LPARAM) {
-  DialogBoxParamA(App().instance, "IDD_ABOUT", window, AboutDialogProc, 0);
+  DialogBoxParamA(App().instance, "IDD_ABOUT", window,
+                  DialogProcedure<kAboutMessages, kAboutCommands>, 0);
   return 0;
 }
 

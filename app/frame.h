@@ -31,8 +31,7 @@ int RunMessageLoop(HACCEL accelerators);
 bool IsEditControl(HWND window);
 int QuellbarrowMain(HINSTANCE instance, HINSTANCE previous, int showCommand);
 
-LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-extern const MessageMap kMainMessageMap;
+extern const WNDPROC MainWindowProc;
 extern const CommandMap kMainCommandMap;
 
 // Sets the on-top option and orders the main window by it; with `withViews` the

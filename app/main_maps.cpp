@@ -141,13 +141,11 @@ LRESULT OnMainDrawItem(HWND, UINT, WPARAM wParam, LPARAM lParam) {
   return FALSE;
 }
 
-const MessageMap kMainMessageMap = MakeMessageMap(kMainMessages, kDefaultWindowProc);
+const WNDPROC MainWindowProc = WindowProcedure<kMainMessages>;
 const CommandMap kMainCommandMap = MakeCommandMap(kMainCommands, kDefaultWindowProc);
 
-LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kMainMessageMap, window, message, wParam, lParam);
-}
-
+// A row of its own rather than the command table alone: a key pressed in a view may
+// stand for another command.
 LRESULT OnMainCommand(HWND window, UINT, WPARAM wParam, LPARAM lParam) {
   constexpr WORD kFromAccelerator = 1;
   if (HIWORD(wParam) == kFromAccelerator && lParam == 0) {

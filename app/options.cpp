@@ -32,7 +32,6 @@ const CommandRow kOptionsCommands[] = {
     {IDCANCEL,            EndDialogCancelled},
     {IDC_HELP_BUTTON,     OnOptionsHelp},
 };
-const CommandMap kOptionsCommandMap = MakeCommandMap(kOptionsCommands, kDefaultNone);
 
 LRESULT OnOptionsInit(HWND dialog, UINT, WPARAM, LPARAM) {
   const AppSettings& s = Settings();
@@ -43,25 +42,15 @@ LRESULT OnOptionsInit(HWND dialog, UINT, WPARAM, LPARAM) {
   return 1;
 }
 
-LRESULT OnOptionsCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  LookupCommand(kOptionsCommandMap, dialog, wParam, lParam);
-  return 1;
-}
-
 const MessageRow kOptionsMessages[] = {
     {WM_INITDIALOG,       OnOptionsInit},
-    {WM_COMMAND,          OnOptionsCommand},
 };
-const MessageMap kOptionsMessageMap = MakeMessageMap(kOptionsMessages, kDefaultNone);
 
 }  // namespace
 
-INT_PTR CALLBACK OptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kOptionsMessageMap, dialog, message, wParam, lParam);
-}
-
 LRESULT OnOptionsDialogCommand(HWND window, WORD, WORD, LPARAM) {
-  DialogBoxParamA(App().instance, "IDD_OPTIONS", window, OptionsDialogProc, 0);
+  DialogBoxParamA(App().instance, "IDD_OPTIONS", window,
+                  DialogProcedure<kOptionsMessages, kOptionsCommands>, 0);
   return 0;
 }
 

@@ -12,6 +12,4 @@ namespace qb {
 
 constexpr DWORD kOptionsHelpContext = 1208;
 
-INT_PTR CALLBACK OptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-
 }  // namespace qb

@@ -60,7 +60,6 @@ const BarKind kDatabaseBarKind = {
 };
 
 const MessageRow kDatabaseBarMessages[] = {
-    {WM_COMMAND,     OnBarCommandMessage},
     {WM_CREATE,      OnBarCreate},
     {WM_PAINT,       OnBarPaint},
     {WM_LBUTTONDOWN, OnBarLButtonDown},
@@ -70,12 +69,6 @@ const MessageRow kDatabaseBarMessages[] = {
     {WM_CLOSE,       OnBarClose},
     {WM_TIMER,       OnBarTimer},
 };
-const MessageMap kDatabaseBarMessageMap =
-    MakeMessageMap(kDatabaseBarMessages, kDefaultWindowProc);
-
-LRESULT CALLBACK DatabaseBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kDatabaseBarMessageMap, window, message, wParam, lParam);
-}
 
 }  // namespace
 
@@ -92,7 +85,7 @@ void InitDatabaseBarDescriptor(std::uint8_t side) {
 }
 
 bool RegisterDatabaseBarClass(HINSTANCE instance) {
-  return RegisterBarClass(instance, kDatabaseBarClass, DatabaseBarProc);
+  return RegisterBarClass(instance, kDatabaseBarClass, WindowProcedure<kDatabaseBarMessages>);
 }
 
 }  // namespace qb

@@ -14,11 +14,6 @@ using namespace bar_detail;
 
 namespace {
 
-const CommandRow kBarCommands[] = {
-    {0, nullptr},  // a bar has no commands of its own
-};
-const CommandMap kBarCommandMap = MakeCommandMap(kBarCommands, kDefaultWindowProc);
-
 CaptionMetrics g_captions;
 BarFrameHooks g_hooks;
 
@@ -204,10 +199,6 @@ bool BarCommandAvailable(WORD id) { return !g_hooks.commandAvailable || g_hooks.
 
 void ApplyFrameMenuState(HMENU menu) {
   if (g_hooks.applyMenuState) g_hooks.applyMenuState(menu);
-}
-
-LRESULT OnBarCommandMessage(HWND window, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kBarCommandMap, window, wParam, lParam);
 }
 
 LRESULT OnBarCreate(HWND, UINT, WPARAM, LPARAM) { return 0; }

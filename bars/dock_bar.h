@@ -178,7 +178,6 @@ void PressDatabaseButton(int number);
 void RefreshDatabaseCaptions();
 
 // Message handlers shared by both classes.
-LRESULT OnBarCommandMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnBarCreate(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnBarPaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnBarMouseMove(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

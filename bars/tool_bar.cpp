@@ -68,7 +68,6 @@ LRESULT OnToolBarRButtonDown(HWND window, UINT, WPARAM, LPARAM lParam) {
 }
 
 const MessageRow kToolBarMessages[] = {
-    {WM_COMMAND,     OnBarCommandMessage},
     {WM_CREATE,      OnBarCreate},
     {WM_PAINT,       OnBarPaint},
     {WM_MOUSEMOVE,   OnBarMouseMove},
@@ -79,11 +78,6 @@ const MessageRow kToolBarMessages[] = {
     {WM_CLOSE,       OnBarClose},
     {WM_TIMER,       OnBarTimer},
 };
-const MessageMap kToolBarMessageMap = MakeMessageMap(kToolBarMessages, kDefaultWindowProc);
-
-LRESULT CALLBACK ToolBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kToolBarMessageMap, window, message, wParam, lParam);
-}
 
 }  // namespace
 
@@ -93,7 +87,7 @@ void InitToolBarDescriptor(std::uint8_t side) {
 }
 
 bool RegisterToolBarClass(HINSTANCE instance) {
-  return RegisterBarClass(instance, kToolBarClass, ToolBarProc);
+  return RegisterBarClass(instance, kToolBarClass, WindowProcedure<kToolBarMessages>);
 }
 
 }  // namespace qb

@@ -40,20 +40,37 @@ constexpr ULONG_PTR kDialogClassAtom = 0x8002;
 
 bool IsDialog(HWND window) { return GetClassLongPtrA(window, GCW_ATOM) == kDialogClassAtom; }
 
+// A box a dialog raises is the dialog's: it stays disabled behind the box, so none of
+// its buttons can end it while the handler waits for the answer.
+template <typename Handler>
+LRESULT RunOwned(HWND window, Handler&& handler) {
+  if (!IsDialog(window)) return handler();
+  const MessageOwnerScope owner(window);
+  return handler();
+}
+
 }  // namespace
+
+LRESULT RunTables(const ProcedureTables& tables, HWND window, UINT message, WPARAM wParam,
+                  LPARAM lParam) {
+  const MessageMap& map = tables.messages;
+  for (std::int32_t i = 0; i < map.count; ++i) {
+    const MessageRow& row = map.rows[i];
+    if (row.message == message && row.handler)
+      return RunOwned(window, [&] { return row.handler(window, message, wParam, lParam); });
+  }
+  if (message == WM_COMMAND && tables.commands.count > 0)
+    return RunOwned(window, [&] { return LookupCommand(tables.commands, window, wParam, lParam); });
+  if (message == WM_NOTIFY && tables.notifications.count > 0)
+    return RunOwned(window,
+                    [&] { return LookupDialogNotify(tables.notifications, window, lParam); });
+  return DefaultProcedure(map.defaultSelector, window, message, wParam, lParam);
+}
 
 LRESULT LookupMessage(const MessageMap& map, HWND window, UINT message, WPARAM wParam,
                       LPARAM lParam) {
-  for (std::int32_t i = 0; i < map.count; ++i) {
-    const MessageRow& row = map.rows[i];
-    if (!(row.message == message && row.handler)) continue;
-    // A box a dialog raises is the dialog's: it stays disabled behind the box, so
-    // none of its buttons can end it while the handler waits for the answer.
-    if (!IsDialog(window)) return row.handler(window, message, wParam, lParam);
-    const MessageOwnerScope owner(window);
-    return row.handler(window, message, wParam, lParam);
-  }
-  return DefaultProcedure(map.defaultSelector, window, message, wParam, lParam);
+  return RunTables({map, CommandMap{0, nullptr, kDefaultNone}, NotifyMap{0, nullptr}}, window,
+                   message, wParam, lParam);
 }
 
 LRESULT LookupCommand(const CommandMap& map, HWND window, WPARAM wParam, LPARAM lParam) {

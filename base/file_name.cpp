@@ -7,8 +7,9 @@ namespace {
 
 constexpr std::string_view kForbidden = "\\/:*?\"<>|";
 constexpr unsigned char kFirstPrintable = 0x20;
-constexpr std::array<std::string_view, 4> kDevices = {"CON", "PRN", "AUX", "NUL"};
+constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
 constexpr std::array<std::string_view, 2> kNumberedDevices = {"COM", "LPT"};
+constexpr std::size_t kNumberedDeviceLength = 4;  // "COM1"
 
 bool SameNoCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
@@ -19,20 +20,18 @@ bool SameNoCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-// Windows opens the device for its name with any extension ("nul.txt") and with
-// blanks before the extension ("CON .htm").
+}  // namespace
+
 bool IsDeviceName(std::string_view name) {
   std::string_view stem = name.substr(0, name.find('.'));
   while (!stem.empty() && stem.back() == ' ') stem.remove_suffix(1);
   for (std::string_view device : kDevices)
     if (SameNoCase(stem, device)) return true;
-  if (stem.size() != 4 || stem[3] < '1' || stem[3] > '9') return false;
+  if (stem.size() != kNumberedDeviceLength || stem[3] < '0' || stem[3] > '9') return false;
   for (std::string_view device : kNumberedDevices)
     if (SameNoCase(stem.substr(0, 3), device)) return true;
   return false;
 }
-
-}  // namespace
 
 bool IsPlainFileName(std::string_view name) {
   if (name.empty() || name.back() == '.' || name.back() == ' ') return false;

@@ -10,7 +10,12 @@ namespace qb {
 // plain file there: empty; holding a path separator, a drive colon, a wildcard,
 // a character Windows forbids (" < > |) or a control character; "." and ".."
 // (any name ending in a dot or blank, which Windows drops); and the device names
-// CON, PRN, AUX, NUL, COM1-COM9 and LPT1-LPT9, with or without an extension.
+// of IsDeviceName.
 bool IsPlainFileName(std::string_view name);
+
+// True when Windows opens a device for this file name, whatever its extension and
+// with blanks before it ("nul.txt", "CON .htm"): CON, PRN, AUX, NUL, CONIN$, CONOUT$,
+// COM0-COM9 and LPT0-LPT9.
+bool IsDeviceName(std::string_view name);
 
 }  // namespace qb

@@ -293,11 +293,6 @@ const CommandRow kKeyEditorCommands[] = {
     {IDCANCEL,            OnKeyEditorCancel},
     {IDC_HELP_BUTTON,     OnKeyEditorHelp},
 };
-const CommandMap kKeyEditorCommandMap = MakeCommandMap(kKeyEditorCommands, kDefaultNone);
-
-LRESULT OnKeyEditorCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kKeyEditorCommandMap, dialog, wParam, lParam);
-}
 
 // The row's key becomes the one edited; its fields replace whatever the edits held.
 void LoadRow(HWND list, int row) {
@@ -371,22 +366,10 @@ const NotifyRow kKeyEditorNotifications[] = {
     {IDC_KEYEDIT_LIST,  LVN_ODFINDITEMA,   OnListFindItemA},
     {IDC_KEYEDIT_LIST,  LVN_ODFINDITEMW,   OnListFindItemW},
 };
-const NotifyMap kKeyEditorNotifyMap = MakeNotifyMap(kKeyEditorNotifications);
-
-LRESULT OnKeyEditorNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
-  return LookupDialogNotify(kKeyEditorNotifyMap, dialog, lParam);
-}
 
 const MessageRow kKeyEditorMessages[] = {
     {WM_INITDIALOG,  OnKeyEditorInit},
-    {WM_COMMAND,     OnKeyEditorCommand},
-    {WM_NOTIFY,      OnKeyEditorNotify},
 };
-const MessageMap kKeyEditorMessageMap = MakeMessageMap(kKeyEditorMessages, kDefaultNone);
-
-INT_PTR CALLBACK KeyEditorProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kKeyEditorMessageMap, dialog, message, wParam, lParam);
-}
 
 int KeyWithName(TextBlock name) {
   const KeyTable& keys = Keys();
@@ -405,8 +388,10 @@ int OpenKeyEditor(HWND owner, int mode, const std::string& name, const std::stri
   request.keyIndex = mode == kEditorModify ? SelectedMainKey() : kNoKey;
   request.name = name;
   request.description = description;
-  const INT_PTR result = DialogBoxParamA(App().instance, kKeyEditorDialogName, owner, KeyEditorProc,
-                                         reinterpret_cast<LPARAM>(&request));
+  const INT_PTR result = DialogBoxParamA(
+      App().instance, kKeyEditorDialogName, owner,
+      DialogProcedure<kKeyEditorMessages, kKeyEditorCommands, kKeyEditorNotifications>,
+      reinterpret_cast<LPARAM>(&request));
   g_newKey = KeyWithName(g_run.newKeyName);
   g_run = EditorRun{};
   return static_cast<int>(result);

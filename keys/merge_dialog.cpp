@@ -194,11 +194,6 @@ const CommandRow kMergeCommands[] = {
     {IDCANCEL,              OnMergeCancel},
     {IDC_HELP_BUTTON,       OnMergeHelp},
 };
-const CommandMap kMergeCommandMap = MakeCommandMap(kMergeCommands, kDefaultNone);
-
-LRESULT OnMergeCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kMergeCommandMap, dialog, wParam, lParam);
-}
 
 // A double click on a row previews its key.
 LRESULT PreviewRow(const NMHDR& header, WORD source) {
@@ -214,22 +209,10 @@ const NotifyRow kMergeNotifications[] = {
     {IDC_MERGE_CURRENT_LIST,  NM_DBLCLK,  OnCurrentListDoubleClick},
     {IDC_MERGE_LOADED_LIST,   NM_DBLCLK,  OnLoadedListDoubleClick},
 };
-const NotifyMap kMergeNotifyMap = MakeNotifyMap(kMergeNotifications);
-
-LRESULT OnMergeNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
-  return LookupDialogNotify(kMergeNotifyMap, dialog, lParam);
-}
 
 const MessageRow kMergeMessages[] = {
     {WM_INITDIALOG,  OnMergeInit},
-    {WM_COMMAND,     OnMergeCommand},
-    {WM_NOTIFY,      OnMergeNotify},
 };
-const MessageMap kMergeMessageMap = MakeMessageMap(kMergeMessages, kDefaultNone);
-
-INT_PTR CALLBACK MergeDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kMergeMessageMap, dialog, message, wParam, lParam);
-}
 
 LRESULT OnKeyValuesInit(HWND dialog, UINT, WPARAM, LPARAM packedKey) {
   const int index = LOWORD(packedKey);
@@ -254,21 +237,10 @@ const CommandRow kKeyValuesCommands[] = {
     {IDCANCEL,          EndDialogCancelled},
     {IDC_HELP_BUTTON,   OnKeyValuesHelp},
 };
-const CommandMap kKeyValuesCommandMap = MakeCommandMap(kKeyValuesCommands, kDefaultNone);
-
-LRESULT OnKeyValuesCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kKeyValuesCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kKeyValuesMessages[] = {
     {WM_INITDIALOG,  OnKeyValuesInit},
-    {WM_COMMAND,     OnKeyValuesCommand},
 };
-const MessageMap kKeyValuesMessageMap = MakeMessageMap(kKeyValuesMessages, kDefaultNone);
-
-INT_PTR CALLBACK KeyValuesDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kKeyValuesMessageMap, dialog, message, wParam, lParam);
-}
 
 }  // namespace
 
@@ -284,11 +256,13 @@ MergeDialogMemory& MergeMemory() {
 }
 
 INT_PTR RunMergeDialog(HWND owner) {
-  return DialogBoxParamA(App().instance, kMergeDialogName, owner, MergeDialogProc, 0);
+  return DialogBoxParamA(App().instance, kMergeDialogName, owner,
+                         DialogProcedure<kMergeMessages, kMergeCommands, kMergeNotifications>, 0);
 }
 
 INT_PTR RunKeyValuesDialog(HWND owner, LPARAM packedKey) {
-  return DialogBoxParamA(App().instance, kKeyValuesDialogName, owner, KeyValuesDialogProc, packedKey);
+  return DialogBoxParamA(App().instance, kKeyValuesDialogName, owner,
+                         DialogProcedure<kKeyValuesMessages, kKeyValuesCommands>, packedKey);
 }
 
 LRESULT OnAddCompareCommand(HWND window, WORD, WORD, LPARAM) {

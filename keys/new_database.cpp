@@ -57,21 +57,10 @@ const CommandRow kNewNameCommands[] = {
     {IDOK,     OnNewNameOk},
     {IDCANCEL, EndDialogCancelled},
 };
-const CommandMap kNewNameCommandMap = MakeCommandMap(kNewNameCommands, kDefaultNone);
-
-LRESULT OnNewNameCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kNewNameCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kNewNameMessages[] = {
     {WM_INITDIALOG, OnNewNameInit},
-    {WM_COMMAND,    OnNewNameCommand},
 };
-const MessageMap kNewNameMessageMap = MakeMessageMap(kNewNameMessages, kDefaultNone);
-
-INT_PTR CALLBACK NewNameDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kNewNameMessageMap, dialog, message, wParam, lParam);
-}
 
 // ---- IDD_NAMEKEY ----
 
@@ -223,11 +212,6 @@ const CommandRow kNewDatabaseCommands[] = {
     {IDCANCEL,           OnNewDatabaseCancel},
     {IDC_HELP_BUTTON,    OnNewDatabaseHelp},
 };
-const CommandMap kNewDatabaseCommandMap = MakeCommandMap(kNewDatabaseCommands, kDefaultNone);
-
-LRESULT OnNewDatabaseCommandMessage(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kNewDatabaseCommandMap, dialog, wParam, lParam);
-}
 
 // A double click moves the key across, as its button would.
 LRESULT OnNewDatabaseNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
@@ -240,23 +224,19 @@ LRESULT OnNewDatabaseNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
 
 const MessageRow kNewDatabaseMessages[] = {
     {WM_INITDIALOG, OnNewDatabaseInit},
-    {WM_COMMAND,    OnNewDatabaseCommandMessage},
     {WM_NOTIFY,     OnNewDatabaseNotify},
 };
-const MessageMap kNewDatabaseMessageMap = MakeMessageMap(kNewDatabaseMessages, kDefaultNone);
-
-INT_PTR CALLBACK NewDatabaseDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kNewDatabaseMessageMap, dialog, message, wParam, lParam);
-}
 
 }  // namespace
 
 INT_PTR RunNewNameDialog(HWND owner) {
-  return DialogBoxParamA(App().instance, kMakeDirDialogName, owner, NewNameDialogProc, 0);
+  return DialogBoxParamA(App().instance, kMakeDirDialogName, owner,
+                         DialogProcedure<kNewNameMessages, kNewNameCommands>, 0);
 }
 
 INT_PTR RunNewDatabaseDialog(HWND owner) {
-  return DialogBoxParamA(App().instance, kNameKeyDialogName, owner, NewDatabaseDialogProc, 0);
+  return DialogBoxParamA(App().instance, kNameKeyDialogName, owner,
+                         DialogProcedure<kNewDatabaseMessages, kNewDatabaseCommands>, 0);
 }
 
 }  // namespace qb

@@ -60,21 +60,10 @@ const CommandRow kNameCommands[] = {
     {IDOK,     OnNameOk},
     {IDCANCEL, EndDialogCancelled},
 };
-const CommandMap kNameCommandMap = MakeCommandMap(kNameCommands, kDefaultNone);
-
-LRESULT OnNameCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kNameCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kNameMessages[] = {
     {WM_INITDIALOG, OnNameInit},
-    {WM_COMMAND,    OnNameCommand},
 };
-const MessageMap kNameMessageMap = MakeMessageMap(kNameMessages, kDefaultNone);
-
-INT_PTR CALLBACK NameDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kNameMessageMap, dialog, message, wParam, lParam);
-}
 
 // ---- IDD_DELETEDIR
 
@@ -113,22 +102,11 @@ const CommandRow kDeleteCommands[] = {
     {IDOK,     OnDeleteConfirmed},
     {IDCANCEL, EndDialogCancelled},
 };
-const CommandMap kDeleteCommandMap = MakeCommandMap(kDeleteCommands, kDefaultNone);
-
-LRESULT OnDeleteCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kDeleteCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kDeleteMessages[] = {
     {WM_INITDIALOG, OnDeleteInit},
     {WM_PAINT,      OnDeletePaint},
-    {WM_COMMAND,    OnDeleteCommand},
 };
-const MessageMap kDeleteMessageMap = MakeMessageMap(kDeleteMessages, kDefaultNone);
-
-INT_PTR CALLBACK DeleteDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kDeleteMessageMap, dialog, message, wParam, lParam);
-}
 
 // ---- IDD_DESTINATION_DIR
 
@@ -228,27 +206,17 @@ const CommandRow kDestinationCommands[] = {
     {IDOK,     OnDestinationOk},
     {IDCANCEL, OnDestinationCancel},
 };
-const CommandMap kDestinationCommandMap = MakeCommandMap(kDestinationCommands, kDefaultNone);
-
-LRESULT OnDestinationCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kDestinationCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kDestinationMessages[] = {
     {WM_INITDIALOG, OnDestinationInit},
     {WM_NOTIFY,     OnDestinationNotify},
-    {WM_COMMAND,    OnDestinationCommand},
 };
-const MessageMap kDestinationMessageMap = MakeMessageMap(kDestinationMessages, kDefaultNone);
-
-INT_PTR CALLBACK DestinationDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kDestinationMessageMap, dialog, message, wParam, lParam);
-}
 
 }  // namespace
 
 INT_PTR RunNameDialog(HWND owner, NameRequest& request) {
-  return DialogBoxParamA(App().instance, kNameDialog, owner, NameDialogProc,
+  return DialogBoxParamA(App().instance, kNameDialog, owner,
+                         DialogProcedure<kNameMessages, kNameCommands>,
                          reinterpret_cast<LPARAM>(&request));
 }
 
@@ -259,7 +227,8 @@ bool& DeleteSubfoldersOption() {
 
 INT_PTR RunDeleteFolderDialog(HWND owner, const std::string& folder) {
   DeleteDialogData data{folder};
-  const INT_PTR result = DialogBoxParamA(App().instance, kDeleteDialog, owner, DeleteDialogProc,
+  const INT_PTR result = DialogBoxParamA(App().instance, kDeleteDialog, owner,
+                                         DialogProcedure<kDeleteMessages, kDeleteCommands>,
                                          reinterpret_cast<LPARAM>(&data));
   if (data.icon) DestroyIcon(data.icon);
   return result;
@@ -267,8 +236,9 @@ INT_PTR RunDeleteFolderDialog(HWND owner, const std::string& folder) {
 
 INT_PTR RunDestinationDialog(HWND owner, const std::string& root, std::string& chosen) {
   DestinationData data{root, root};
-  const INT_PTR result = DialogBoxParamA(App().instance, kDestinationDialog, owner,
-                                         DestinationDialogProc, reinterpret_cast<LPARAM>(&data));
+  const INT_PTR result = DialogBoxParamA(
+      App().instance, kDestinationDialog, owner,
+      DialogProcedure<kDestinationMessages, kDestinationCommands>, reinterpret_cast<LPARAM>(&data));
   if (result == 1) chosen = data.folder;
   return result;
 }

@@ -285,11 +285,6 @@ const CommandRow kNoMatchCommands[] = {
     {IDC_NOMATCH_CREATE,     OnNoMatchCreateNew},
     {IDC_HELP_BUTTON,        OnNoMatchHelp},
 };
-const CommandMap kNoMatchCommandMap = MakeCommandMap(kNoMatchCommands, kDefaultNone);
-
-LRESULT OnNoMatchCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kNoMatchCommandMap, dialog, wParam, lParam);
-}
 
 // The key list's own notifications. A double click on a key chooses it as OK
 // does; the Keys view's routine would open the key editor on the main window's
@@ -319,10 +314,8 @@ LRESULT OnNoMatchNotify(HWND dialog, UINT, WPARAM, LPARAM lParam) {
 
 const MessageRow kNoMatchMessages[] = {
     {WM_INITDIALOG, OnNoMatchInit},
-    {WM_COMMAND,    OnNoMatchCommand},
     {WM_NOTIFY,     OnNoMatchNotify},
 };
-const MessageMap kNoMatchMessageMap = MakeMessageMap(kNoMatchMessages, kDefaultNone);
 
 }  // namespace
 
@@ -331,15 +324,12 @@ PromptAnswer NoMatchDialog::Ask(const FormScan& scan, const PromptRequest& reque
   state.scan = &scan;
   state.request = &request;
   HINSTANCE instance = App().instance ? App().instance : GetModuleHandleA(nullptr);
-  const INT_PTR result = DialogBoxParamA(instance, kNoMatchDialogName, App().mainWindow, NoMatchDialogProc,
+  const INT_PTR result = DialogBoxParamA(instance, kNoMatchDialogName, App().mainWindow,
+                                         DialogProcedure<kNoMatchMessages, kNoMatchCommands>,
                                          reinterpret_cast<LPARAM>(&state));
   if (state.icons) ImageList_Destroy(state.icons);
   state.answer.result = result == 1 ? 1 : 0;
   return state.answer;
-}
-
-INT_PTR CALLBACK NoMatchDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kNoMatchMessageMap, dialog, message, wParam, lParam);
 }
 
 }  // namespace qb

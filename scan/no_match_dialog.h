@@ -27,6 +27,4 @@ class NoMatchDialog : public NoMatchPrompt {
   PromptAnswer Ask(const FormScan& scan, const PromptRequest& request) override;
 };
 
-INT_PTR CALLBACK NoMatchDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-
 }  // namespace qb

@@ -66,26 +66,16 @@ const CommandRow kScanOptionsCommands[] = {
     {IDCANCEL,            EndDialogCancelled},
     {IDC_HELP_BUTTON,     OnScanOptionsHelp},
 };
-const CommandMap kScanOptionsCommandMap = MakeCommandMap(kScanOptionsCommands, kDefaultNone);
-
-LRESULT OnScanOptionsCommand(HWND dialog, UINT, WPARAM wParam, LPARAM lParam) {
-  return LookupCommand(kScanOptionsCommandMap, dialog, wParam, lParam);
-}
 
 const MessageRow kScanOptionsMessages[] = {
     {WM_INITDIALOG,       OnScanOptionsInit},
-    {WM_COMMAND,          OnScanOptionsCommand},
 };
-const MessageMap kScanOptionsMessageMap = MakeMessageMap(kScanOptionsMessages, kDefaultNone);
 
 }  // namespace
 
-INT_PTR CALLBACK ScanOptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  return LookupMessage(kScanOptionsMessageMap, dialog, message, wParam, lParam);
-}
-
 INT_PTR RunScanOptionsDialog(HWND owner) {
-  return DialogBoxParamA(App().instance, kScanOptionsDialogName, owner, ScanOptionsDialogProc, 0);
+  return DialogBoxParamA(App().instance, kScanOptionsDialogName, owner,
+                         DialogProcedure<kScanOptionsMessages, kScanOptionsCommands>, 0);
 }
 
 }  // namespace qb

@@ -13,6 +13,4 @@ constexpr DWORD kScanOptionsHelpContext = 1604;
 // Modal, owned by `owner`: 1 after OK (the settings changed), 0 after Cancel.
 INT_PTR RunScanOptionsDialog(HWND owner);
 
-INT_PTR CALLBACK ScanOptionsDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-
 }  // namespace qb

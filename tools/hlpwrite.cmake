@@ -3,10 +3,17 @@
 set(QB_HLPWRITE_SOURCES
     ${CMAKE_CURRENT_SOURCE_DIR}/hlpwrite.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/help_source.cpp
-    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_writer.cpp)
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_writer.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_topic.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_blocks.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_directory.cpp)
 set(QB_HLPWRITE_HEADERS
     ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/help_source.h
-    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_writer.h)
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_writer.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_topic.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_blocks.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_bytes.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/helpfile/hlp_directory.h)
 qb_tool(NAME hlpwrite SOURCES ${QB_HLPWRITE_SOURCES})
 
 set(QB_HELP_TOPICS

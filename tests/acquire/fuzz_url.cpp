@@ -13,6 +13,7 @@
 #include "acquire/http_request.h"
 #include "acquire/pasted_address.h"
 #include "acquire/web_address.h"
+#include "base/file_name.h"
 
 namespace {
 

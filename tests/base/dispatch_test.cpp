@@ -49,14 +49,13 @@ class Dispatch : public ::testing::Test {
   HWND window_ = nullptr;
 };
 
-TEST_F(Dispatch, FirstMatchingRowWinsAndCommandsKeepTheirHighWord) {
-  const MessageMap messages = MakeMessageMap(kRows, kDefaultNone);
-  EXPECT_EQ(LookupMessage(messages, window_, WM_USER + 1, 7, 8), 10);
-  EXPECT_EQ(LookupMessage(messages, window_, WM_USER + 2, 0, 0), 20);
-  const CommandMap commands = MakeCommandMap(kCommands, kDefaultNone);
-  EXPECT_EQ(LookupCommand(commands, window_, MAKEWPARAM(50302, 1), 99), 11);  // accelerator
-  EXPECT_EQ(LookupCommand(commands, window_, MAKEWPARAM(50303, 0), 0), 21);   // menu
-  EXPECT_EQ(LookupCommand(commands, window_, MAKEWPARAM(0, 0), 0), 0);        // handler-less row
+TEST_F(Dispatch, TheTablesProcedureRunsTheFirstMatchingRowAndCommandsKeepTheirHighWord) {
+  const DLGPROC procedure = DialogProcedure<kRows, kCommands>;
+  EXPECT_EQ(procedure(window_, WM_USER + 1, 7, 8), 10);
+  EXPECT_EQ(procedure(window_, WM_USER + 2, 0, 0), 20);
+  EXPECT_EQ(procedure(window_, WM_COMMAND, MAKEWPARAM(50302, 1), 99), 11);  // accelerator
+  EXPECT_EQ(procedure(window_, WM_COMMAND, MAKEWPARAM(50303, 0), 0), 21);   // menu
+  EXPECT_EQ(procedure(window_, WM_COMMAND, MAKEWPARAM(0, 0), 0), 0);        // handler-less row
   EXPECT_EQ(g_calls, (std::vector<Call>{{1, WM_USER + 1, 7, 8},
                                         {2, WM_USER + 2, 0, 0},
                                         {1, 50302, 1, 99},

@@ -18,7 +18,6 @@ TEST(PlainFileName, RefusesNamesThatLeaveTheFolderOrNameADevice) {
       {"a.b.c", true},
       {"console", true},   // only the bare device names are devices
       {"COM10", true},
-      {"LPT0.htm", true},
       {"", false},
       {".", false},
       {"..", false},
@@ -44,6 +43,8 @@ TEST(PlainFileName, RefusesNamesThatLeaveTheFolderOrNameADevice) {
       {"aux", false},
       {"com1", false},
       {"LPT9.htm", false},
+      {"LPT0.htm", false},
+      {"conin$", false},
   };
   for (const Case& c : cases) EXPECT_EQ(IsPlainFileName(c.name), c.plain) << '"' << c.name << '"';
 }

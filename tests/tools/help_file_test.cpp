@@ -10,6 +10,7 @@
 #include "tests/support/temp_dir.h"
 #include "tests/tools/hlp_reader.h"
 #include "tools/helpfile/help_source.h"
+#include "tools/helpfile/hlp_directory.h"
 #include "tools/helpfile/hlp_writer.h"
 
 namespace qb::help {

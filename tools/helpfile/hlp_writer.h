@@ -6,6 +6,9 @@
 // through the internal directory, itself a B+ tree. Topic text is not compressed:
 // each 4 KB topic block carries LZ77 literals only, so topic positions follow the
 // 16 KB-per-block addressing that every reader of compressed files agrees on.
+//
+// The pieces: hlp_topic (the topic text), hlp_blocks (the compressed blocks of
+// |TOPIC), hlp_directory (the B+ trees and the file's directory).
 #pragma once
 
 #include <cstddef>
@@ -27,16 +30,5 @@ std::int32_t ContextHash(const std::string& name);
 // The whole file; false with `error` when the project can't be written (no topics,
 // two context names with one hash, a context number given twice, a jump to no topic).
 bool WriteHelpFile(const Project& project, std::vector<std::uint8_t>& out, std::string& error);
-
-// A B+ tree as the help file keeps its indexes: leaf pages of (key, value) entries
-// in key order, index pages of (first key of a child, child page) above them.
-// `entries` must be sorted as the tree's readers compare keys. Empty when an entry
-// or an index entry can't fit in a page.
-struct BTreeEntry {
-  std::vector<std::uint8_t> key;
-  std::vector<std::uint8_t> value;
-};
-std::vector<std::uint8_t> BuildBTree(const std::vector<BTreeEntry>& entries, std::uint16_t pageSize,
-                                     std::uint16_t flags, const char* structure);
 
 }  // namespace qb::help
