@@ -25,7 +25,7 @@ constexpr UINT kStallCheckMilliseconds = 1000;
 constexpr DWORD kStallLimitMilliseconds = kStallLimitSeconds * 1000;
 constexpr std::uint32_t kBytesPerMegabyte = 1024 * 1024;
 constexpr char kTooLargeFormat[] =
-    "This HTML document is larger than %u MB, so the download was stopped.\n"
+    "This HTML document is larger than %u MB,\nso the download was stopped.\n"
     "The part received so far has been removed.";
 
 std::string& LastStatusText() {
