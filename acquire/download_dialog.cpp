@@ -252,8 +252,12 @@ class DownloadSession {
 
   void Show() {
     LastStatusText() = status_.text();
-    SetDlgItemTextA(dialog_, IDC_DOWNLOAD_STATUS, status_.text().c_str());
-    UpdateWindow(GetDlgItem(dialog_, IDC_DOWNLOAD_STATUS));
+    HWND box = GetDlgItem(dialog_, IDC_DOWNLOAD_STATUS);
+    SetWindowTextA(box, status_.text().c_str());
+    // New text starts at the top; redirects can add more lines than the box holds,
+    // and the latest is the one that tells how the transfer is going.
+    SendMessageA(box, EM_LINESCROLL, 0, SendMessageA(box, EM_GETLINECOUNT, 0, 0));
+    UpdateWindow(box);
   }
 
   Variant variant_;

@@ -206,6 +206,41 @@ TEST_F(Acquire, AnswerWithoutEndStopsAtTheSizeLimitAndLeavesNoFile) {
   EXPECT_FALSE(FileExists(dir.File("127.0.0.1.endless.htm.htm")));
 }
 
+// A redirect that never ends writes more status lines than the box holds: the
+// latest one is still in sight when the message about it comes.
+TEST_F(Acquire, StatusBoxKeepsItsLatestLineInSight) {
+  LoopbackReply again;
+  again.chunks = {"HTTP/1.0 302 Found\r\nLocation: http://127.0.0.1/again.htm\r\n\r\n"};
+  LoopbackServer server(again);
+  ASSERT_TRUE(server.listening()) << server.error();
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/again.htm"), PrepareStatus::kReady);
+  LRESULT lines = 0;
+  int lastLineTop = -1, lineHeight = 0;
+  RECT box{};
+  const auto look = [&](HWND message, const WindowSnapshot&) {
+    HWND status = GetDlgItem(GetWindow(message, GW_OWNER), IDC_DOWNLOAD_STATUS);
+    const std::string text = WindowText(status);
+    lines = SendMessageA(status, EM_GETLINECOUNT, 0, 0);
+    const LRESULT secondLine = SendMessageA(status, EM_LINEINDEX, 1, 0);
+    lineHeight = static_cast<short>(HIWORD(SendMessageA(status, EM_POSFROMCHAR, secondLine, 0))) -
+                 static_cast<short>(HIWORD(SendMessageA(status, EM_POSFROMCHAR, 0, 0)));
+    const LRESULT last = SendMessageA(status, EM_POSFROMCHAR, text.find_last_not_of("\r\n"), 0);
+    lastLineTop = static_cast<short>(HIWORD(last));
+    GetClientRect(status, &box);
+    ClickButton(message, IDOK);
+  };
+  INT_PTR ended = -1;
+  ModalOptions options;
+  options.passOver = IsDownloadDialog;
+  const ModalResult result = RunModal([&] { ended = DownloadPage(); }, {Custom(look)}, options);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(ended, kDownloadRefused);
+  ASSERT_GT(lineHeight, 0);
+  EXPECT_GT(lines * lineHeight, box.bottom);  // more than it holds
+  EXPECT_GE(lastLineTop, 0);
+  EXPECT_LE(lastLineTop + lineHeight, box.bottom);
+}
+
 TEST_F(Acquire, LocalFileThatCannotBeCreatedTransfersNothing) {
   SetCurrentLinksFolder(dir.path() + "\\missing\\");
   ASSERT_EQ(PreparePageDownload("http://127.0.0.1/a.htm"), PrepareStatus::kReady);
