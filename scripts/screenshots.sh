@@ -242,9 +242,9 @@ run "$driver" hover ToolBar 124 15
 shot scan-clipboard-button "$geometry"
 finish
 
-# Downloads from a loopback site: a page that trickles in slowly, one larger than
-# the size limit, a redirect that never ends, a form, and over HTTPS a certificate
-# that has expired.
+# Downloads from a loopback site: a page that moved and trickles in slowly, one
+# larger than the size limit, a redirect that never ends, a form, and over HTTPS a
+# certificate that has expired.
 python3 - "$root/resources/sample/order_form.htm" >"$work/site.log" 2>&1 <<'PY' &
 import http.server, os, ssl, sys, threading, time, urllib.parse
 form = open(sys.argv[1], 'rb').read()
@@ -252,9 +252,12 @@ class Site(http.server.BaseHTTPRequestHandler):
     protocol_version = 'HTTP/1.0'
     def do_GET(self):
         path = urllib.parse.urlsplit(self.path).path  # the program asks by the whole address
+        moved = {'/shop/catalogue.htm': '/slow/catalogue.htm'}.get(path)
         if path.startswith('/loop/'):
+            moved = '/loop/%d' % (int(path[6:]) + 1)
+        if moved:
             self.send_response(302)
-            self.send_header('Location', '/loop/%d' % (int(path[6:]) + 1))
+            self.send_header('Location', moved)
             self.end_headers()
             return
         self.send_response(200)
@@ -289,12 +292,12 @@ site_pid=$!
 until grep -q ready "$work/site.log"; do kill -0 "$site_pid" || { cat "$work/site.log"; exit 1; }; sleep 0.2; done
 site=http://127.0.0.1
 
-# The download dialog while a page trickles in; Esc cancels it, and the main
+# The download dialog while a page that moved trickles in; Esc cancels it, and the main
 # window is in front again with its focus where it was.
 prepare 0 0 0
 start
 geometry=$(run "$driver" wait Quellbarrow)
-run "$driver" clipboard "$site/slow/catalogue.htm"
+run "$driver" clipboard "$site/shop/catalogue.htm"
 run "$driver" command 50506
 downloading="Quellbarrow - Downloading HTML document"
 dialog_geometry=$(run "$driver" dialog "$downloading")
