@@ -25,7 +25,7 @@ constexpr UINT kStallCheckMilliseconds = 1000;
 constexpr DWORD kStallLimitMilliseconds = kStallLimitSeconds * 1000;
 constexpr std::uint32_t kBytesPerMegabyte = 1024 * 1024;
 constexpr char kTooLargeFormat[] =
-    "This HTML document is larger than %u MB, so the download was stopped.\n"
+    "This HTML document is larger than %u MB,\nso the download was stopped.\n"
     "The part received so far has been removed.";
 
 std::string& LastStatusText() {
@@ -270,8 +270,12 @@ class DownloadSession {
 
   void Show() {
     LastStatusText() = status_.text();
-    SetDlgItemTextA(dialog_, IDC_DOWNLOAD_STATUS, status_.text().c_str());
-    UpdateWindow(GetDlgItem(dialog_, IDC_DOWNLOAD_STATUS));
+    HWND box = GetDlgItem(dialog_, IDC_DOWNLOAD_STATUS);
+    SetWindowTextA(box, status_.text().c_str());
+    // New text starts at the top; redirects can add more lines than the box holds,
+    // and the latest is the one that tells how the transfer is going.
+    SendMessageA(box, EM_LINESCROLL, 0, SendMessageA(box, EM_GETLINECOUNT, 0, 0));
+    UpdateWindow(box);
   }
 
   Variant variant_;

@@ -174,7 +174,7 @@ std::string CertificateFailureText(std::string_view host, CertificateProblem pro
     case CertificateProblem::kOther: break;
   }
   std::string text = "The certificate of ";
-  text.append(host).append(" can not be verified: ").append(reason);
+  text.append(host).append(" can not be verified:\n").append(reason);
   text += ".\nThe page was not downloaded and nothing was sent to the server.";
   return text;
 }

@@ -54,6 +54,8 @@ LRESULT OnMainClose(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainDestroy(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnSysColorChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnDisplayChange(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// Gives the keyboard back to the control that had it when the window was left.
+LRESULT OnMainActivate(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // WM_NOTIFY and WM_DRAWITEM of the two list views, passed on by control id.
 LRESULT OnMainNotify(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT OnMainDrawItem(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -35,6 +35,7 @@ const MessageRow kMainMessages[] = {
     {WM_SYSCOLORCHANGE, OnSysColorChange},
     {WM_DISPLAYCHANGE,  OnDisplayChange},
     {WM_CAPTURECHANGED, OnMainCaptureChanged},
+    {WM_ACTIVATE,       OnMainActivate},
 };
 
 const CommandRow kMainCommands[] = {

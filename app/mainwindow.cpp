@@ -132,6 +132,28 @@ LRESULT OnDisplayChange(HWND, UINT, WPARAM, LPARAM lParam) {
   return 0;
 }
 
+// The control that had the keyboard when a modal window or another program took
+// over; the system's own handling would give the focus to the frame, where keys
+// reach neither list.
+namespace {
+HWND g_focusBeforeLeaving = nullptr;
+}  // namespace
+
+LRESULT OnMainActivate(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (LOWORD(wParam) == WA_INACTIVE) {
+    // Kept when the focus is already gone: a window being disabled loses it first.
+    HWND focus = GetFocus();
+    if (focus && IsChild(window, focus)) g_focusBeforeLeaving = focus;
+    return 0;
+  }
+  HWND back = g_focusBeforeLeaving;
+  if (!HIWORD(wParam) && back && IsChild(window, back) && IsWindowVisible(back) && IsWindowEnabled(back)) {
+    SetFocus(back);
+    return 0;
+  }
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
 // The File menu. It has no branch for E&xit: choosing it does nothing, and the
 // program is closed through the window's close command.
 LRESULT OnFileCommand(HWND, WORD, WORD, LPARAM) { return 0; }

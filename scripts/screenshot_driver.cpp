@@ -21,6 +21,11 @@
 //   screenshot_driver menu LETTER [DOWNS]   opens the menu of mnemonic LETTER, moves DOWNS items down
 //   screenshot_driver pickrow ID ROW        selects row ROW of the main window's list view ID by keys
 //   screenshot_driver rclick ID X Y         right-clicks client point (X, Y) of the main window's child ID
+//   screenshot_driver clipboard TEXT        puts TEXT on the clipboard, as a browser's copy of its address does
+//   screenshot_driver dlgkey TITLE VK       presses key VK in the control of that dialog that has the focus
+//   screenshot_driver dismiss CLASS         closes the visible top-level window of CLASS (a browser's)
+//   screenshot_driver focus                 prints the active window's caption, its owner's, and the class
+//                                           and ID of the control with the keyboard focus
 #include <windows.h>
 
 #include <cstdio>
@@ -232,6 +237,59 @@ int main(int argc, char** argv) {
           return wanted.second;
         },
         90));
+  }
+  if (!std::strcmp(what, "clipboard") && argc == 3) {
+    const std::size_t size = std::strlen(argv[2]) + 1;
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, size);
+    if (!block) return 1;
+    std::memcpy(GlobalLock(block), argv[2], size);
+    GlobalUnlock(block);
+    if (!OpenClipboard(nullptr)) return 1;
+    EmptyClipboard();
+    const bool placed = SetClipboardData(CF_TEXT, block) != nullptr;
+    CloseClipboard();
+    return placed ? 0 : 1;
+  }
+  if (!std::strcmp(what, "dismiss") && argc == 3) {
+    const std::string wanted = argv[2];
+    HWND w = WaitFor(
+        [&](HWND w) {
+          char cls[64] = {};
+          GetClassNameA(w, cls, sizeof(cls));
+          return wanted == cls;
+        },
+        30);
+    if (!w) return 1;
+    PostMessageA(w, WM_CLOSE, 0, 0);
+    for (int i = 0; i < 100 && IsWindow(w); ++i) Sleep(100);
+    Sleep(700);  // what was behind it paints
+    return IsWindow(w) ? 1 : 0;
+  }
+  if (!std::strcmp(what, "focus") && argc == 2) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    HWND active = GetForegroundWindow();
+    if (!active || !GetGUIThreadInfo(GetWindowThreadProcessId(active, nullptr), &info)) return 1;
+    char cls[64] = {};
+    if (info.hwndFocus) GetClassNameA(info.hwndFocus, cls, sizeof(cls));
+    HWND owner = GetWindow(active, GW_OWNER);
+    std::printf("active \"%s\" owner \"%s\" focus %s %d\n", TextOf(active).c_str(),
+                owner ? TextOf(owner).c_str() : "", cls, info.hwndFocus ? GetDlgCtrlID(info.hwndFocus) : 0);
+    return 0;
+  }
+  if (!std::strcmp(what, "dlgkey") && argc == 4) {
+    HWND d = FindDialog(argv[2]);
+    if (!d) return 1;
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    if (!GetGUIThreadInfo(GetWindowThreadProcessId(d, nullptr), &info) || !info.hwndFocus) return 1;
+    // Posted to the focused control as the keyboard would: the dialog's own
+    // message loop turns Esc, Tab and Enter into its commands.
+    const WPARAM vk = static_cast<WPARAM>(std::atoi(argv[3]));
+    PostMessageA(info.hwndFocus, WM_KEYDOWN, vk, 1);
+    PostMessageA(info.hwndFocus, WM_KEYUP, vk, 0xC0000001);
+    Sleep(500);
+    return 0;
   }
   HWND main = FindVisible("Quellbarrow");
   if (!main) return 1;

@@ -8,12 +8,21 @@
 # about box. Needs the product build.
 #   scripts/screenshots.sh [OUT_DIR]      (QB_BUILD_DIR as for scripts/build.sh)
 # Then the sample database listed in the Keys view, the key list's pop-up menu and
-# New database's dialog with two keys chosen; last the Tools menu and the tool bar
-# button of "Scan Address from Clipboard".
+# New database's dialog with two keys chosen; the Tools menu and the tool bar
+# button of "Scan Address from Clipboard". Last, downloads from a loopback site
+# (needs ports 80 and 443, so root in a network namespace of its own): the
+# download dialog while a page trickles in and the main window after Esc cancelled
+# it; the messages of a page past the size limit, an expired certificate and a
+# redirect that never ends, each over the dialog that raised it; the how-to
+# message of "Scan Address from Clipboard" with no address on the clipboard;
+# "Scan HTML"'s offer of the clipboard's address, and the main window after that
+# scan once the browser is closed.
 # Writes OUT_DIR/{both-bars-top,toolbar-left-databases-floating,vertical,options,
 # add-compare,preview,links-root,links-folder,links-menu,help-contents,
 # help-key-editor,about,key-editor,keys-listed,keys-popup,new-database,tools-menu,
-# scan-clipboard-button}.png
+# scan-clipboard-button,downloading,download-cancelled,download-too-large,
+# certificate-refused,redirect-limit,clipboard-how-to,clipboard-question,
+# after-scan}.png
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${QB_BUILD_DIR:-$root/build}
@@ -25,6 +34,7 @@ driver=$work/screenshot_driver.exe
 session_started=0
 cleanup() {
   if [ -n "${app_pid:-}" ]; then kill "$app_pid" 2>/dev/null || true; fi
+  if [ -n "${site_pid:-}" ]; then kill "$site_pid" 2>/dev/null || true; fi
   if [ "$session_started" = 1 ]; then "$root/scripts/wine-session.sh" stop "$win"; fi
   rm -rf "$work"
 }
@@ -71,6 +81,15 @@ finish() {
 shot() {  # name geometry
   import -window root -crop "$2" +repage "$out/$1.png"
   echo "$out/$1.png"
+}
+
+union() {  # geometry geometry: the smallest one holding both
+  local aw ah ax ay bw bh bx by
+  IFS='x+' read -r aw ah ax ay <<<"$1"
+  IFS='x+' read -r bw bh bx by <<<"$2"
+  local l=$((ax < bx ? ax : bx)) t=$((ay < by ? ay : by))
+  local r=$((ax + aw > bx + bw ? ax + aw : bx + bw)) b=$((ay + ah > by + bh ? ay + ah : by + bh))
+  echo "$((r - l))x$((b - t))+$l+$t"
 }
 
 # Grips: 10,15 on a bar docked at the top, 15,6 on one docked at a side.
@@ -221,4 +240,119 @@ start
 geometry=$(run "$driver" wait Quellbarrow)
 run "$driver" hover ToolBar 124 15
 shot scan-clipboard-button "$geometry"
+finish
+
+# Downloads from a loopback site: a page that moved and trickles in slowly, one
+# larger than the size limit, a redirect that never ends, a form, and over HTTPS a
+# certificate that has expired.
+python3 - "$root/resources/sample/order_form.htm" >"$work/site.log" 2>&1 <<'PY' &
+import http.server, os, ssl, sys, threading, time, urllib.parse
+form = open(sys.argv[1], 'rb').read()
+class Site(http.server.BaseHTTPRequestHandler):
+    protocol_version = 'HTTP/1.0'
+    def do_GET(self):
+        path = urllib.parse.urlsplit(self.path).path  # the program asks by the whole address
+        moved = {'/shop/catalogue.htm': '/slow/catalogue.htm'}.get(path)
+        if path.startswith('/loop/'):
+            moved = '/loop/%d' % (int(path[6:]) + 1)
+        if moved:
+            self.send_response(302)
+            self.send_header('Location', moved)
+            self.end_headers()
+            return
+        self.send_response(200)
+        self.send_header('Content-Type', 'text/html')
+        self.end_headers()
+        if path == '/slow/catalogue.htm':
+            for i in range(600):
+                self.wfile.write(b'<p>%05d</p>\n' % i)
+                self.wfile.flush()
+                time.sleep(0.2)
+        elif path == '/large/archive.htm':
+            chunk = b'<p>' + b'x' * 65530 + b'</p>\n'
+            for i in range(34 * 16):
+                self.wfile.write(chunk)
+        else:
+            self.wfile.write(form)
+    def log_message(self, *args):
+        pass
+class Server(http.server.ThreadingHTTPServer):
+    daemon_threads = True
+secure = Server(('127.0.0.1', 443), Site)
+context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+tls = os.environ.get('QB_TEST_TLS_DIR', '/etc/quellbarrow-test-tls')
+context.load_cert_chain(os.path.join(tls, 'localhost-expired.crt'), os.path.join(tls, 'localhost-expired.key'))
+secure.socket = context.wrap_socket(secure.socket, server_side=True)
+threading.Thread(target=secure.serve_forever, daemon=True).start()
+plain = Server(('127.0.0.1', 80), Site)
+print('ready', flush=True)
+plain.serve_forever()
+PY
+site_pid=$!
+until grep -q ready "$work/site.log"; do kill -0 "$site_pid" || { cat "$work/site.log"; exit 1; }; sleep 0.2; done
+site=http://127.0.0.1
+
+# The download dialog while a page that moved trickles in; Esc cancels it, and the main
+# window is in front again with its focus where it was.
+prepare 0 0 0
+start
+geometry=$(run "$driver" wait Quellbarrow)
+run "$driver" clipboard "$site/shop/catalogue.htm"
+run "$driver" command 50506
+downloading="Quellbarrow - Downloading HTML document"
+dialog_geometry=$(run "$driver" dialog "$downloading")
+shot downloading "$dialog_geometry"
+run "$driver" focus   # where the keyboard is: on Cancel
+run "$driver" dlgkey "$downloading" 27
+shot download-cancelled "$geometry"
+run "$driver" focus
+finish
+
+# Messages that stop a download, each over the download dialog that raised it: a
+# page past the size limit, a certificate that has expired, a redirect that never
+# ends. Dialogs and boxes stand in the middle of the screen: these shots and the
+# next hold both them and the main window.
+prepare 0 0 0
+start
+geometry=$(union "$(run "$driver" wait Quellbarrow)" "$dialog_geometry")
+for page in "$site/large/archive.htm download-too-large" \
+    "https://localhost/order/form.htm certificate-refused" "$site/loop/0 redirect-limit"; do
+  run "$driver" clipboard "${page% *}"
+  run "$driver" command 50506
+  run "$driver" dialog Error >/dev/null
+  shot "${page#* }" "$geometry"
+  run "$driver" focus   # the box is owned by the download dialog
+  run "$driver" click Error 1
+done
+finish
+
+# "Scan Address from Clipboard" with no address there: how to put one there.
+prepare 0 0 0
+start
+geometry=$(union "$(run "$driver" wait Quellbarrow)" "$dialog_geometry")
+run "$driver" clipboard "Order form"
+run "$driver" command 50506
+run "$driver" dialog Quellbarrow >/dev/null
+shot clipboard-how-to "$geometry"
+run "$driver" click Quellbarrow 1
+finish
+
+# "Scan HTML" with no browser open and an address on the clipboard: the offer to
+# scan it; taken, the sample form is downloaded and filled with the sample
+# database's first key chosen. Then the main window once the browser showing the
+# filled page is closed.
+prepare 0 0 0
+run "$win/tools/makekeydb.exe" "$root/resources/sample/keys.txt" "$work/app/Databases/Data.dat" >/dev/null
+start
+geometry=$(union "$(run "$driver" wait Quellbarrow)" "$dialog_geometry")
+run "$driver" hover Quellbarrow 400 500   # the pointer rests on the status bar, away from tool tips
+run "$driver" pickrow 2901 0
+run "$driver" clipboard "$site/order/form.htm"
+run "$driver" command 50500
+run "$driver" dialog Quellbarrow >/dev/null
+shot clipboard-question "$geometry"
+run "$driver" click Quellbarrow 6
+run "$driver" dismiss IEFrame
+shot after-scan "$geometry"
+run "$driver" focus
 finish

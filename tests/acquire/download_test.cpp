@@ -159,6 +159,34 @@ TEST_F(Acquire, CancelEndsASilentTransferAtOnceAndRemovesItsFile) {
   EXPECT_FALSE(FileExists(dir.File("127.0.0.1.slow.htm.htm")));
 }
 
+// The keyboard's focus is on Cancel, which is also the default button, so both
+// Esc and Enter end a transfer that hangs.
+TEST_F(Acquire, EscAndEnterReachCancelFromTheKeyboard) {
+  LoopbackReply silent;
+  silent.silent = true;
+  LoopbackServer server(silent);
+  ASSERT_TRUE(server.listening()) << server.error();
+  for (const WPARAM key : {VK_ESCAPE, VK_RETURN}) {
+    SCOPED_TRACE(key);
+    ASSERT_EQ(PreparePageDownload("http://127.0.0.1/slow.htm"), PrepareStatus::kReady);
+    INT_PTR ended = -1;
+    const auto pressKey = [&](HWND dialog, const WindowSnapshot&) {
+      EXPECT_TRUE(StatusShows(dialog, "Connecting to: 127.0.0.1/slow.htm\r\n" + kSent));
+      GUITHREADINFO info{};
+      info.cbSize = sizeof(info);
+      ASSERT_TRUE(GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info));
+      EXPECT_EQ(info.hwndFocus, GetDlgItem(dialog, IDCANCEL));
+      EXPECT_EQ(LOWORD(SendMessageA(dialog, DM_GETDEFID, 0, 0)), IDCANCEL);
+      // As the keyboard delivers it: to the focused control, through the dialog's loop.
+      PostMessageA(info.hwndFocus, WM_KEYDOWN, key, 1);
+      PostMessageA(info.hwndFocus, WM_KEYUP, key, 0xC0000001);
+    };
+    const ModalResult result = RunModal([&] { ended = DownloadPage(); }, {Custom(pressKey)});
+    ASSERT_TRUE(result.ok()) << result.Describe();
+    EXPECT_EQ(ended, kDownloadCancelled);
+  }
+}
+
 TEST_F(Acquire, AnswerWithoutEndStopsAtTheSizeLimitAndLeavesNoFile) {
   LoopbackReply endless;
   endless.chunks = {"HTTP/1.0 200 OK\r\n\r\n"};
@@ -173,10 +201,45 @@ TEST_F(Acquire, AnswerWithoutEndStopsAtTheSizeLimitAndLeavesNoFile) {
   const ModalResult result = RunModal([&] { ended = DownloadPage(); }, {Press("OK")}, options);
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(result.seen.at(0).MessageText(),
-            "This HTML document is larger than 32 MB, so the download was stopped.\n"
+            "This HTML document is larger than 32 MB,\nso the download was stopped.\n"
             "The part received so far has been removed.");
   EXPECT_EQ(ended, kDownloadTooLarge);
   EXPECT_FALSE(FileExists(dir.File("127.0.0.1.endless.htm.htm")));
+}
+
+// A redirect that never ends writes more status lines than the box holds: the
+// latest one is still in sight when the message about it comes.
+TEST_F(Acquire, StatusBoxKeepsItsLatestLineInSight) {
+  LoopbackReply again;
+  again.chunks = {"HTTP/1.0 302 Found\r\nLocation: http://127.0.0.1/again.htm\r\n\r\n"};
+  LoopbackServer server(again);
+  ASSERT_TRUE(server.listening()) << server.error();
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/again.htm"), PrepareStatus::kReady);
+  LRESULT lines = 0;
+  int lastLineTop = -1, lineHeight = 0;
+  RECT box{};
+  const auto look = [&](HWND message, const WindowSnapshot&) {
+    HWND status = GetDlgItem(GetWindow(message, GW_OWNER), IDC_DOWNLOAD_STATUS);
+    const std::string text = WindowText(status);
+    lines = SendMessageA(status, EM_GETLINECOUNT, 0, 0);
+    const LRESULT secondLine = SendMessageA(status, EM_LINEINDEX, 1, 0);
+    lineHeight = static_cast<short>(HIWORD(SendMessageA(status, EM_POSFROMCHAR, secondLine, 0))) -
+                 static_cast<short>(HIWORD(SendMessageA(status, EM_POSFROMCHAR, 0, 0)));
+    const LRESULT last = SendMessageA(status, EM_POSFROMCHAR, text.find_last_not_of("\r\n"), 0);
+    lastLineTop = static_cast<short>(HIWORD(last));
+    GetClientRect(status, &box);
+    ClickButton(message, IDOK);
+  };
+  INT_PTR ended = -1;
+  ModalOptions options;
+  options.passOver = IsDownloadDialog;
+  const ModalResult result = RunModal([&] { ended = DownloadPage(); }, {Custom(look)}, options);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(ended, kDownloadRefused);
+  ASSERT_GT(lineHeight, 0);
+  EXPECT_GT(lines * lineHeight, box.bottom);  // more than it holds
+  EXPECT_GE(lastLineTop, 0);
+  EXPECT_LE(lastLineTop + lineHeight, box.bottom);
 }
 
 TEST_F(Acquire, LocalFileThatCannotBeCreatedTransfersNothing) {

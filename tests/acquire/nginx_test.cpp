@@ -106,7 +106,7 @@ TEST(Nginx, SecureDownloadThatCannotBeTrustedIsToldAndLeavesNoFile) {
     const char* message;
   } cases[] = {
       {"https://localhost:8443/page.html",
-       "The certificate of localhost can not be verified: it was issued by an unknown authority.\n"
+       "The certificate of localhost can not be verified:\nit was issued by an unknown authority.\n"
        "The page was not downloaded and nothing was sent to the server."},
       // Plain HTTP sends it to HTTPS, which sends it back to itself.
       {"http://localhost/tls/loop",
@@ -203,13 +203,13 @@ TEST(WinHttp, StopsWithAMessageAndHandsNothingOn) {
        "The secure page https://localhost/down redirected to a plain HTTP address:\n"
        "http://localhost/page.html\nThe download stopped; nothing was sent over plain HTTP."},
       {"https://localhost:8443/page.html", WebEnd::kCertificate,
-       "The certificate of localhost can not be verified: it was issued by an unknown authority.\n"
+       "The certificate of localhost can not be verified:\nit was issued by an unknown authority.\n"
        "The page was not downloaded and nothing was sent to the server."},
       {"https://127.0.0.1/page.html", WebEnd::kCertificate,
-       "The certificate of 127.0.0.1 can not be verified: it was issued for another host name.\n"
+       "The certificate of 127.0.0.1 can not be verified:\nit was issued for another host name.\n"
        "The page was not downloaded and nothing was sent to the server."},
       {"https://localhost:8444/page.html", WebEnd::kCertificate,
-       "The certificate of localhost can not be verified: it has expired or is not valid yet.\n"
+       "The certificate of localhost can not be verified:\nit has expired or is not valid yet.\n"
        "The page was not downloaded and nothing was sent to the server."},
   };
   for (const auto& c : cases) {

@@ -113,6 +113,22 @@ TEST_F(MainWindow, ExitDoesNothingAndADisplayChangeIsRecorded) {
   EXPECT_EQ(std::tie(App().screenWidth, App().screenHeight), std::make_tuple(1600, 900));
 }
 
+// A modal window that closes gives the keyboard back to the list the user was in,
+// not to the frame, where arrow keys and Delete would reach nothing.
+TEST_F(MainWindow, FocusReturnsToTheListThatHadItWhenAModalWindowCloses) {
+  ASSERT_NE(Open(), nullptr);
+  SetForegroundWindow(window_);
+  for (const int id : {IDC_KEYS_VIEW, IDC_LINKS_VIEW}) {
+    SCOPED_TRACE(id);
+    HWND list = GetDlgItem(window_, id);
+    SetFocus(list);
+    ASSERT_EQ(GetFocus(), list);
+    const ModalResult result = RunModal([&] { Command(IDM_ABOUT); }, {Press("OK")});
+    ASSERT_TRUE(result.ok()) << result.Describe();
+    EXPECT_TRUE(PumpUntil([&] { return GetFocus() == list; })) << GetFocus();
+  }
+}
+
 TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
   ASSERT_NE(Open(), nullptr);
   // The Links view is a virtual list over its records.
