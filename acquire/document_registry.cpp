@@ -1,10 +1,10 @@
 #include "acquire/document_registry.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 
 #include "acquire/no_case.h"
+#include "keys/durable_file.h"
 
 namespace qb {
 namespace {
@@ -41,19 +41,6 @@ bool WriteEntry(std::FILE* out, std::string_view url, std::string_view file) {
   text.reserve(urlLine.size() + fileLine.size() + 2);
   text.append(urlLine).append("\n").append(fileLine).append("\n");
   return std::fwrite(text.data(), 1, text.size(), out) == text.size();
-}
-
-bool CopyFileBytes(const std::string& from, const std::string& to) {
-  File in = Open(from, "rb");
-  if (!in) return false;
-  File out = Open(to, "wb");
-  if (!out) return false;
-  std::array<char, 8192> buffer;
-  std::size_t n;
-  while ((n = std::fread(buffer.data(), 1, buffer.size(), in.get())) > 0)
-    if (std::fwrite(buffer.data(), 1, n, out.get()) != n) return false;
-  if (std::ferror(in.get())) return false;
-  return std::fclose(out.release()) == 0;
 }
 
 }  // namespace
@@ -126,7 +113,26 @@ void DocumentRegistry::AddEntry(std::string_view file, std::string_view url) con
   }
   if (FindUrlForFile(file)) return;  // the older address stays
   File out = Open(registryPath_, "a+");
-  if (out) WriteEntry(out.get(), url, file);
+  if (!out) return;
+  std::fseek(out.get(), 0, SEEK_END);
+  const long end = std::ftell(out.get());
+  const bool written = WriteEntry(out.get(), url, file);
+  if (std::fclose(out.release()) == 0 && written && EntryReadsBack(end, url, file)) return;
+  // A full disk took part of the entry. Half an entry would pair the lines of
+  // every later one wrongly, so the file is cut back to where it ended.
+  if (end >= 0) CutFile(registryPath_, end);
+}
+
+// A full disk can take part of an entry while the run-time reports it whole, so
+// what was appended at `end` is read back.
+bool DocumentRegistry::EntryReadsBack(long end, std::string_view url, std::string_view file) const {
+  File in = Open(registryPath_, "r");
+  if (!in || end < 0 || std::fseek(in.get(), end, SEEK_SET) != 0) return false;
+  std::string expected;
+  expected.append(AsLine(url)).append("\n").append(AsLine(file)).append("\n");
+  std::string back(expected.size() + 1, '\0');
+  back.resize(std::fread(back.data(), 1, back.size(), in.get()));
+  return back == expected;
 }
 
 void DocumentRegistry::Compact() const { RewriteEntries(Rewrite::kCompact, {}, {}); }
@@ -161,7 +167,8 @@ void DocumentRegistry::RewriteEntries(Rewrite kind, std::string_view from, std::
     // A rewrite that could not be written whole must not replace the registry.
     if (std::fclose(out.release()) != 0 || !written) return;
   }
-  if (CopyFileBytes(tempPath_, registryPath_)) std::remove(tempPath_.c_str());
+  // Put in place in one step: copied over, a full disk could cut the registry short.
+  if (!MoveFileOver(tempPath_, registryPath_)) std::remove(tempPath_.c_str());
 }
 
 }  // namespace qb

@@ -69,6 +69,7 @@ class DocumentRegistry {
   const std::string& path() const { return registryPath_; }
 
  private:
+  bool EntryReadsBack(long end, std::string_view url, std::string_view file) const;
   template <typename Match>
   std::optional<RegistryEntry> FirstEntry(Match match) const;
 

@@ -163,6 +163,9 @@ class DownloadSession {
         case TransferEvent::Kind::kRedirect: ShowRedirect(event.bytes); break;
         case TransferEvent::Kind::kRefused: Refuse(event.bytes, kDownloadRefused); break;
         case TransferEvent::Kind::kEnd:
+          // What the run-time still holds must reach the file too.
+          if (file_ && std::fflush(file_.get()) != 0) return NotWritten();
+          if (!event.completed && total_ > 0) return BrokenOff();
           if (event.completed) Complete();
           End(kDownloadEnded);
           break;
@@ -170,10 +173,12 @@ class DownloadSession {
     }
   }
 
-  // A server that went quiet ends the transfer as a failed one: the file keeps
-  // what came, and the scan goes on to report a page without a form.
+  // A server that went quiet ends the transfer as a failed one: before any byte
+  // came the empty file stays, and the scan goes on to report a page without a form.
   void OnTimer() {
-    if (channel_ && GetTickCount() - lastActivity_ >= kStallLimitMilliseconds) End(kDownloadEnded);
+    if (!channel_ || GetTickCount() - lastActivity_ < kStallLimitMilliseconds) return;
+    if (total_ > 0) return BrokenOff();
+    End(kDownloadEnded);
   }
 
   void Cancel() {
@@ -201,7 +206,20 @@ class DownloadSession {
     }
     // Written as a text string: a zero byte ends what is kept of the chunk.
     chunk = chunk.substr(0, chunk.find('\0'));
-    std::fwrite(chunk.data(), 1, chunk.size(), file_.get());
+    if (std::fwrite(chunk.data(), 1, chunk.size(), file_.get()) != chunk.size()) NotWritten();
+  }
+
+  // Part of a page would be scanned, filled and recorded as if it were the page.
+  void BrokenOff() {
+    Discard();
+    End(kDownloadBrokenOff);
+  }
+
+  // A page cut short by a full disk would be scanned and recorded as if whole.
+  void NotWritten() {
+    Discard();
+    MessageBoxA(dialog_, kNotWrittenText, nullptr, MB_OK | MB_ICONSTOP);
+    End(kDownloadNotWritten);
   }
 
   void Complete() {

@@ -47,8 +47,11 @@ LRESULT OnAboutOk(HWND dialog, WORD, WORD, LPARAM) {
   return 1;
 }
 
+// Esc and the caption's close box (which the dialog manager turns into IDCANCEL)
+// close it as OK does.
 const CommandRow kAboutCommands[] = {
     {IDOK,                OnAboutOk},
+    {IDCANCEL,            OnAboutOk},
     {IDC_ABOUT_LINKS,     OnLinksPageCommand},
     {IDC_ABOUT_WEB_PAGE,  OnLinksPageCommand},
 };

@@ -1,4 +1,5 @@
 #include "app/settings_file.h"
+#include "keys/durable_file.h"
 
 #include <cstdio>
 #include <algorithm>
@@ -91,11 +92,19 @@ bool ReadSettingsFile(const std::string& path, AppSettings& settings) {
 }
 
 bool WriteSettingsFile(const std::string& path, const AppSettings& settings) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(std::fopen(path.c_str(), "wb"), std::fclose);
+  // Written beside the old file and put in its place only when whole: a full disk
+  // keeps the old settings rather than leaving a short file that loads as defaults.
+  const std::string temp = path + ".tmp";
+  std::FILE* f = std::fopen(temp.c_str(), "wb");
   if (!f) return false;
-  std::vector<std::uint8_t> image = SerializeSettings(settings);
-  std::fwrite(image.data(), 1, image.size(), f.get());
-  return true;
+  const std::vector<std::uint8_t> image = SerializeSettings(settings);
+  bool ok = std::fwrite(image.data(), 1, image.size(), f) == image.size();
+  ok = FlushToDisk(f) && ok;
+  ok = std::fclose(f) == 0 && ok;
+  ok = ok && FileLength(temp) == static_cast<long>(image.size());
+  if (ok) ok = MoveFileOver(temp, path);
+  if (!ok) std::remove(temp.c_str());
+  return ok;
 }
 
 namespace {

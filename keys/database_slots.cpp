@@ -141,6 +141,9 @@ LRESULT OnDatabaseFileCommand(HWND window, WORD id, WORD, LPARAM) {
   if (SaveDatabase(CurrentDatabasePath(), Keys())) SetDatabaseChanged(false);
   SetMainTitle(SlotTitle(SlotNameText(CurrentSlotName()), true));
   RefreshDatabaseCaptions();
+  // Keys of a slot without a name may be out of the view (a fill shows none); now
+  // that the slot has one, they show.
+  if (ListView_GetItemCount(App().keysView) != KeysInUse(Keys())) FillKeyList();
   return 0;
 }
 

@@ -151,7 +151,11 @@ class VectorSink {
 class FileSink {
  public:
   explicit FileSink(std::FILE* file) : file_(file) {}
-  bool Write(const void* bytes, std::size_t n) { return std::fwrite(bytes, 1, n, file_) == n; }
+  bool Write(const void* bytes, std::size_t n) {
+    written += n;
+    return std::fwrite(bytes, 1, n, file_) == n;
+  }
+  std::size_t written = 0;
 
  private:
   std::FILE* file_;
@@ -238,6 +242,7 @@ bool SaveDatabase(const std::string& path, const KeyTable& table) {
       FileSink out(file.get());
       ok = WriteDatabase(out, table) && FlushToDisk(file.get());
       ok = std::fclose(file.release()) == 0 && ok;
+      ok = ok && FileLength(temp) == static_cast<long>(out.written);
     }
   }
   if (ok) ok = MoveFileOver(temp, path);

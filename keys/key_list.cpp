@@ -52,7 +52,9 @@ void Redraw(HWND list) {
 }
 
 // With the option on, a clicked key's Description goes onto the system clipboard
-// as text. The block is freed after the hand-over, as the program has always done.
+// as text. The clipboard owns the block once it took it and frees it when it is
+// emptied next: freed here as well, its handle would be reused by a key's text and
+// that text freed by the next copy.
 void CopyDescriptionToClipboard(int key) {
   if (Settings().copyDescription != 1) return;
   TextLock description(KeyFieldBlock(Keys(), key, kDescription));
@@ -65,12 +67,13 @@ void CopyDescriptionToClipboard(int key) {
     data[text.size()] = '\0';
     GlobalUnlock(block);
   }
+  bool handedOver = false;
   if (OpenClipboard(App().mainWindow)) {
     EmptyClipboard();
-    SetClipboardData(CF_TEXT, block);
+    handedOver = SetClipboardData(CF_TEXT, block) != nullptr;
     CloseClipboard();
   }
-  GlobalFree(block);
+  if (!handedOver) GlobalFree(block);
 }
 
 LRESULT OnGetDispInfo(const NMHDR& header) {

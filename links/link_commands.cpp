@@ -108,9 +108,22 @@ LRESULT OnNewFolderCommand(HWND window, WORD, WORD, LPARAM) {
   return 0;
 }
 
+namespace {
+
+// Renamed, a folder link can take the place it leads to along (Wine moves the
+// target), so it is left alone and the user told.
+bool RefusedFolderLink(const TargetRow& row) {
+  if (row.entry->kind != kLinkFolder || !(row.entry->attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return false;
+  ShowMessage(kFolderLinkText, kAppName, MB_OK | MB_ICONINFORMATION);
+  return true;
+}
+
+}  // namespace
+
 LRESULT OnRenameFolderCommand(HWND window, WORD, WORD, LPARAM) {
   TargetRow row;
   if (!TakeRow(row)) return 0;
+  if (RefusedFolderLink(row)) return 0;
   NameRequest request;
   request.groupText = row.entry->kind == kLinkFolder ? kRenameFolderText : kRenameFileText;
   request.name = LinkFileName(*row.entry);
@@ -137,7 +150,7 @@ LRESULT OnDeleteLinkCommand(HWND window, WORD, WORD, LPARAM) {
 
 void RenameSelectedLink(HWND owner, const std::string& name) {
   TargetRow row;
-  if (!TakeRow(row)) return;
+  if (!TakeRow(row) || RefusedFolderLink(row)) return;
   if (AcceptName(owner, name)) RenameRow(row, name);
   RefreshLinksView();
 }

@@ -137,7 +137,9 @@ void ListDestination(HWND dialog, const DestinationData& data) {
   HANDLE find = FindFirstFileA((data.folder + "*.*").c_str(), &found);
   if (find == INVALID_HANDLE_VALUE) return;
   do {
-    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && IsListedName(found.cFileName))
+    // A folder link may lead out of DataHtml: a page moved into it would land there.
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
+        !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) && IsListedName(found.cFileName))
       AddDestinationRow(list, found.cFileName, kFolderImage);
   } while (FindNextFileA(find, &found));
   FindClose(find);

@@ -133,6 +133,10 @@ void OpenRow(int row) {
       RefreshLinksView();
       break;
     case kLinkFolder:
+      if (entry->attributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+        ShowMessage(kFolderLinkText, kAppName, MB_OK | MB_ICONINFORMATION);
+        break;
+      }
       view.depth = std::min(view.depth + 1, kLinksDepthMax);
       folder += entry->name + "\\";
       RefreshLinksView();

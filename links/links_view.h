@@ -15,6 +15,12 @@ namespace qb {
 // The view's rows are the listing's records themselves (a virtual list): inserting
 // 32,000 rows one by one costs the list control more than the directory search
 // that found them, and deleting them as much again.
+// A folder that is a link may lead out of DataHtml: pages saved, folders made and
+// deletions done in it would land there, and renaming it can move the place it
+// leads to, so the view neither goes into it nor renames it.
+constexpr char kFolderLinkText[] =
+    "This folder is a link to another place on the disk.\n"
+    "Quellbarrow keeps its pages inside DataHtml and leaves it alone.";
 constexpr DWORD kLinksViewExtraStyle = LVS_OWNERDATA;
 
 // The row height the vertical scroll memory counts in.

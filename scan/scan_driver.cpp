@@ -125,14 +125,18 @@ std::optional<ScanPage> WebPage(std::string_view location, bool fromFileOrUrl,
     ShowMessage(DescribePrepareStatus(status), nullptr, kErrorBox);
     return std::nullopt;
   }
-  // A failed or stalled transfer ends with 0, so it shows up as a page without
-  // forms. Cancel and the size limit remove the file and end the scan here.
+  // A transfer that failed or stalled before any byte came ends with 0, so it
+  // shows up as a page without forms. One broken off after part of the page, Cancel,
+  // the size limit and a file that could not be written remove the file and end
+  // the scan here.
   const INT_PTR ended = DownloadPage();
-  if (ended == 1) {
+  if (ended == 1 || ended == kDownloadBrokenOff) {
     ShowMessage(kCantDownloadText, nullptr, kErrorBox);
     return std::nullopt;
   }
-  if (ended == kDownloadCancelled || ended == kDownloadTooLarge || ended == kDownloadRefused) return std::nullopt;
+  if (ended == kDownloadCancelled || ended == kDownloadTooLarge || ended == kDownloadRefused ||
+      ended == kDownloadNotWritten)
+    return std::nullopt;
   page.file = SharedDownloadRequest().localFile;
   page.source = SharedDownloadRequest().address;
   page.downloaded = true;
@@ -190,7 +194,8 @@ void FillAndOpen(const ScanPage& page, bool promptAll, bool directPost) {
   }
   SharedRequestText() = std::move(session.requestText);
   SharedDownloadRequest().host = session.host;
-  if (PostRequest() == 1) ShowMessage(kCantDownloadText, nullptr, kErrorBox);
+  if (const INT_PTR ended = PostRequest(); ended == 1 || ended == kDownloadBrokenOff)
+    ShowMessage(kCantDownloadText, nullptr, kErrorBox);
 }
 
 }  // namespace

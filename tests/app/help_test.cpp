@@ -107,5 +107,21 @@ TEST_F(About, ShowsNameVersionIconAndWhatTheProgramDoesAndOkCloses) {
   EXPECT_EQ(nameFont.lfWeight, FW_BOLD);
 }
 
+// Found by the careless-user run: Esc and the close box left the box up for good.
+TEST_F(About, EscAndTheCloseBoxCloseItToo) {
+  ASSERT_NE(Open(), nullptr);
+  for (const UINT message : {WM_CLOSE, WM_COMMAND}) {
+    bool closed = false;
+    auto result = RunModal([&] { Command(IDM_ABOUT); }, {Custom([&](HWND dialog, const WindowSnapshot&) {
+                             PostMessageA(dialog, message, message == WM_COMMAND ? IDCANCEL : 0, 0);
+                             for (int i = 0; i < 150 && IsWindow(dialog); ++i) Sleep(20);
+                             closed = !IsWindow(dialog);
+                             if (!closed) ClickButton(dialog, IDOK);
+                           })});
+    ASSERT_TRUE(result.ok()) << result.Describe();
+    EXPECT_TRUE(closed) << (message == WM_CLOSE ? "close box" : "Esc");
+  }
+}
+
 }  // namespace
 }  // namespace qb::test

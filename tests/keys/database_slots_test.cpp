@@ -110,6 +110,19 @@ TEST_F(DatabaseSlotsTest, SaveAsAndOpenGoThroughTheFileDialog) {
   EXPECT_STREQ(Settings().slotNames[0].data(), "Third.dat");
 }
 
+// Found by the careless-user run: keys of a slot without a name (hidden by a
+// fill, here a sort change) stayed out of the view after Save As named the slot.
+TEST_F(DatabaseSlotsTest, SaveAsShowsTheKeysOfASlotThatHadNoName) {
+  OpenWith({"A", "B"});
+  CurrentSlotName().fill('\0');
+  FillKeyList();
+  ASSERT_EQ(Rows(), Names{});
+  const auto result = CommandAnswered(IDM_SAVEAS_DATABASE, {ChooseFile(DatabaseFile("Named.dat"))});
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(FileNames("Named.dat"), (Names{"A", "B"}));
+  EXPECT_EQ(Rows(), (Names{"A", "B"}));
+}
+
 TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesTheFile) {
   OpenWith({"A", "B"});
   SetKeyField(Keys(), 0, kName, "Saved");

@@ -229,9 +229,8 @@ TEST_F(KeyListTest, RenameInPlace) {
   EXPECT_EQ(SelectedKey(), 1);
 }
 
-// The block handed to the clipboard is freed right after, as the program has
-// always done: other programs get the system's copy, while this process's own
-// handle is gone. So the text is read by a process of its own.
+// Other programs get the system's copy of the text, so it is read by a process of
+// its own as well.
 TEST_F(KeyListTest, ClickPutsTheDescriptionOnTheClipboardOnlyWithTheOptionAndAText) {
   WriteDatabase("Data.dat", {{"Mail", "mail", "", "me@example.org"}, {"Empty", "e", "", ""}});
   ASSERT_TRUE(Open());
@@ -259,6 +258,29 @@ TEST_F(KeyListTest, ClickPutsTheDescriptionOnTheClipboardOnlyWithTheOptionAndATe
     }
     EXPECT_EQ(PastedElsewhere(), click.placed ? "me@example.org" : "before") << click.what;
   }
+}
+
+// Found by the careless-user run (a key's text freed under it): the clipboard
+// frees the block it was given when it is emptied, so a block handed over and
+// freed by the program as well took with it whatever text got that handle next.
+TEST_F(KeyListTest, CopiedDescriptionsNeverFreeAKeysText) {
+  WriteDatabase("Data.dat", {{"Mail", "mail", "", "me@example.org"}, {"Phone", "tel", "", "555"}});
+  ASSERT_TRUE(Open());
+  CreateKeyListColumn(List());
+  Settings().copyDescription = 1;
+  for (int round = 0; round < 4; ++round) {
+    ClickRow(round % 2);
+    ASSERT_TRUE(SetKeyField(Keys(), 1, kSelection, "round " + std::to_string(round)));
+    for (int key = 0; key < 2; ++key) {
+      for (int f = 0; f < kKeyFieldCount; ++f) {
+        const TextBlock block = Keys().fields[f][key];
+        EXPECT_TRUE(block == kNoBlock || IsTextBlock(block)) << "round " << round << " key " << key << " field " << f;
+      }
+    }
+    EXPECT_EQ(KeyFieldText(Keys(), 1, kSelection), "round " + std::to_string(round));
+    EXPECT_EQ(ClipboardText(), round % 2 ? "555" : "me@example.org");
+  }
+  EXPECT_EQ(TableNames(), (Names{"Mail", "Phone"}));
 }
 
 // A right click on a row selects it and opens the key commands' pop-up menu,

@@ -71,6 +71,23 @@ inline std::string BrowserOpened(const TempDir& dir) {
   return FileExists(file) ? ReadText(file) : std::string();
 }
 
+// A stand-in browser window titled `caption` whose address bar shows `address`.
+inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address) {
+  HINSTANCE instance = GetModuleHandleA(nullptr);
+  WNDCLASSA wc{};
+  if (!GetClassInfoA(instance, kBrowserClass, &wc)) {
+    wc.lpfnWndProc = DefWindowProcA;
+    wc.hInstance = instance;
+    wc.lpszClassName = kBrowserClass;
+    RegisterClassA(&wc);
+  }
+  HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 300, 120,
+                           nullptr, nullptr, instance, nullptr);
+  CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, instance,
+                  nullptr);
+  return w;
+}
+
 class ScanTest : public MainWindowTest {
  protected:
   void SetUp() override {

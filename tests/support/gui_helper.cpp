@@ -213,6 +213,21 @@ void ClickWithMouse(HWND window) {
   SendInput(2, click, sizeof(INPUT));
 }
 
+bool MakeUnixLink(const std::string& folder, const std::string& name, const std::string& target) {
+  std::string command = "Z:\\bin\\ln -s " + target + " " + name;
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &startup,
+                      &process))
+    return false;
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  // The handle may be Wine's starter's, gone before the link is there.
+  const std::string link = folder + "\\" + name;
+  return PumpUntil([&] { return GetFileAttributesA(link.c_str()) != INVALID_FILE_ATTRIBUTES; }, 10000);
+}
+
 std::string ModalResult::Describe() const {
   std::ostringstream out;
   for (const auto& e : errors) out << "error: " << e << "\n";

@@ -98,4 +98,8 @@ bool PumpUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
 // Text of any window, read with WM_GETTEXT.
 std::string WindowText(HWND window);
 
+// A symbolic link `name` in `folder` to `target` (relative to that folder), made
+// on the Unix side under Wine, which makes none itself; true once it is there.
+bool MakeUnixLink(const std::string& folder, const std::string& name, const std::string& target);
+
 }  // namespace qb::test

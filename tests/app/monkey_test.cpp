@@ -1,0 +1,647 @@
+// A careless user for a while: random commands, clicks, drags and keys on the real
+// main window, random typing and presses in every dialog and box that comes up,
+// all drawn from one seed. After every action the key table, the Keys view, what
+// was saved, the registry and a folder beside the program folder are checked.
+// QB_MONKEY_SEED and QB_MONKEY_SECONDS choose the run (scripts/monkey.sh); without
+// a seed one is made from the clock and printed.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <random>
+#include <cstring>
+#include <thread>
+
+#include "acquire/acquire_state.h"
+#include "acquire/document_registry.h"
+#include "bars/dock_bar.h"
+#include "keys/database_slots.h"
+#include "keys/key_file.h"
+#include "keys/key_list.h"
+#include "links/links_view.h"
+#include "tests/keys/key_test_util.h"
+#include "tests/scan/scan_fixture.h"
+#include "tests/support/loopback_server.h"
+#include "tests/support/main_window_fixture.h"
+
+#include <dlgs.h>  // after windows.h
+
+namespace qb::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr char kFormPage[] =
+    "HTTP/1.0 200 OK\r\nContent-Type: text/html\r\n\r\n"
+    "<html><body><form action=\"/post\" method=\"POST\">"
+    "<input type=text name=first><input type=text name=email><input type=text name=unknown>"
+    "<select name=country><option>Norway<option>Sweden</select>"
+    "<input type=radio name=size value=S><input type=radio name=size value=L>"
+    "<input type=checkbox name=news><textarea name=comments></textarea>"
+    "<input type=submit></form></body></html>";
+
+const std::vector<KeyTexts> kFirstKeys = {
+    {"First name", "first,fname", "", "Ann"},
+    {"Email", "email,mail", "", "ann@example.com"},
+    {"Country", "country", "Norway\r\nSweden", "Norway"},
+    {"Notes", "comments", "", "Hello"},
+    {"Size", "size", "L", ""},
+};
+const std::vector<KeyTexts> kSecondKeys = {{"Zip", "zip,postcode", "", "0150"}, {"City", "city", "", "Oslo"}};
+
+// What the careless user types: short, long, empty, path-like and list-like texts.
+std::vector<std::string> TypedTexts(const std::string& outside) {
+  return {"",         "a",        "Data.dat",      "Second.dat",        "New.dat",
+          "Shop",     "x y",      "first, email",  "Norway\r\nSweden", std::string(300, 'n'),
+          std::string(5000, 't'), "..\\escape",    "C:\\windows",       "<b>&amp;\"'",
+          outside + "\\o.dat",    "..\\..\\Outside\\p.dat", "con",       "a\\b"};
+}
+
+const WORD kCommands[] = {
+    IDM_NEW_DATABASE, IDM_OPEN_DATABASE, IDM_SAVE_DATABASE, IDM_SAVEAS_DATABASE, IDM_GLOBAL_OPTIONS,
+    IDM_TOOL_BAR, IDM_DATABASES_BAR, IDM_KEY_WINDOW, IDM_LINK_WINDOW, IDM_STATUS_BAR, IDM_LINK_INFO,
+    IDM_ADD_KEY, IDM_ADD_COMPARE, IDM_MODIFY_KEY, IDM_COPY_KEY, IDM_PASTE_KEY, IDM_DELETE_KEY,
+    IDM_DATABASE_FIRST, IDM_DATABASE_FIRST + 1, IDM_DATABASE_FIRST + 2, IDM_DATABASE_LAST,
+    IDM_DELETE_DATABASE, IDM_NEW_FOLDER, IDM_RENAME_FOLDER, IDM_DELETE_LINK, IDM_GOTO_SITE,
+    IDM_RENAME_LINK, IDM_MOVE_LINK, IDM_LINKS_PAGE, IDM_SCAN_HTML, IDM_SCAN_FILE_HTML, IDM_SCAN_CLIPBOARD,
+    IDM_SCAN_PROMPT_HTML, IDM_SCAN_MANUAL, IDM_SCAN_OPTIONS, IDM_COMPACT_CONFIGHTML,
+    IDM_WINDOW_NORMAL, IDM_WINDOW_ONTOP, IDM_WINDOW_HORIZONTAL, IDM_WINDOW_VERTICAL, IDM_ABOUT};
+
+const WPARAM kKeys[] = {'A', 'K', 'Z', VK_RETURN, VK_ESCAPE, VK_DELETE, VK_F2, VK_TAB, VK_INSERT, VK_DOWN, VK_UP};
+
+std::string Size(const Bytes& b) { return std::to_string(b.size()) + " bytes"; }
+
+// Every file under `folder` with its bytes, by path relative to it.
+void Snapshot(const std::string& folder, const std::string& prefix, std::map<std::string, Bytes>& out) {
+  WIN32_FIND_DATAA found;
+  HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &found);
+  if (find == INVALID_HANDLE_VALUE) return;
+  do {
+    const std::string name = found.cFileName;
+    if (name == "." || name == "..") continue;
+    const std::string path = folder + "\\" + name;
+    if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+      out[prefix + name + "\\"] = {};
+      Snapshot(path, prefix + name + "\\", out);
+    } else {
+      out[prefix + name] = ReadBytes(path);
+    }
+  } while (FindNextFileA(find, &found));
+  FindClose(find);
+}
+
+class Monkey;
+Monkey* g_monkey = nullptr;
+
+class Monkey : public MainWindowTest {
+ public:
+  static void CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD) { g_monkey->ActOnModalWindow(); }
+
+ protected:
+  void SetUp() override {
+    MainWindowTest::SetUp();
+    ASSERT_NO_FATAL_FAILURE();
+    UseMessageBoxes();
+    UseStandInBrowser();
+    program_ = dir_.File("Program");
+    outside_ = dir_.File("Outside");
+    for (const char* f : {"Program", "Program\\Databases", "Program\\DataHtml", "Program\\DataHtml\\Shop",
+                          "Program\\DataHtml\\Shop\\Deep", "Outside", "Outside\\inner"}) {
+      CreateDirectoryA(dir_.File(f).c_str(), nullptr);
+    }
+    WriteText(outside_ + "\\keep.htm", "<form action=/x method=post></form>");
+    WriteText(outside_ + "\\inner\\Data.dat", "not a database");
+    SetProgramDirectory(program_);
+    SetCurrentLinksFolder("");
+    ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Data.dat", *OwnedTable(kFirstKeys)));
+    ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Second.dat", *OwnedTable(kSecondKeys)));
+    const std::string html = std::string(kFormPage).substr(std::string(kFormPage).find("<html>"));
+    const std::string root = program_ + "\\DataHtml\\";
+    std::string registry = std::string(kRegistryHeader) + "\r\n";
+    for (const char* page : {"form.htm", "Shop\\order.htm", "Shop\\Deep\\deep.htm"}) {
+      WriteText(root + page, html);
+      registry += std::string("127.0.0.1/") + page + "\r\n" + root + page + "\r\n";
+    }
+    WriteText(program_ + "\\" + kRegistryFileName, registry);
+    ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../../Outside"));
+    Snapshot(outside_, "", outsideBefore_);
+    std::strcpy(Settings().slotNames[1].data(), "Second.dat");
+    SetBrowserWindowChoiceOption(kFirstBrowserWindow);
+    browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm");
+    ASSERT_TRUE(OpenProgram());
+    accelerators_ = LoadAcceleratorsA(Instance(), kMainClassName);
+    g_monkey = this;
+  }
+
+  void TearDown() override {
+    g_monkey = nullptr;
+    DestroyWindow(browser_);
+    MainWindowTest::TearDown();
+    SetUserMessageSink(nullptr);
+  }
+
+  bool OpenProgram() {
+    if (!Open(700, 400)) return false;
+    CreateKeyListColumn(App().keysView);
+    return true;
+  }
+
+  // --- the log, the watchdog and the report -------------------------------
+
+  void Log(const std::string& action) {
+    std::lock_guard<std::mutex> lock(logMutex_);
+    log_.push_back(std::to_string(++actions_) + " " + action);
+    if (log_.size() > 50) log_.pop_front();
+    beat_ = Clock::now().time_since_epoch().count();
+  }
+
+  std::string Report(const std::string& what) {
+    std::lock_guard<std::mutex> lock(logMutex_);
+    std::string text = "monkey: " + what + "\nmonkey: seed " + std::to_string(seed_) + " after " +
+                       std::to_string(actions_) + " actions; the last ones:\n";
+    for (const std::string& line : log_) text += "  " + line + "\n";
+    return text;
+  }
+
+  [[noreturn]] void Die(const std::string& what) {
+    std::fputs(Report(what).c_str(), stderr);
+    std::fflush(stderr);
+    TerminateProcess(GetCurrentProcess(), 3);
+    std::abort();
+  }
+
+  // Fails the run when the user-interface thread stops answering for 10 seconds or
+  // one action of the main window does not come back within 40.
+  void Watch() {
+    while (!done_) {
+      Sleep(200);
+      const auto now = Clock::now().time_since_epoch().count();
+      if (now - beat_.load() > std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(10)).count())
+        Die("hang: nothing happened for 10 seconds");
+      if (actionStart_ && now - actionStart_.load() >
+                              std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(40)).count())
+        Die("hang: one action did not return within 40 seconds");
+    }
+  }
+
+  static LONG WINAPI OnCrash(EXCEPTION_POINTERS* e) {
+    char text[80];
+    std::snprintf(text, sizeof text, "crash: exception %08lx", e->ExceptionRecord->ExceptionCode);
+    g_monkey->Die(text);
+  }
+
+  // --- dialogs and boxes ---------------------------------------------------
+
+  static BOOL CALLBACK CollectModal(HWND w, LPARAM out) {
+    if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
+    return TRUE;
+  }
+
+  // The window that has the user: an enabled top-level window of this thread
+  // other than the main window and the browser.
+  HWND ModalWindow() const {
+    std::vector<HWND> windows;
+    EnumThreadWindows(GetCurrentThreadId(), CollectModal, reinterpret_cast<LPARAM>(&windows));
+    for (HWND w : windows) {
+      char cls[32] = {};
+      GetClassNameA(w, cls, sizeof cls);
+      if (w != window_ && w != browser_ && std::strcmp(cls, "#32770") == 0) return w;
+    }
+    return nullptr;
+  }
+
+  static BOOL CALLBACK CollectControl(HWND w, LPARAM out) {
+    if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
+    return TRUE;
+  }
+
+  void ActOnModalWindow() {
+    beat_ = Clock::now().time_since_epoch().count();
+    if (HWND menu = FindWindowA("#32768", nullptr); menu && IsWindowVisible(menu)) {
+      Log("close the menu");
+      EndMenu();
+      return;
+    }
+    HWND dialog = ModalWindow();
+    if (!dialog) return;
+    const int count = ++modalActions_[dialog];
+    const std::string caption = "[" + WindowText(dialog) + "] ";
+    if (count > 120) Die("the window \"" + WindowText(dialog) + "\" does not close");
+    if (count > 60) {
+      Log(caption + "WM_CLOSE");
+      PostMessageA(dialog, WM_CLOSE, 0, 0);
+      return;
+    }
+    if (count > 30 || Pick(10) == 0) {
+      Log(caption + "Cancel");
+      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+      return;
+    }
+    const HWND fileField = GetDlgItem(dialog, cmb13) ? GetDlgItem(dialog, cmb13) : GetDlgItem(dialog, edt1);
+    if (fileField) {
+      const std::string names[] = {"Data.dat", "Second.dat", "Third.dat", "x", outside_ + "\\o.dat",
+                                   "..\\..\\Outside\\p.dat", "..\\DataHtml\\form.htm", "nofolder\\x.dat"};
+      const std::string& name = names[Pick(std::size(names))];
+      Log(caption + "file name " + name + ", OK");
+      SetWindowTextA(fileField, name.c_str());
+      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+      return;
+    }
+    std::vector<HWND> controls;
+    EnumChildWindows(dialog, CollectControl, reinterpret_cast<LPARAM>(&controls));
+    if (controls.empty()) return;
+    HWND control = controls[Pick(controls.size())];
+    char cls[32] = {};
+    GetClassNameA(control, cls, sizeof cls);
+    const int id = GetDlgCtrlID(control);
+    const std::string name = caption + cls + " " + std::to_string(id) + " \"" + WindowText(control).substr(0, 20) + "\"";
+    if (std::strcmp(cls, "Edit") == 0) {
+      const std::string& text = texts_[Pick(texts_.size())];
+      Log(name + " type " + std::to_string(text.size()) + " chars \"" + text.substr(0, 20) + "\"");
+      SendMessageA(control, EM_SETSEL, 0, -1);
+      SendMessageA(control, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+    } else if (std::strcmp(cls, "Button") == 0) {
+      const LONG style = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
+      if (id == IDHELP || id == 9 || WindowText(control) == "&Help" || WindowText(control) == "Help") return;
+      if (style == BS_GROUPBOX) return;
+      const bool toggles = style == BS_AUTOCHECKBOX || style == BS_AUTORADIOBUTTON || style == BS_CHECKBOX;
+      if (toggles) SendMessageA(control, BM_SETCHECK, SendMessageA(control, BM_GETCHECK, 0, 0) ? 0 : 1, 0);
+      Log(name + " press");
+      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(control));
+    } else if (std::strcmp(cls, "SysListView32") == 0) {
+      const int rows = ListView_GetItemCount(control);
+      if (rows == 0) return;
+      const int row = static_cast<int>(Pick(rows));
+      const bool dbl = Pick(4) == 0;
+      Log(name + (dbl ? " double click row " : " select row ") + std::to_string(row));
+      ListView_SetItemState(control, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+      if (dbl) Notify(dialog, control, NM_DBLCLK, row);
+    } else if (std::strcmp(cls, "ListBox") == 0 || std::strcmp(cls, "ComboBox") == 0) {
+      const bool box = cls[0] == 'L';
+      const LRESULT rows = SendMessageA(control, box ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
+      if (rows <= 0) return;
+      const int row = static_cast<int>(Pick(rows));
+      Log(name + " choose row " + std::to_string(row));
+      SendMessageA(control, box ? LB_SETCURSEL : CB_SETCURSEL, row, 0);
+      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, box ? LBN_SELCHANGE : CBN_SELCHANGE),
+                   reinterpret_cast<LPARAM>(control));
+      if (box && Pick(3) == 0)
+        PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, LBN_DBLCLK), reinterpret_cast<LPARAM>(control));
+    }
+  }
+
+  static void Notify(HWND parent, HWND control, UINT code, int row) {
+    NMITEMACTIVATE n{};
+    n.hdr.hwndFrom = control;
+    n.hdr.idFrom = GetDlgCtrlID(control);
+    n.hdr.code = code;
+    n.iItem = row;
+    SendMessageA(parent, WM_NOTIFY, n.hdr.idFrom, reinterpret_cast<LPARAM>(&n));
+  }
+
+  // --- actions on the main window -------------------------------------------
+
+  std::size_t Pick(std::size_t n) { return n ? std::uniform_int_distribution<std::size_t>(0, n - 1)(rng_) : 0; }
+
+  HWND AnyList() { return Pick(2) ? App().keysView : App().linksView; }
+  static const char* ListName(HWND list) { return list == App().keysView ? "Keys" : "Links"; }
+
+  // A point on a random row of `list` (or below the rows), in its client coordinates.
+  POINT RowPoint(HWND list, int* row) {
+    const int rows = ListView_GetItemCount(list);
+    *row = static_cast<int>(Pick(rows + 1));
+    RECT r{};
+    r.left = LVIR_BOUNDS;
+    if (*row < rows && SendMessageA(list, LVM_GETITEMRECT, *row, reinterpret_cast<LPARAM>(&r))) {
+      return POINT{r.left + 20, (r.top + r.bottom) / 2};
+    }
+    GetClientRect(list, &r);
+    return POINT{r.right / 2, r.bottom - 5};
+  }
+
+  static void PointCursor(HWND list, POINT p) {
+    ClientToScreen(list, &p);
+    SetCursorPos(p.x, p.y);
+  }
+
+  void Mouse(HWND list, UINT down, UINT up, const char* what) {
+    int row = 0;
+    const POINT p = RowPoint(list, &row);
+    Log(std::string(what) + " " + ListName(list) + " row " + std::to_string(row));
+    PointCursor(list, p);
+    // The release waits in the queue, as it does for a real click: the list
+    // watches the queue for it before it acts on the press.
+    PostMessageA(list, up, 0, MAKELPARAM(p.x, p.y));
+    SendMessageA(list, down, down == WM_RBUTTONDOWN ? MK_RBUTTON : MK_LBUTTON, MAKELPARAM(p.x, p.y));
+  }
+
+  void Drag() {
+    HWND list = AnyList();
+    int from = 0, to = 0;
+    const POINT start = RowPoint(list, &from);
+    POINT drop = RowPoint(Pick(4) ? list : AnyList(), &to);
+    Log(std::string("drag ") + ListName(list) + " row " + std::to_string(from) + " to " + std::to_string(to));
+    PointCursor(list, start);
+    PostMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
+    PostMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
+    MSG msg;
+    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&msg);
+    MapWindowPoints(list, window_, &drop, 1);
+    POINT screen = drop;
+    ClientToScreen(window_, &screen);
+    SetCursorPos(screen.x, screen.y);
+    SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
+    SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
+  }
+
+  // A click on a button of the tool bar or the databases bar, or a drag of one by
+  // its grip to anywhere over the main window.
+  void BarClick() {
+    DockBar& bar = Pick(2) ? ToolBarDescriptor() : DatabaseBarDescriptor();
+    if (!bar.window || !IsWindowVisible(bar.window)) return Log("bar click on a hidden bar");
+    const std::vector<RECT> buttons = BarButtonRects(bar);
+    const std::size_t which = Pick(buttons.size() + 1);
+    // Help starts the help viewer, another program, which the run leaves alone.
+    if (which < buttons.size() && bar.kind && static_cast<int>(which) < bar.kind->count &&
+        bar.kind->buttons[which].command == IDM_HELP_TOPICS)
+      return Log("bar click on Help left out");
+    const RECT r = which < buttons.size() ? buttons[which] : BarGripRect(bar);
+    POINT p{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+    Log(std::string(&bar == &ToolBarDescriptor() ? "tool bar" : "databases bar") +
+        (which < buttons.size() ? " button " + std::to_string(which) : " drag by the grip"));
+    PointCursor(bar.window, p);
+    SendMessageA(bar.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+    if (which == buttons.size()) {
+      SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
+      RECT client;
+      GetClientRect(window_, &client);
+      POINT drop{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))};
+      POINT screen = drop;
+      ClientToScreen(window_, &screen);
+      SetCursorPos(screen.x, screen.y);
+      SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
+      SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
+      return;
+    }
+    SendMessageA(bar.window, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+  }
+
+  void Key() {
+    HWND focus = GetFocus() ? GetFocus() : window_;
+    const WPARAM key = kKeys[Pick(std::size(kKeys))];
+    const bool control = key >= 'A' && key <= 'Z' && Pick(2);
+    char cls[32] = {};
+    GetClassNameA(focus, cls, sizeof cls);
+    Log(std::string("key ") + (control ? "Ctrl+" : "") + std::to_string(key) + " to " + cls);
+    BYTE state[256];
+    GetKeyboardState(state);
+    if (control) {
+      BYTE pressed[256];
+      std::memcpy(pressed, state, sizeof state);
+      pressed[VK_CONTROL] = 0x80;
+      SetKeyboardState(pressed);
+    }
+    MSG msg{};
+    msg.hwnd = focus;
+    msg.message = WM_KEYDOWN;
+    msg.wParam = key;
+    msg.lParam = 1;
+    if (IsEditControl(focus) || !TranslateAcceleratorA(focus, accelerators_, &msg)) {
+      TranslateMessage(&msg);
+      DispatchMessageA(&msg);
+      msg.message = WM_KEYUP;
+      DispatchMessageA(&msg);
+    }
+    SetKeyboardState(state);
+  }
+
+  void Restart() {
+    Log("close the program and start it again");
+    SendMessageA(window_, WM_CLOSE, 0, 0);
+    MSG msg;
+    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+      if (msg.message != WM_QUIT) DispatchMessageA(&msg);
+    }
+    if (IsWindow(window_)) return;  // the user cancelled the save prompt
+    window_ = nullptr;
+    const Bytes settings = ReadBytes(program_ + "\\pellwick.cfg");
+    if (settings.size() != kSettingsFileSize) Die("settings file of " + Size(settings) + " after close");
+    Settings() = AppSettings{};
+    LoadOrSaveSettings(kLoadSettings);
+    ClearAllKeys(Keys());
+    SetDatabaseChanged(false);
+    SetCurrentSlot(0);
+    ResetKeyList();
+    ResetLinksView();
+    SetCurrentLinksFolder("");
+    if (!OpenProgram()) Die("the program did not start again");
+  }
+
+  struct Action {
+    int weight;
+    std::function<void()> run;
+  };
+
+  std::vector<Action> Actions() {
+    return {
+        {30, [this] {
+           const WORD id = kCommands[Pick(std::size(kCommands))];
+           Log("command " + std::to_string(id));
+           SendMessageA(window_, WM_COMMAND, id, 0);
+         }},
+        {12, [this] { Mouse(AnyList(), WM_LBUTTONDOWN, WM_LBUTTONUP, "click"); }},
+        {5, [this] { Mouse(AnyList(), WM_LBUTTONDBLCLK, WM_LBUTTONUP, "double click"); }},
+        {4, [this] { Mouse(AnyList(), WM_RBUTTONDOWN, WM_RBUTTONUP, "right click"); }},
+        {4, [this] { Drag(); }},
+        {6, [this] { BarClick(); }},
+        {16, [this] { Key(); }},
+        {4, [this] {
+           HWND list = AnyList();
+           Log(std::string("focus ") + ListName(list));
+           SetFocus(list);
+         }},
+        {2, [this] {
+           Log("click the Keys column");
+           NMLISTVIEW n{};
+           n.hdr.hwndFrom = App().keysView;
+           n.hdr.idFrom = GetDlgCtrlID(App().keysView);
+           n.hdr.code = LVN_COLUMNCLICK;
+           SendMessageA(window_, WM_NOTIFY, n.hdr.idFrom, reinterpret_cast<LPARAM>(&n));
+         }},
+        {3, [this] {
+           const char* addresses[] = {"http://127.0.0.1/form.htm", "http://127.0.0.1/Shop/order.htm",
+                                      "127.0.0.1/new", "", "http://", "http://127.0.0.1/../../x"};
+           const char* address = addresses[Pick(std::size(addresses))];
+           Log(std::string("browser shows ") + address);
+           SetWindowTextA(FindWindowExA(browser_, nullptr, "Edit", nullptr), address);
+         }},
+        {1, [this] { Restart(); }},
+    };
+  }
+
+  // --- invariants -------------------------------------------------------------
+
+  std::map<std::string, Bytes> Databases() const {
+    std::map<std::string, Bytes> files;
+    Snapshot(program_ + "\\Databases", "", files);
+    return files;
+  }
+
+  void CheckTable() {
+    const KeyTable& keys = Keys();
+    if (keys.count < 0 || keys.count > kMaxKeys) Die("key count " + std::to_string(keys.count));
+    for (int i = 0; i < kMaxKeys; ++i) {
+      for (int f = 0; f < kKeyFieldCount; ++f) {
+        const TextBlock block = keys.fields[f][i];
+        if (i >= keys.count && block != kNoBlock) Die("a block past the count at key " + std::to_string(i));
+        if (block != kNoBlock && !IsTextBlock(block)) Die("a dead block at key " + std::to_string(i));
+        if (block != kNoBlock && TextLock(block).text().size() > kMaxFieldLength)
+          Die("a text over its limit at key " + std::to_string(i));
+      }
+    }
+    if (CurrentSlotName()[0] == '\0') return;
+    HWND list = App().keysView;
+    if (ListView_GetItemCount(list) != keys.count)
+      Die("the Keys view shows " + std::to_string(ListView_GetItemCount(list)) + " rows for " +
+          std::to_string(keys.count) + " keys");
+    for (int row = 0; row < keys.count; ++row) {
+      char text[260] = {};
+      ListView_GetItemText(list, row, 0, text, sizeof text);
+      if (KeyFieldText(keys, row, kName).substr(0, sizeof text - 1) != text)
+        Die("row " + std::to_string(row) + " shows \"" + text + "\" for key \"" + KeyFieldText(keys, row, kName) + "\"");
+    }
+  }
+
+  // A database file written during the action holds the table as it was before
+  // the action (a save prompt) or as it is after it.
+  void CheckSaved(const std::map<std::string, Bytes>& before, const Bytes& tableBefore) {
+    const Bytes tableAfter = DatabaseBytes(Keys());
+    for (const auto& [name, bytes] : Databases()) {
+      auto old = before.find(name);
+      if (old != before.end() && old->second == bytes) continue;
+      if (name.size() > 4 && name.substr(name.size() - 4) == ".tmp") continue;
+      if (bytes != tableBefore && bytes != tableAfter)
+        Die(name + " was written with " + Size(bytes) + ", neither the table before (" + Size(tableBefore) +
+            ") nor after (" + Size(tableAfter) + ")");
+    }
+  }
+
+  void CheckOutside() {
+    std::map<std::string, Bytes> now;
+    Snapshot(outside_, "", now);
+    if (now != outsideBefore_) Die("the folder beside the program folder changed");
+    std::map<std::string, Bytes> top;
+    WIN32_FIND_DATAA found;
+    HANDLE find = FindFirstFileA((dir_.path() + "\\*").c_str(), &found);
+    int entries = 0;
+    do {
+      ++entries;
+    } while (find != INVALID_HANDLE_VALUE && FindNextFileA(find, &found));
+    FindClose(find);
+    if (entries != 4) Die("something was made beside the program folder");  // ".", "..", Program, Outside
+  }
+
+  void CheckRegistry() {
+    const std::string text = ReadText(program_ + "\\" + kRegistryFileName);
+    std::size_t start = 0;
+    while (start < text.size()) {
+      std::size_t end = text.find('\n', start);
+      if (end == std::string::npos) end = text.size();
+      if (end - start > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(end - start) + " characters");
+      start = end + 1;
+    }
+    std::FILE* in = std::fopen((program_ + "\\" + kRegistryFileName).c_str(), "r");
+    if (!in) return;  // the user may compact it away
+    RegistryReader reader(in);
+    RegistryEntry entry;
+    for (int n = 0; reader.Next(entry); ++n) {
+      if (n > 100000) Die("the registry does not end");
+    }
+    std::fclose(in);
+  }
+
+  void Run() {
+    const char* seedText = std::getenv("QB_MONKEY_SEED");
+    const char* secondsText = std::getenv("QB_MONKEY_SECONDS");
+    seed_ = seedText && *seedText ? std::strtoull(seedText, nullptr, 10)
+                                  : static_cast<std::uint64_t>(Clock::now().time_since_epoch().count() % 1000000007);
+    const int seconds = secondsText && *secondsText ? std::atoi(secondsText) : 60;
+    std::printf("monkey: seed %llu for %d seconds (QB_MONKEY_SEED=%llu QB_MONKEY_SECONDS=%d to replay)\n",
+                static_cast<unsigned long long>(seed_), seconds, static_cast<unsigned long long>(seed_), seconds);
+    std::fflush(stdout);
+    rng_.seed(seed_);
+    texts_ = TypedTexts(outside_);
+    beat_ = Clock::now().time_since_epoch().count();
+    SetUnhandledExceptionFilter(OnCrash);
+    std::thread watchdog([this] { Watch(); });
+    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, OnTick);
+    const std::vector<Action> actions = Actions();
+    int total = 0;
+    for (const Action& a : actions) total += a.weight;
+    const auto end = Clock::now() + std::chrono::seconds(seconds);
+    while (Clock::now() < end) {
+      auto before = Databases();
+      const Bytes tableBefore = DatabaseBytes(Keys());
+      int roll = static_cast<int>(Pick(total));
+      std::size_t i = 0;
+      while (roll >= actions[i].weight) roll -= actions[i++].weight;
+      actionStart_ = Clock::now().time_since_epoch().count();
+      actions[i].run();
+      MSG msg;
+      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+        if (msg.message == WM_QUIT) continue;
+        TranslateMessage(&msg);
+        DispatchMessageA(&msg);
+      }
+      actionStart_ = 0;
+      modalActions_.clear();
+      if (!IsWindow(window_)) Die("the main window went away");
+      CheckTable();
+      CheckSaved(before, tableBefore);
+      CheckOutside();
+      CheckRegistry();
+    }
+    KillTimer(nullptr, timer);
+    done_ = true;
+    watchdog.join();
+    for (const auto& [name, bytes] : Databases()) {
+      if (name.size() < 4 || name.substr(name.size() - 4) != ".dat") continue;
+      OwnedTable table;
+      const LoadResult result = ReadDatabaseBytes(bytes.data(), bytes.size(), *table);
+      EXPECT_TRUE(result.loaded() && !result.damaged()) << name;
+    }
+    std::printf("monkey: %llu actions in %d seconds, seed %llu\n", static_cast<unsigned long long>(actions_),
+                seconds, static_cast<unsigned long long>(seed_));
+  }
+
+  std::string program_;
+  std::string outside_;
+  std::map<std::string, Bytes> outsideBefore_;
+  HWND browser_ = nullptr;
+  HACCEL accelerators_ = nullptr;
+  std::mt19937_64 rng_;
+  std::uint64_t seed_ = 0;
+  std::vector<std::string> texts_;
+  std::map<HWND, int> modalActions_;
+  std::mutex logMutex_;
+  std::deque<std::string> log_;
+  std::uint64_t actions_ = 0;
+  std::atomic<Clock::rep> beat_{0};
+  std::atomic<Clock::rep> actionStart_{0};
+  std::atomic<bool> done_{false};
+};
+
+TEST_F(Monkey, ClicksLikeACarelessUser) {
+  LoopbackServer server(LoopbackReply{{kFormPage}});
+  ASSERT_TRUE(server.listening()) << server.error();
+  Run();
+}
+
+}  // namespace
+}  // namespace qb::test
