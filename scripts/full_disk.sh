@@ -26,6 +26,8 @@ full="Z:${dir//\//\\}"
 status=0
 nsenter -t "$server" -m -- sh -c 'mount -t tmpfs -o size=1m qbfull "$1"' sh "$dir"
 QB_FULL_DIR=$full nsenter -t "$server" -m -- wine "$exe" "$@" || status=$?
-nsenter -t "$server" -m -- umount "$dir" || true
-rmdir "$dir"
+# The server may still hold a handle in the folder for a moment after the
+# program has gone; a lazy unmount detaches it now and frees it when released.
+nsenter -t "$server" -m -- sh -c 'umount "$1" 2>/dev/null || umount -l "$1"' sh "$dir" || true
+rmdir "$dir" 2>/dev/null || echo "note: $dir left behind" >&2
 exit $status
