@@ -23,11 +23,7 @@ constexpr char kNotALink[] = "This is not a Link file then Folder";
 // display-text request).
 std::string ItemText(HWND list, int row, int column = 0) {
   char text[300] = {};
-  LVITEMA item{};
-  item.iSubItem = column;
-  item.pszText = text;
-  item.cchTextMax = sizeof text;
-  SendMessageA(list, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
+  ListView_GetItemText(list, row, column, text, sizeof text);
   return text;
 }
 
@@ -40,13 +36,9 @@ std::vector<std::string> ItemTexts(HWND list) {
 // The destination dialog: double click a row of its list.
 void OpenDestinationRow(HWND dialog, const std::string& text) {
   HWND list = GetDlgItem(dialog, IDC_DESTINATION_LIST);
-  LVFINDINFOA find{};
-  find.flags = LVFI_STRING;
-  find.psz = text.c_str();
-  NMITEMACTIVATE activate{};
-  activate.hdr = {list, IDC_DESTINATION_LIST, static_cast<UINT>(NM_DBLCLK)};
-  activate.iItem = static_cast<int>(SendMessageA(list, LVM_FINDITEMA, static_cast<WPARAM>(-1),
-                                                 reinterpret_cast<LPARAM>(&find)));
+  LVFINDINFOA find{LVFI_STRING, text.c_str()};
+  const int row = ListView_FindItem(list, -1, &find);
+  NMITEMACTIVATE activate{{list, IDC_DESTINATION_LIST, static_cast<UINT>(NM_DBLCLK)}, row};
   SendMessageA(dialog, WM_NOTIFY, IDC_DESTINATION_LIST, reinterpret_cast<LPARAM>(&activate));
 }
 
@@ -80,9 +72,7 @@ class LinksViewTest : public MainWindowTest {
     const auto it = std::find(names.begin(), names.end(), name);
     return it == names.end() ? -1 : static_cast<int>(it - names.begin());
   }
-  int Selected() const {
-    return static_cast<int>(SendMessageA(View(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-  }
+  int Selected() const { return ListView_GetNextItem(View(), -1, LVNI_SELECTED); }
 
   // Selects a row as a click does: the list selects it and reports the click.
   void Select(const std::string& name) {
@@ -98,19 +88,14 @@ class LinksViewTest : public MainWindowTest {
   }
   // A click or double click at the middle of a row, as the list reports it.
   void Click(int row, UINT code) {
-    RECT r{LVIR_BOUNDS, 0, 0, 0};
-    SendMessageA(View(), LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&r));
-    NMITEMACTIVATE activate{};
-    activate.hdr = {View(), IDC_LINKS_VIEW, code};
-    activate.iItem = row;
+    RECT r;
+    ListView_GetItemRect(View(), row, &r, LVIR_BOUNDS);
+    NMITEMACTIVATE activate{{View(), IDC_LINKS_VIEW, code}, row};
     activate.ptAction = {r.left + 30, (r.top + r.bottom) / 2};
     SendMessageA(window_, WM_NOTIFY, IDC_LINKS_VIEW, reinterpret_cast<LPARAM>(&activate));
   }
   void SortBy(int column) {
-    NMLISTVIEW header{};
-    header.hdr = {View(), IDC_LINKS_VIEW, static_cast<UINT>(LVN_COLUMNCLICK)};
-    header.iItem = -1;
-    header.iSubItem = column;
+    NMLISTVIEW header{{View(), IDC_LINKS_VIEW, static_cast<UINT>(LVN_COLUMNCLICK)}, -1, column};
     SendMessageA(window_, WM_NOTIFY, IDC_LINKS_VIEW, reinterpret_cast<LPARAM>(&header));
   }
 
@@ -151,18 +136,16 @@ class LinksViewTest : public MainWindowTest {
   int AddKeyRow(const std::string& name) {
     const int index = Keys().count++;
     SetKeyField(Keys(), index, kName, name);
-    LVITEMA item{};
-    item.mask = LVIF_TEXT;
-    item.iItem = index;
+    LVITEMA item{LVIF_TEXT, index};
     item.pszText = const_cast<char*>(name.c_str());
-    SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    ListView_InsertItem(App().keysView, &item);
     return index;
   }
 
   std::string root_;
 };
 
-TEST_F(LinksViewTest, ListsTheFilesOwnSizeAndTimeAndSortsByTheClickedColumn) {
+TEST_F(LinksViewTest, ListsTheFilesOwnSizeAndTimeSortsByTheClickedColumnAndListsAgainWhenShown) {
   Make({"Shops\\", "Shops\\Zoo\\", "Shops\\Alpha\\", "Shops\\a.txt", "Shops\\b.asp", "Shops\\c.htm", "report"});
   MakeFile("form.htm", std::string(1234, 'x'));
   ASSERT_NE(Open(), nullptr);
@@ -183,16 +166,31 @@ TEST_F(LinksViewTest, ListsTheFilesOwnSizeAndTimeAndSortsByTheClickedColumn) {
                                         std::to_string(t.wYear) + "  " + std::to_string(t.wHour) + ":" +
                                         std::to_string(t.wMinute));
 
-  // Below the root the parent row comes first, whatever the order.
+  // Below the root the parent row comes first, whatever the order. Downloads go to
+  // the folder shown, and showing the view lists it again.
   Enter("Shops");
-  EXPECT_EQ(Names(), (std::vector<std::string>{"", "Alpha", "Zoo", "a.txt", "b.asp", "c.htm"}));
+  EXPECT_EQ(CurrentLinksFolder(), root_ + "Shops\\");
+  Command(IDM_KEY_WINDOW);
+  MakeFile("Shops\\d.htm");
+  Command(IDM_KEY_WINDOW);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"", "Alpha", "Zoo", "a.txt", "b.asp", "c.htm", "d.htm"}));
   SortBy(kSortExt);
-  EXPECT_EQ(Names(), (std::vector<std::string>{"", "Alpha", "Zoo", "b.asp", "c.htm", "a.txt"}));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"", "Alpha", "Zoo", "b.asp", "c.htm", "d.htm", "a.txt"}));
 }
 
-TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRow) {
+TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRowAndScrollPosition) {
   Make({"A\\", "B\\", "C\\", "C\\Inner\\", "C\\page.htm"});
+  for (int i = 0; i < 60; ++i) MakeFolder("F" + std::to_string(10 + i));
   ASSERT_NE(Open(), nullptr);
+  SendMessageA(View(), LVM_ENSUREVISIBLE, RowOf("F60"), FALSE);
+  const int scrolled = GetScrollPos(View(), SB_VERT);
+  ASSERT_GT(scrolled, 0);
+  Enter("F60");
+  EXPECT_EQ(GetScrollPos(View(), SB_VERT), 0);
+  Enter("");
+  EXPECT_EQ(GetScrollPos(View(), SB_VERT), scrolled);
+  EXPECT_EQ(Selected(), RowOf("F60"));
+
   Enter("C");
   EXPECT_EQ(App().linksFolder, root_ + "C\\");
   EXPECT_EQ(Names(), (std::vector<std::string>{"", "Inner", "page.htm"}));
@@ -218,19 +216,6 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRow) {
   EXPECT_EQ(Selected(), RowOf("Inner"));
 }
 
-TEST_F(LinksViewTest, GoingBackUpRestoresTheScrollPosition) {
-  for (int i = 0; i < 60; ++i) MakeFolder("F" + std::to_string(10 + i));
-  ASSERT_NE(Open(), nullptr);
-  SendMessageA(View(), LVM_ENSUREVISIBLE, 50, FALSE);
-  const int scrolled = GetScrollPos(View(), SB_VERT);
-  ASSERT_GT(scrolled, 0);
-  Enter("F60");
-  EXPECT_EQ(GetScrollPos(View(), SB_VERT), 0);
-  Enter("");
-  EXPECT_EQ(GetScrollPos(View(), SB_VERT), scrolled);
-  EXPECT_EQ(Selected(), RowOf("F60"));
-}
-
 TEST_F(LinksViewTest, AFolderThatCannotBeListedGivesWayToTheNearestOneAbove) {
   Make({"A\\", "A\\B\\", "A\\B\\C\\", "A\\a.htm"});
   ASSERT_NE(Open(), nullptr);
@@ -244,17 +229,6 @@ TEST_F(LinksViewTest, AFolderThatCannotBeListedGivesWayToTheNearestOneAbove) {
   Enter("");
   EXPECT_EQ(App().linksFolder, root_);
   EXPECT_EQ(Names(), (std::vector<std::string>{"A"}));
-}
-
-TEST_F(LinksViewTest, DownloadsGoToTheFolderTheViewShowsAndShowingItListsItAgain) {
-  MakeFolder("Shops");
-  ASSERT_NE(Open(), nullptr);
-  Enter("Shops");
-  EXPECT_EQ(CurrentLinksFolder(), root_ + "Shops\\");
-  Command(IDM_KEY_WINDOW);
-  MakeFile("Shops\\new.htm");
-  Command(IDM_KEY_WINDOW);
-  EXPECT_EQ(Names(), (std::vector<std::string>{"", "new.htm"}));
 }
 
 // Right click on a row opens POPLIST_MENU there; it is closed again from outside.
