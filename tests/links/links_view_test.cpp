@@ -42,12 +42,15 @@ void OpenDestinationRow(HWND dialog, const std::string& text) {
   SendMessageA(dialog, WM_NOTIFY, IDC_DESTINATION_LIST, reinterpret_cast<LPARAM>(&activate));
 }
 
-class LinksViewTest : public MainWindowTest {
+// The main window over an empty DataHtml, pages opened in the stand-in browser.
+// Tests make their tree and list it again.
+class LinksViewTest : public ScanTest {
  protected:
   void SetUp() override {
-    MainWindowTest::SetUp();
+    ScanTest::SetUp();
+    ASSERT_NO_FATAL_FAILURE();
     root_ = dir_.File("DataHtml") + "\\";
-    MakeFolder("");
+    ResetLinksView();
     DeleteSubfoldersOption() = true;
   }
 
@@ -133,23 +136,13 @@ class LinksViewTest : public MainWindowTest {
     });
   }
 
-  // A key named `name` in the key table and in the Keys view; returns its index.
-  int AddKeyRow(const std::string& name) {
-    const int index = Keys().count++;
-    SetKeyField(Keys(), index, kName, name);
-    LVITEMA item{LVIF_TEXT, index};
-    item.pszText = const_cast<char*>(name.c_str());
-    ListView_InsertItem(App().keysView, &item);
-    return index;
-  }
-
   std::string root_;
 };
 
 TEST_F(LinksViewTest, ListsTheFilesOwnSizeAndTimeSortsByTheClickedColumnAndListsAgainWhenShown) {
   Make({"Shops\\", "Shops\\Zoo\\", "Shops\\Alpha\\", "Shops\\a.txt", "Shops\\b.asp", "Shops\\c.htm", "report"});
   MakeFile("form.htm", std::string(1234, 'x'));
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   EXPECT_EQ(Names(), (std::vector<std::string>{"Shops", "form.htm", "report.   "}));
   EXPECT_EQ(App().linksFolder, root_);
   EXPECT_EQ(Selected(), 0);
@@ -182,7 +175,7 @@ TEST_F(LinksViewTest, ListsTheFilesOwnSizeAndTimeSortsByTheClickedColumnAndLists
 TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRowAndScrollPosition) {
   Make({"A\\", "B\\", "C\\", "C\\Inner\\", "C\\Inner\\Deep\\", "C\\page.htm"});
   for (int i = 0; i < 60; ++i) MakeFolder("F" + std::to_string(10 + i));
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   SendMessageA(View(), LVM_ENSUREVISIBLE, RowOf("F60"), FALSE);
   const int scrolled = GetScrollPos(View(), SB_VERT);
   ASSERT_GT(scrolled, 0);
@@ -227,7 +220,7 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRowAndScrollPosition) {
 // Right click on a row opens POPLIST_MENU there; it is closed again from outside.
 TEST_F(LinksViewTest, RightClickOnARowOpensTheLinksMenu) {
   MakeFolder("Shops");
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   std::vector<std::string> items;
   std::atomic<bool> done{false};
   std::thread closer([&] {
@@ -254,7 +247,7 @@ TEST_F(LinksViewTest, RightClickOnARowOpensTheLinksMenu) {
 
 TEST_F(LinksViewTest, CommandsNeedARowAndSomeNeedADocument) {
   Make({"Shops\\", "form.htm"});
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   const WORD needARow[] = {IDM_RENAME_FOLDER, IDM_DELETE_LINK, IDM_RENAME_LINK, IDM_MOVE_LINK};
   ListView_SetItemState(View(), -1, 0, LVIS_SELECTED);
   for (WORD command : needARow) EXPECT_EQ(MessageOf(command), kSelectFirst) << command;
@@ -274,7 +267,6 @@ TEST_F(LinksViewTest, CommandsNeedARowAndSomeNeedADocument) {
 }
 
 TEST_F(LinksViewTest, NewFolderIsCreatedInTheCurrentFolderAndRefusedWhenTooLong) {
-  ASSERT_NE(Open(), nullptr);
   auto result = Run(IDM_NEW_FOLDER, {TypeName("Fresh")});
   EXPECT_EQ(result.seen.at(0).caption, "Quellbarrow - New name");
   EXPECT_NE(result.seen[0].ControlByText("Type a ne Directory name"), nullptr);
@@ -297,7 +289,7 @@ TEST_F(LinksViewTest, NewFolderIsCreatedInTheCurrentFolderAndRefusedWhenTooLong)
 TEST_F(LinksViewTest, RenamingAFolderCarriesEveryRegistryLineThatBeginsWithIt) {
   Make({"Shops\\", "Shops2\\", "Shops\\a.htm", "Shops2\\b.htm", "top.htm"});
   WriteRegistry({{"www.a.com/a", "Shops\\a.htm"}, {"www.b.com/b", "Shops2\\b.htm"}, {"www.t.com/t", "top.htm"}});
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   Select("Shops");
   auto result = Run(IDM_RENAME_FOLDER, {TypeName("Stores")});
   EXPECT_NE(result.seen.at(0).ControlByText("Type a new Folder name:"), nullptr);
@@ -328,7 +320,7 @@ TEST_F(LinksViewTest, DeletingAsksFirstAndEntersSubfoldersOnlyWithTheOption) {
   Make({"Keep\\", "Keep\\Sub\\", "Flat\\", "All\\", "All\\Sub\\", "All\\Sub\\Deeper\\", "Keep\\a.htm",
         "Keep\\Sub\\b.htm", "Flat\\c.htm", "All\\d.htm", "All\\Sub\\Deeper\\e.htm", "form.htm"});
   WriteRegistry({{"www.a.com/form", "form.htm"}});
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   // A page goes once the user says yes; its registry entry stays.
   for (const char* answer : {"No", "Yes"}) {
     Select("form.htm");
@@ -384,7 +376,7 @@ TEST_F(LinksViewTest, MovingALinkOverwritesTheFileThereAndMovesItsEntryUnlessItC
   MakeFile("From\\form.htm", "new page");
   MakeFile("Target\\form.htm", "old page");
   WriteRegistry({{"www.a.com/form", "From\\form.htm"}, {"www.gone.com/", "missing.htm"}});
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   Enter("From");
   Select("form.htm");
   std::vector<std::vector<std::string>> listed;
@@ -432,18 +424,14 @@ class LinkScanTest : public LinksViewTest {
  protected:
   void SetUp() override {
     LinksViewTest::SetUp();
-    UseStandInBrowser();
     MakeFolder("Shops");
     MakeFile("Shops\\order.htm",
              "<html><body><form method=post action=/cgi/mail>\n"
              "Mail <input type=text name=email>\n<input type=submit></form></body></html>\n");
     WriteRegistry({{"www.example.com/shop/order.htm", "Shops\\order.htm"}});
-    ASSERT_NE(Open(), nullptr);
+    ASSERT_TRUE(RefreshLinksView());
     // The Keys view's selected key fills the text fields.
-    const int mail = AddKeyRow("Mail");
-    SetKeyField(Keys(), mail, kSearchNames, "email");
-    SetKeyField(Keys(), mail, kDescription, "me@example.com");
-    SelectKeyRow(App().keysView, mail);
+    SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
   }
 
   std::string FilledPath() const { return dir_.File("QuellbarrowTemproaryFile.htm"); }
@@ -459,7 +447,7 @@ TEST_F(LinkScanTest, DoubleClickAndScanCommandsScanASavedPage) {
   Enter("Shops");
   Modal([&] { Click(RowOf("order.htm"), NM_DBLCLK); });
   EXPECT_TRUE(Filled());
-  EXPECT_EQ(BrowserOpened(dir_), FilledPath() + "\r\n");
+  EXPECT_EQ(Opened(), FilledPath() + "\r\n");
   EXPECT_EQ(App().linksFolder, root_ + "Shops\\");
   EXPECT_EQ(LinksView().selectedName, "order.htm");
 
@@ -496,7 +484,7 @@ TEST_F(LinkScanTest, LinkInfoAndGotoSiteUseTheRecordedAddress) {
   EXPECT_EQ(result.seen[0].MessageText(), "Location URL:\nhttp://www.example.com/shop/order.htm\n\n"
                                           "Location File:\n" + root_ + "Shops\\order.htm");
   Run(IDM_GOTO_SITE);
-  EXPECT_EQ(BrowserOpened(dir_), "http://www.example.com/shop/order.htm\r\n");
+  EXPECT_EQ(Opened(), "http://www.example.com/shop/order.htm\r\n");
 }
 
 // ---- Names, links and moves that must not leave DataHtml or lose a page
@@ -506,7 +494,7 @@ TEST_F(LinkScanTest, LinkInfoAndGotoSiteUseTheRecordedAddress) {
 TEST_F(LinksViewTest, NamesThatLeaveTheFolderAreRefusedAndEditingInPlaceRenames) {
   Make({"Shops\\", "Shops\\a.htm", "form.htm"});
   WriteRegistry({{"www.a.com/form", "form.htm"}, {"www.a.com/", "Shops\\a.htm"}});
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
   for (const char* bad : {"..\\escaped", "Shops\\inner"}) {
     for (WORD command : {IDM_NEW_FOLDER, IDM_RENAME_FOLDER}) {
       SCOPED_TRACE(std::string(bad) + " " + std::to_string(command));
@@ -601,7 +589,7 @@ ModalResult PressKey(HWND focus, UINT key, std::vector<ModalStep> steps = {}) {
 TEST_F(LinksViewTest, DelAndF2ActOnTheFocusedViewAndGreyedCommandsStayIdle) {
   MakeFolder("Shops");
   MakeFile("form.htm");
-  ASSERT_NE(Open(), nullptr);
+  ASSERT_TRUE(RefreshLinksView());
 
   Select("Shops");
   auto result = PressKey(View(), VK_F2, {Press("Cancel")});
@@ -617,7 +605,7 @@ TEST_F(LinksViewTest, DelAndF2ActOnTheFocusedViewAndGreyedCommandsStayIdle) {
   EXPECT_TRUE(PressKey(keys, VK_INSERT).seen.empty());
 
   // F2 on a key edits its Name in place; the Links view's selection is left alone.
-  AddKeyRow("Mail");
+  AddKey("Mail", "", "", "");
   Select("Shops");
   SelectKeyRow(keys, 0);
   PressKey(keys, VK_F2);
