@@ -1,8 +1,6 @@
 // The Links view and its folder commands in a real main window over a real
 // DataHtml tree in a fresh program folder.
 #include <algorithm>
-#include <atomic>
-#include <thread>
 
 #include "acquire/acquire_state.h"
 #include "acquire/document_registry.h"
@@ -217,31 +215,32 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRowAndScrollPosition) {
   EXPECT_EQ(Selected(), RowOf("C"));
 }
 
-// Right click on a row opens POPLIST_MENU there; it is closed again from outside.
+// Reads the open pop-up menu's items and closes it: a timer the menu's own loop runs.
+std::vector<std::string> g_menuItems;
+void CALLBACK ReadAndCloseMenu(HWND, UINT, UINT_PTR timer, DWORD) {
+  HWND menu = FindWindowA("#32768", nullptr);
+  if (!menu || !IsWindowVisible(menu)) return;
+  KillTimer(nullptr, timer);
+  auto handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
+  for (int k = 0; k < GetMenuItemCount(handle); ++k) {
+    char text[64] = {};
+    GetMenuStringA(handle, k, text, sizeof text, MF_BYPOSITION);
+    if (text[0]) g_menuItems.push_back(text);
+  }
+  EndMenu();
+}
+
+// Right click on a row opens POPLIST_MENU there.
 TEST_F(LinksViewTest, RightClickOnARowOpensTheLinksMenu) {
   MakeFolder("Shops");
   ASSERT_TRUE(RefreshLinksView());
-  std::vector<std::string> items;
-  std::atomic<bool> done{false};
-  std::thread closer([&] {
-    for (int i = 0; i < 500 && !done; ++i, Sleep(10)) {
-      HWND menu = FindWindowA("#32768", nullptr);
-      if (!menu || !IsWindowVisible(menu)) continue;
-      auto handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
-      for (int k = 0; k < GetMenuItemCount(handle); ++k) {
-        char text[64] = {};
-        GetMenuStringA(handle, k, text, sizeof text, MF_BYPOSITION);
-        if (text[0]) items.push_back(text);
-      }
-      PostMessageA(window_, WM_CANCELMODE, 0, 0);
-      return;
-    }
-  });
+  g_menuItems.clear();
+  const UINT_PTR timer = SetTimer(nullptr, 0, 10, ReadAndCloseMenu);
   Click(0, NM_RCLICK);
-  done = true;
-  closer.join();
-  EXPECT_EQ(items, (std::vector<std::string>{"&Goto site URL", "&New Folder", "&Rename Folder", "&Delete Folder",
-                                             "&Move Link", "&Rename Link", "&Delete Link", "&Info Link"}));
+  KillTimer(nullptr, timer);
+  EXPECT_EQ(g_menuItems, (std::vector<std::string>{"&Goto site URL", "&New Folder", "&Rename Folder",
+                                                   "&Delete Folder", "&Move Link", "&Rename Link", "&Delete Link",
+                                                   "&Info Link"}));
   EXPECT_EQ(LinksView().selectedName, "Shops");
 }
 
@@ -264,26 +263,6 @@ TEST_F(LinksViewTest, CommandsNeedARowAndSomeNeedADocument) {
   Command(IDM_KEY_WINDOW);
   ListView_SetItemState(View(), -1, 0, LVIS_SELECTED);
   for (WORD command : needARow) Run(command);
-}
-
-TEST_F(LinksViewTest, NewFolderIsCreatedInTheCurrentFolderAndRefusedWhenTooLong) {
-  auto result = Run(IDM_NEW_FOLDER, {TypeName("Fresh")});
-  EXPECT_EQ(result.seen.at(0).caption, "Quellbarrow - New name");
-  EXPECT_NE(result.seen[0].ControlByText("Type a ne Directory name"), nullptr);
-  EXPECT_TRUE(Exists("Fresh"));
-  EXPECT_EQ(Names(), (std::vector<std::string>{"Fresh"}));
-
-  // A current folder of 250 characters leaves room for 9 more.
-  const std::string deep = root_ + std::string(249 - root_.size(), 'd') + "\\";
-  ASSERT_TRUE(CreateDirectoryA(deep.c_str(), nullptr)) << deep;
-  App().linksFolder = deep;
-  RefreshLinksView();
-  result = Run(IDM_NEW_FOLDER, {TypeName("0123456789"), Press("OK"), Again(test::Command(IDCANCEL))});
-  EXPECT_EQ(result.seen.at(1).caption, "Warning");
-  EXPECT_EQ(result.seen[1].MessageText(), NewFolderTooLongText(deep, "0123456789"));
-  EXPECT_EQ(Names(), (std::vector<std::string>{""}));
-  Run(IDM_NEW_FOLDER, {TypeName("012345678")});
-  EXPECT_EQ(Names(), (std::vector<std::string>{"", "012345678"}));
 }
 
 TEST_F(LinksViewTest, RenamingAFolderCarriesEveryRegistryLineThatBeginsWithIt) {
@@ -357,19 +336,6 @@ TEST_F(LinksViewTest, DeletingAsksFirstAndEntersSubfoldersOnlyWithTheOption) {
   EXPECT_TRUE(DeleteSubfoldersOption());
 }
 
-TEST_F(LinksViewTest, DeleteWalkStopsAtItsDeepestLevel) {
-  std::string path;
-  for (int level = 1; level <= kDeleteLevelsMax + 1; ++level) {
-    path += "L\\";
-    Make({path, path + "p.htm"});
-  }
-  DeleteFolderTree(root_ + "L", true);
-  // The last level is never entered, so it and every folder above it stay.
-  EXPECT_TRUE(Exists(path + "p.htm"));
-  EXPECT_FALSE(Exists(path.substr(0, path.size() - 2) + "p.htm"));
-  EXPECT_TRUE(Exists("L"));
-}
-
 TEST_F(LinksViewTest, MovingALinkOverwritesTheFileThereAndMovesItsEntryUnlessItCannotCopy) {
   // No file can take the name of the folder Blocked\form.htm.
   Make({"From\\", "Target\\", "Target\\Deeper\\", "Target\\.svn\\", "Blocked\\", "Blocked\\form.htm\\", "gone.htm"});
@@ -425,10 +391,10 @@ class LinkScanTest : public LinksViewTest {
   void SetUp() override {
     LinksViewTest::SetUp();
     MakeFolder("Shops");
-    MakeFile("Shops\\order.htm",
+    SavePage("Shops\\order.htm",
              "<html><body><form method=post action=/cgi/mail>\n"
-             "Mail <input type=text name=email>\n<input type=submit></form></body></html>\n");
-    WriteRegistry({{"www.example.com/shop/order.htm", "Shops\\order.htm"}});
+             "Mail <input type=text name=email>\n<input type=submit></form></body></html>\n",
+             "www.example.com/shop/order.htm");
     ASSERT_TRUE(RefreshLinksView());
     // The Keys view's selected key fills the text fields.
     SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
@@ -490,8 +456,9 @@ TEST_F(LinkScanTest, LinkInfoAndGotoSiteUseTheRecordedAddress) {
 // ---- Names, links and moves that must not leave DataHtml or lose a page
 
 // Every refused name is refused by one rule; both name dialogs and the edit in
-// place apply it.
-TEST_F(LinksViewTest, NamesThatLeaveTheFolderAreRefusedAndEditingInPlaceRenames) {
+// place apply it. A new folder goes in the current folder, whose length limits
+// the name.
+TEST_F(LinksViewTest, NameDialogsAndEditInPlaceRefuseNamesThatLeaveTheFolderOrTheLengthLimit) {
   Make({"Shops\\", "Shops\\a.htm", "form.htm"});
   WriteRegistry({{"www.a.com/form", "form.htm"}, {"www.a.com/", "Shops\\a.htm"}});
   ASSERT_TRUE(RefreshLinksView());
@@ -520,13 +487,27 @@ TEST_F(LinksViewTest, NamesThatLeaveTheFolderAreRefusedAndEditingInPlaceRenames)
   EXPECT_EQ(Registry().FindUrlForFile(root_ + "form.htm"), "www.a.com/form");
 
   Modal([&] { editName("Stores"); });
-  EXPECT_EQ(Names(), (std::vector<std::string>{"Stores", "form.htm"}));
   EXPECT_EQ(Registry().FindUrlForFile(root_ + "Stores\\a.htm"), "www.a.com/");
+
+  auto result = Run(IDM_NEW_FOLDER, {TypeName("Fresh")});
+  EXPECT_NE(result.seen.at(0).ControlByText("Type a ne Directory name"), nullptr);
+  EXPECT_EQ(Names(), (std::vector<std::string>{"Fresh", "Stores", "form.htm"}));
+  // A current folder of 250 characters leaves room for 9 more.
+  const std::string deep = root_ + std::string(249 - root_.size(), 'd') + "\\";
+  ASSERT_TRUE(CreateDirectoryA(deep.c_str(), nullptr)) << deep;
+  App().linksFolder = deep;
+  RefreshLinksView();
+  result = Run(IDM_NEW_FOLDER, {TypeName("0123456789"), Press("OK"), Again(test::Command(IDCANCEL))});
+  EXPECT_EQ(result.seen.at(1).caption, "Warning");
+  EXPECT_EQ(result.seen[1].MessageText(), NewFolderTooLongText(deep, "0123456789"));
+  EXPECT_EQ(Names(), (std::vector<std::string>{""}));
+  Run(IDM_NEW_FOLDER, {TypeName("012345678")});
+  EXPECT_EQ(Names(), (std::vector<std::string>{"", "012345678"}));
 }
 
 // The walk the Delete command runs once its dialog is answered, in both option
 // states, on folders holding a link to a folder outside DataHtml and on a link.
-TEST_F(LinksViewTest, DeletingAFolderNeverEntersALinkToAFolderElsewhere) {
+TEST_F(LinksViewTest, DeleteWalkNeverEntersALinkToAFolderElsewhereAndStopsAtItsDeepestLevel) {
   const auto link = [](const std::string& folder, const std::string& name, const std::string& target) {
     ASSERT_TRUE(MakeUnixLink(folder, name, target));
     // Shown as a folder that is a reparse point, which is how the walk knows it.
@@ -550,6 +531,18 @@ TEST_F(LinksViewTest, DeletingAFolderNeverEntersALinkToAFolderElsewhere) {
   }
   EXPECT_FALSE(Exists("Box1\\page.htm"));
   EXPECT_FALSE(Exists("Box0\\page.htm"));
+
+  // The walk stops at its deepest level.
+  std::string path;
+  for (int level = 1; level <= kDeleteLevelsMax + 1; ++level) {
+    path += "L\\";
+    Make({path, path + "p.htm"});
+  }
+  DeleteFolderTree(root_ + "L", true);
+  // The last level is never entered, so it and every folder above it stay.
+  EXPECT_TRUE(Exists(path + "p.htm"));
+  EXPECT_FALSE(Exists(path.substr(0, path.size() - 2) + "p.htm"));
+  EXPECT_TRUE(Exists("L"));
 }
 
 // ---- The keyboard: keys act on the view that has it
