@@ -82,11 +82,9 @@ INT_PTR CALLBACK RecordingDialog(HWND, UINT m, WPARAM w, LPARAM l) {
 }
 
 TEST_F(Dispatch, SelectorTwoIsTheDialogDefaultProcedure) {
-  // DLGTEMPLATE + empty menu, class and title, aligned to a DWORD.
-  alignas(4) WORD tmpl[16] = {};
-  reinterpret_cast<DLGTEMPLATE*>(tmpl)->style = WS_POPUP;
-  HWND dialog = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), reinterpret_cast<DLGTEMPLATE*>(tmpl),
-                                           nullptr, RecordingDialog, 0);
+  // A template without controls; the zeros after it are its empty menu, class and title.
+  alignas(4) DLGTEMPLATE tmpl[2] = {{WS_POPUP}};
+  HWND dialog = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), tmpl, nullptr, RecordingDialog, 0);
   ASSERT_NE(dialog, nullptr);
   g_calls.clear();
   // An unknown command goes on as message 273 with wParam and lParam as received,

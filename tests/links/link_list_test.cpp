@@ -60,13 +60,10 @@ TEST(LinkEntries, FileTimesBecomeCalendarFieldsAndTheDateCell) {
       {0x7FFFFFFFFFFFFFFFull, {30828, 9, 4, 14, 2, 48, 5, 477}},
       {0x8000000000000000ull, {}},  // no time at all
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.ticks);
-    const LinkTime t = LinkTimeFromTicks(c.ticks);
-    EXPECT_EQ(std::vector<int>({t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second, t.milliseconds}),
-              std::vector<int>({c.t.year, c.t.month, c.t.dayOfWeek, c.t.day, c.t.hour, c.t.minute,
-                                c.t.second, c.t.milliseconds}));
-  }
+  const auto fields = [](const LinkTime& t) {
+    return std::vector<int>{t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second, t.milliseconds};
+  };
+  for (const auto& c : cases) EXPECT_EQ(fields(LinkTimeFromTicks(c.ticks)), fields(c.t)) << c.ticks;
   FoundFile f = Document("a.htm");
   f.lastWrite = kTicks1970 + 11016 * kTicksPerDay + (5 * 60 + 7) * 600000000ull;  // 2000-02-29 05:07
   EXPECT_EQ(LinkCellText(MakeLinkEntry(f), 3), "2/29/2000  5:7");
