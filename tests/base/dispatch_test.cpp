@@ -61,6 +61,12 @@ TEST_F(Dispatch, TheTablesProcedureRunsTheFirstMatchingRowAndCommandsKeepTheirHi
                          {1, WM_USER + 1, 7, 8}, {2, WM_USER + 2, 0, 0}, {1, 50302, 1, 99}, {2, 50303, 0, 0}}));
 }
 
+// A dialog that records the commands DefDlgProc hands it.
+INT_PTR CALLBACK RecordingDialog(HWND, UINT m, WPARAM w, LPARAM l) {
+  if (m == WM_COMMAND) g_calls.push_back({0, m, w, l});
+  return FALSE;
+}
+
 TEST_F(Dispatch, DefaultSelectorPicksTheDefaultProcedure) {
   // Selector 1 is DefWindowProc: WM_SETTEXT really sets the text.
   const auto setText = [&](std::uint32_t selector, const char* text) {
@@ -73,20 +79,12 @@ TEST_F(Dispatch, DefaultSelectorPicksTheDefaultProcedure) {
     EXPECT_EQ(test::WindowText(window_), "after") << selector;
   }
   EXPECT_TRUE(g_calls.empty());
-}
 
-// A dialog that records the commands DefDlgProc hands it.
-INT_PTR CALLBACK RecordingDialog(HWND, UINT m, WPARAM w, LPARAM l) {
-  if (m == WM_COMMAND) g_calls.push_back({0, m, w, l});
-  return FALSE;
-}
-
-TEST_F(Dispatch, SelectorTwoIsTheDialogDefaultProcedure) {
+  // Selector 2 is DefDlgProc, which hands a command on to the dialog's procedure.
   // A template without controls; the zeros after it are its empty menu, class and title.
   alignas(4) DLGTEMPLATE tmpl[2] = {{WS_POPUP}};
   HWND dialog = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), tmpl, nullptr, RecordingDialog, 0);
   ASSERT_NE(dialog, nullptr);
-  g_calls.clear();
   // An unknown command goes on as message 273 with wParam and lParam as received,
   // and no row's handler runs.
   LookupCommand(MakeCommandMap(kCommands, kDefaultDialogProc), dialog, MAKEWPARAM(1234, 1), 0x5678);

@@ -106,8 +106,7 @@ TEST(LinkListing, FoldersFirstParentRowOnTopHiddenNamesLeftOutInEachColumn) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.column);
     EXPECT_EQ(Listed(search, true, c.column), c.order);
-    std::vector<std::string> atRoot(c.order.begin() + 1, c.order.end());
-    EXPECT_EQ(Listed(search, false, c.column), atRoot);
+    EXPECT_EQ(Listed(search, false, c.column), std::vector<std::string>(c.order.begin() + 1, c.order.end()));
   }
 }
 
@@ -187,20 +186,12 @@ TEST(LinkPaths, NamesAndPathsStayUnderTheRoot) {
   EXPECT_EQ(RefusedNameText(deep, "name"), NewFolderTooLongText(deep, "name"));
   EXPECT_NE(RefusedNameText(deep, "name"), std::nullopt);
 
-  const struct {
-    const char* path;
-    bool under;
-  } paths[] = {
-      {"C:\\App\\DataHtml\\", true},
-      {"c:\\app\\datahtml\\Shops\\a.htm", true},
-      {"C:\\App\\DataHtml\\..\\escaped", false},
-      {"C:\\App\\DataHtml\\Shops\\..\\..\\x", false},
-      {"C:\\App\\DataHtml\\Shops/../../x", false},
-      {"C:\\App\\DataHtml\\..", false},
-      {"C:\\App\\Data", false},
-      {"C:\\App\\Other\\a.htm", false},
-  };
-  for (const auto& p : paths) EXPECT_EQ(IsUnderRoot(p.path, root), p.under) << p.path;
+  for (const char* path : {"C:\\App\\DataHtml\\", "c:\\app\\datahtml\\Shops\\a.htm"})
+    EXPECT_TRUE(IsUnderRoot(path, root)) << path;
+  for (const char* path : {"C:\\App\\DataHtml\\..\\escaped", "C:\\App\\DataHtml\\Shops\\..\\..\\x",
+                           "C:\\App\\DataHtml\\Shops/../../x", "C:\\App\\DataHtml\\..", "C:\\App\\Data",
+                           "C:\\App\\Other\\a.htm"})
+    EXPECT_FALSE(IsUnderRoot(path, root)) << path;
 }
 
 }  // namespace
