@@ -48,18 +48,7 @@ TEST_F(Bars, OneDatabaseSlotIsHeldDown) {
 }
 
 TEST_F(Bars, DraggedToASideTheBarDocksThereAndTheSideIsSaved) {
-  // A click on the grip without moving starts no drag.
   DockBar& bar = ToolBarDescriptor();
-  const POINT p = Centre(BarGripRect(bar));
-  Hover(bar, p);
-  Mouse(bar, WM_LBUTTONDOWN, p);
-  SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 1, p.y));
-  Mouse(bar, WM_LBUTTONUP, POINT{p.x + 1, p.y});
-  PumpUntil([] { return false; }, 100);
-  EXPECT_FALSE(Layout().dragging);
-  EXPECT_EQ(GetCapture(), nullptr);
-  EXPECT_EQ(bar.state, kBarDocked);
-
   DragTo(bar, POINT{5, 200});
   EXPECT_EQ(bar.side, kSideLeft);
   EXPECT_EQ(bar.state, kBarDocked);
@@ -108,6 +97,19 @@ TEST_F(Bars, DroppedAwayFromTheSidesTheBarFloatsInItsOwnWindow) {
   EXPECT_EQ(bar.side, kSideBottom);
   EXPECT_TRUE(GetWindowLongA(bar.window, GWL_STYLE) & WS_CHILD);
   EXPECT_EQ(ChildRect(bar.window).bottom, 400 - StatusBar().height);
+}
+
+TEST_F(Bars, AClickOnTheGripWithoutMovingStartsNoDrag) {
+  DockBar& bar = ToolBarDescriptor();
+  const POINT p = Centre(BarGripRect(bar));
+  Hover(bar, p);
+  Mouse(bar, WM_LBUTTONDOWN, p);
+  SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 1, p.y));
+  Mouse(bar, WM_LBUTTONUP, POINT{p.x + 1, p.y});
+  PumpUntil([] { return false; }, 100);
+  EXPECT_FALSE(Layout().dragging);
+  EXPECT_EQ(GetCapture(), nullptr);
+  EXPECT_EQ(bar.state, kBarDocked);
 }
 
 // Each show/hide transition of a bar and the check of its View menu item.

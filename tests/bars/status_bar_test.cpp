@@ -46,8 +46,12 @@ TEST_F(Status, StripIsPaintedColumnByColumnWithinItsExtent) {
     EXPECT_EQ(StatusText(), "");
     for (int i = 0; i < c.taken; ++i) ProgressStep();
     EXPECT_EQ(ProgressNextColumn(), c.next);
-    if (c.next > 0) EXPECT_TRUE(Blue(c.next - 1));
-    if (c.edge) EXPECT_FALSE(Blue(c.next));
+    if (c.next > 0) {
+      EXPECT_TRUE(Blue(c.next - 1));
+    }
+    if (c.edge) {
+      EXPECT_FALSE(Blue(c.next));
+    }
     ProgressEnd();
     EXPECT_EQ(StatusText(), "Quellbarrow");
   }

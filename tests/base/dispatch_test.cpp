@@ -82,7 +82,8 @@ TEST_F(Dispatch, DefaultSelectorPicksTheDefaultProcedure) {
 
   // Selector 2 is DefDlgProc, which hands a command on to the dialog's procedure.
   // A template without controls; the zeros after it are its empty menu, class and title.
-  alignas(4) DLGTEMPLATE tmpl[2] = {{WS_POPUP}};
+  alignas(4) DLGTEMPLATE tmpl[2] = {};
+  tmpl[0].style = WS_POPUP;
   HWND dialog = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), tmpl, nullptr, RecordingDialog, 0);
   ASSERT_NE(dialog, nullptr);
   // An unknown command goes on as message 273 with wParam and lParam as received,

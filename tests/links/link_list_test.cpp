@@ -20,20 +20,18 @@ TEST(LinkEntries, NamesSplitAtTheLastDotAndSizesAreKeptAsComputed) {
   const struct {
     FoundFile found;
     std::string name, extension, nameCell, sizeCell;
-    LinkKind kind;
   } cases[] = {
-      {Document("form.htm", 1234567), "form", "htm", "form.htm", "1.234.567", kLinkDocument},
-      {Document("a.b.c.htm"), "a.b.c", "htm", "a.b.c.htm", "0", kLinkDocument},
-      {Document("report"), "report", "   ", "report.   ", "0", kLinkDocument},
-      {Document("trailing."), "trailing", "", "trailing.", "0", kLinkDocument},
-      {Folder("Shops.old"), "Shops.old", "DIR", "Shops.old", "0", kLinkFolder},
+      {Document("form.htm", 1234567), "form", "htm", "form.htm", "1.234.567"},
+      {Document("a.b.c.htm"), "a.b.c", "htm", "a.b.c.htm", "0"},
+      {Document("report"), "report", "   ", "report.   ", "0"},
+      {Document("trailing."), "trailing", "", "trailing.", "0"},
+      {Folder("Shops.old"), "Shops.old", "DIR", "Shops.old", "0"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.found.name);
     const LinkEntry e = MakeLinkEntry(c.found);
     EXPECT_EQ(e.name, c.name);
     EXPECT_EQ(e.extension, c.extension);
-    EXPECT_EQ(e.kind, c.kind);
     EXPECT_EQ(LinkCellText(e, 0), c.nameCell);
     EXPECT_EQ(LinkCellText(e, 1), c.extension);
     EXPECT_EQ(LinkCellText(e, 2), c.sizeCell);
@@ -64,9 +62,8 @@ TEST(LinkEntries, FileTimesBecomeCalendarFieldsAndTheDateCell) {
     return std::vector<int>{t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second, t.milliseconds};
   };
   for (const auto& c : cases) EXPECT_EQ(fields(LinkTimeFromTicks(c.ticks)), fields(c.t)) << c.ticks;
-  FoundFile f = Document("a.htm");
-  f.lastWrite = kTicks1970 + 11016 * kTicksPerDay + (5 * 60 + 7) * 600000000ull;  // 2000-02-29 05:07
-  EXPECT_EQ(LinkCellText(MakeLinkEntry(f), 3), "2/29/2000  5:7");
+  const std::uint64_t leapDayMorning = kTicks1970 + 11016 * kTicksPerDay + (5 * 60 + 7) * 600000000ull;  // 05:07
+  EXPECT_EQ(LinkCellText(MakeLinkEntry(FoundFile{"a.htm", 0x20, 0, 0, leapDayMorning}), 3), "2/29/2000  5:7");
   EXPECT_EQ(LinkCellText(MakeParentEntry(), 3), "");
 }
 
@@ -170,7 +167,6 @@ TEST(LinkPaths, FoldersGoUpToTheBackslashBeforeTheirLastPart) {
 
 TEST(LinkPaths, NewFolderNamesMustFitThePathLimit) {
   const std::string folder = "C:\\" + std::string(246, 'f') + "\\";  // 250 characters
-  ASSERT_EQ(folder.size(), 250u);
   EXPECT_EQ(NewFolderTooLongText(folder, std::string(9, 'n')), std::nullopt);
   EXPECT_EQ(NewFolderTooLongText(folder, std::string(10, 'n')),
             "Directory file name is too long.\nIt can not exceded 260 charachters including current "

@@ -31,13 +31,22 @@ std::vector<std::string> ItemTexts(HWND list) {
   return texts;
 }
 
+// A click or double click on `row` of a list, as the list reports it to its parent.
+void SendActivate(HWND list, int id, UINT code, int row, POINT at = {}) {
+  NMITEMACTIVATE activate{};
+  activate.hdr = {list, static_cast<UINT_PTR>(id), code};
+  activate.iItem = row;
+  activate.ptAction = at;
+  SendMessageA(GetParent(list), WM_NOTIFY, id, reinterpret_cast<LPARAM>(&activate));
+}
+
 // The destination dialog: double click a row of its list.
 void OpenDestinationRow(HWND dialog, const std::string& text) {
   HWND list = GetDlgItem(dialog, IDC_DESTINATION_LIST);
-  LVFINDINFOA find{LVFI_STRING, text.c_str()};
-  const int row = ListView_FindItem(list, -1, &find);
-  NMITEMACTIVATE activate{{list, IDC_DESTINATION_LIST, static_cast<UINT>(NM_DBLCLK)}, row};
-  SendMessageA(dialog, WM_NOTIFY, IDC_DESTINATION_LIST, reinterpret_cast<LPARAM>(&activate));
+  LVFINDINFOA find{};
+  find.flags = LVFI_STRING;
+  find.psz = text.c_str();
+  SendActivate(list, IDC_DESTINATION_LIST, NM_DBLCLK, ListView_FindItem(list, -1, &find));
 }
 
 // The main window over an empty DataHtml, pages opened in the stand-in browser.
@@ -91,12 +100,13 @@ class LinksViewTest : public ScanTest {
   void Click(int row, UINT code) {
     RECT r;
     ListView_GetItemRect(View(), row, &r, LVIR_BOUNDS);
-    NMITEMACTIVATE activate{{View(), IDC_LINKS_VIEW, code}, row};
-    activate.ptAction = {r.left + 30, (r.top + r.bottom) / 2};
-    SendMessageA(window_, WM_NOTIFY, IDC_LINKS_VIEW, reinterpret_cast<LPARAM>(&activate));
+    SendActivate(View(), IDC_LINKS_VIEW, code, row, {r.left + 30, (r.top + r.bottom) / 2});
   }
   void SortBy(int column) {
-    NMLISTVIEW header{{View(), IDC_LINKS_VIEW, static_cast<UINT>(LVN_COLUMNCLICK)}, -1, column};
+    NMLISTVIEW header{};
+    header.hdr = {View(), IDC_LINKS_VIEW, static_cast<UINT>(LVN_COLUMNCLICK)};
+    header.iItem = -1;
+    header.iSubItem = column;
     SendMessageA(window_, WM_NOTIFY, IDC_LINKS_VIEW, reinterpret_cast<LPARAM>(&header));
   }
 
