@@ -5,13 +5,6 @@
 namespace qb::test {
 namespace {
 
-// Answers the question box of another process too (the helper program's).
-ModalOptions AnyProcess() {
-  ModalOptions options;
-  options.anyProcess = true;
-  return options;
-}
-
 class Bars : public MainWindowTest {
  protected:
   void SetUp() override {
@@ -22,6 +15,7 @@ class Bars : public MainWindowTest {
   static int ButtonOf(const DockBar& bar, WORD command) {
     for (int i = 0; i < bar.kind->count; ++i)
       if (bar.kind->buttons[i].command == command) return i;
+    ADD_FAILURE() << "no button for " << command;
     return -1;
   }
   static POINT ButtonCentre(const DockBar& bar, int button) {
@@ -36,8 +30,12 @@ class Bars : public MainWindowTest {
     SendMessageA(bar.window, WM_MOUSEMOVE, 0, MAKELPARAM(p.x, p.y));
   }
   static void Mouse(const DockBar& bar, UINT message, POINT p) {
-    SendMessageA(bar.window, message, message == WM_LBUTTONDOWN ? MK_LBUTTON : 0,
-                 MAKELPARAM(p.x, p.y));
+    SendMessageA(bar.window, message, message == WM_LBUTTONDOWN ? MK_LBUTTON : 0, MAKELPARAM(p.x, p.y));
+  }
+  static std::pair<int, int> SizeOf(HWND window) {
+    RECT r;
+    GetWindowRect(window, &r);
+    return {r.right - r.left, r.bottom - r.top};
   }
 };
 
@@ -88,10 +86,8 @@ TEST_F(Bars, DroppedAwayFromTheSidesTheBarFloatsInItsOwnWindow) {
   RECT r;
   GetWindowRect(bar.window, &r);
   ClientToScreen(window_, &drop);
-  EXPECT_EQ(r.left, drop.x - grab.x);
-  EXPECT_EQ(r.top, drop.y - grab.y);
-  EXPECT_EQ(r.right - r.left, LongSideLength(bar) + 8);
-  EXPECT_EQ(r.bottom - r.top, 30 + BarCaptions().floatingCaption);
+  EXPECT_EQ((std::pair{r.left, r.top}), (std::pair{drop.x - grab.x, drop.y - grab.y}));
+  EXPECT_EQ(SizeOf(bar.window), (std::pair{LongSideLength(bar) + 8, 30 + BarCaptions().floatingCaption}));
   // The views take the room the bar left.
   EXPECT_EQ(ChildRect(App().keysView).top, 30);
 
@@ -157,20 +153,14 @@ TEST_F(Bars, ColourChangeResizesFloatingBarsAndKeepsHiddenOnesHidden) {
 
   SendMessageA(window_, WM_SYSCOLORCHANGE, 0, 0);
   const int caption = BarCaptions().floatingCaption;
-  RECT r;
-  GetWindowRect(tool.window, &r);
-  EXPECT_EQ(r.right - r.left, 30 + 4);
-  EXPECT_EQ(r.bottom - r.top, LongSideLength(tool) + caption);
-  GetWindowRect(databases.window, &r);
-  EXPECT_EQ(r.right - r.left, LongSideLength(databases) + 8);
-  EXPECT_EQ(r.bottom - r.top, 30 + caption);
+  EXPECT_EQ(SizeOf(tool.window), (std::pair{30 + 4, LongSideLength(tool) + caption}));
+  EXPECT_EQ(SizeOf(databases.window), (std::pair{LongSideLength(databases) + 8, 30 + caption}));
   EXPECT_FALSE(Visible(databases.window));
 }
 
 TEST_F(Bars, ToolTipNamesTheButtonUnderThePointer) {
   DockBar& tool = ToolBarDescriptor();
   const int scan = ButtonOf(tool, IDM_SCAN_HTML);
-  ASSERT_GE(scan, 0);
   HWND tip = BarTipWindow();
   SetForegroundWindow(window_);
   Hover(tool, ButtonCentre(tool, scan));
@@ -181,14 +171,9 @@ TEST_F(Bars, ToolTipNamesTheButtonUnderThePointer) {
   std::strcpy(Settings().slotNames[2].data(), "Addresses.dat");
   RefreshDatabaseCaptions();
   DockBar& databases = DatabaseBarDescriptor();
-  const struct {
-    int slot;
-    std::string text;
-  } slots[] = {{2, "Database 3: Addresses.dat"}, {1, "Database 2: empty"}};
-  for (const auto& s : slots) {
-    Hover(databases, ButtonCentre(databases, s.slot));
-    EXPECT_TRUE(PumpUntil([&] { return Visible(tip) && BarTipText() == s.text; }, 3000))
-        << BarTipText();
+  for (const auto& [slot, text] : {std::pair{2, "Database 3: Addresses.dat"}, std::pair{1, "Database 2: empty"}}) {
+    Hover(databases, ButtonCentre(databases, slot));
+    EXPECT_TRUE(PumpUntil([&, text = text] { return Visible(tip) && BarTipText() == text; }, 3000)) << BarTipText();
   }
 
   // Away from the bars the tip goes.
@@ -201,8 +186,6 @@ TEST_F(Bars, ToolTipNamesTheButtonUnderThePointer) {
 TEST_F(Bars, AButtonSendsItsCommandUnlessItIsGreyed) {
   DockBar& tool = ToolBarDescriptor();
   const int save = ButtonOf(tool, IDM_SAVE_DATABASE), help = ButtonOf(tool, IDM_HELP_TOPICS);
-  ASSERT_GE(save, 0);
-  ASSERT_GE(help, 0);
   ASSERT_FALSE(CommandAvailable(IDM_SAVE_DATABASE));  // nothing changed yet
   POINT p = ButtonCentre(tool, save);
   Mouse(tool, WM_LBUTTONDOWN, p);
@@ -219,14 +202,17 @@ TEST_F(Bars, AButtonSendsItsCommandUnlessItIsGreyed) {
   EXPECT_EQ(tool.held, -1);
   EXPECT_EQ(GetCapture(), nullptr);
 
-  // Help Topics opens the help file, which this folder lacks: the help program asks.
+  // Help Topics opens the help file, which this folder lacks: the help program (another
+  // process) asks.
   p = ButtonCentre(tool, help);
+  ModalOptions helpProgram;
+  helpProgram.anyProcess = true;
   auto result = RunModal(
       [&] {
         Mouse(tool, WM_LBUTTONDOWN, p);
         Mouse(tool, WM_LBUTTONUP, p);
       },
-      {Press("No")}, AnyProcess());
+      {Press("No")}, helpProgram);
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_NE(result.seen[0].MessageText().find("QBHELP.HLP"), std::string::npos);
 }

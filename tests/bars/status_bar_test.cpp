@@ -60,14 +60,12 @@ TEST_F(Status, StripIsPaintedColumnByColumnWithinItsExtent) {
 TEST_F(Status, HiddenBarTakesNoProgress) {
   OpenWithStatusWidth(700);
   ProgressBegin(7);
-  ProgressStep();
-  ProgressStep();
+  for (int i = 0; i < 2; ++i) ProgressStep();
   ProgressEnd();
   const int column = ProgressNextColumn();
   Command(IDM_STATUS_BAR);
   ProgressBegin(3);
-  ProgressStep();
-  ProgressStep();
+  for (int i = 0; i < 2; ++i) ProgressStep();
   EXPECT_EQ(CurrentProgressPlan().perStep, 78);  // still the plan of 550 / 7
   EXPECT_EQ(ProgressNextColumn(), column);
   ProgressEnd();

@@ -9,7 +9,8 @@
 namespace qb {
 namespace {
 
-// Handler, message (or command id), wParam (or notification code), lParam.
+// Handler (0 for the dialog's own procedure), message (or command id), wParam (or
+// notification code), lParam.
 using Call = std::tuple<int, UINT, WPARAM, LPARAM>;
 std::vector<Call> g_calls;
 
@@ -56,17 +57,20 @@ TEST_F(Dispatch, TheTablesProcedureRunsTheFirstMatchingRowAndCommandsKeepTheirHi
   EXPECT_EQ(procedure(window_, WM_COMMAND, MAKEWPARAM(50302, 1), 99), 11);  // accelerator
   EXPECT_EQ(procedure(window_, WM_COMMAND, MAKEWPARAM(50303, 0), 0), 21);   // menu
   EXPECT_EQ(procedure(window_, WM_COMMAND, MAKEWPARAM(0, 0), 0), 0);        // handler-less row
-  EXPECT_EQ(g_calls, (std::vector<Call>{{1, WM_USER + 1, 7, 8},
-                                        {2, WM_USER + 2, 0, 0},
-                                        {1, 50302, 1, 99},
-                                        {2, 50303, 0, 0}}));
+  EXPECT_EQ(g_calls, (std::vector<Call>{
+                         {1, WM_USER + 1, 7, 8}, {2, WM_USER + 2, 0, 0}, {1, 50302, 1, 99}, {2, 50303, 0, 0}}));
+}
+
+// A dialog that records the commands DefDlgProc hands it.
+INT_PTR CALLBACK RecordingDialog(HWND, UINT m, WPARAM w, LPARAM l) {
+  if (m == WM_COMMAND) g_calls.push_back({0, m, w, l});
+  return FALSE;
 }
 
 TEST_F(Dispatch, DefaultSelectorPicksTheDefaultProcedure) {
   // Selector 1 is DefWindowProc: WM_SETTEXT really sets the text.
   const auto setText = [&](std::uint32_t selector, const char* text) {
-    return LookupMessage(MakeMessageMap(kRows, selector), window_, WM_SETTEXT, 0,
-                         reinterpret_cast<LPARAM>(text));
+    return LookupMessage(MakeMessageMap(kRows, selector), window_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
   };
   EXPECT_TRUE(setText(kDefaultWindowProc, "after"));
   // Selector 0 and unknown selectors return 0 and do nothing.
@@ -75,28 +79,17 @@ TEST_F(Dispatch, DefaultSelectorPicksTheDefaultProcedure) {
     EXPECT_EQ(test::WindowText(window_), "after") << selector;
   }
   EXPECT_TRUE(g_calls.empty());
-}
 
-// A dialog that records the commands DefDlgProc hands it.
-std::vector<Call> g_dialogCalls;
-INT_PTR CALLBACK RecordingDialog(HWND, UINT m, WPARAM w, LPARAM l) {
-  if (m == WM_COMMAND) g_dialogCalls.push_back({0, m, w, l});
-  return FALSE;
-}
-
-TEST_F(Dispatch, SelectorTwoIsTheDialogDefaultProcedure) {
-  // DLGTEMPLATE + empty menu, class and title, aligned to a DWORD.
-  alignas(4) WORD tmpl[16] = {};
-  auto* t = reinterpret_cast<DLGTEMPLATE*>(tmpl);
-  t->style = WS_POPUP;
-  HWND dialog =
-      CreateDialogIndirectParamA(GetModuleHandleA(nullptr), t, nullptr, RecordingDialog, 0);
+  // Selector 2 is DefDlgProc, which hands a command on to the dialog's procedure.
+  // A template without controls; the zeros after it are its empty menu, class and title.
+  alignas(4) DLGTEMPLATE tmpl[2] = {};
+  tmpl[0].style = WS_POPUP;
+  HWND dialog = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), tmpl, nullptr, RecordingDialog, 0);
   ASSERT_NE(dialog, nullptr);
-  g_dialogCalls.clear();
-  // An unknown command goes on as message 273 with wParam and lParam as received.
+  // An unknown command goes on as message 273 with wParam and lParam as received,
+  // and no row's handler runs.
   LookupCommand(MakeCommandMap(kCommands, kDefaultDialogProc), dialog, MAKEWPARAM(1234, 1), 0x5678);
-  EXPECT_EQ(g_dialogCalls, (std::vector<Call>{{0, 273, MAKEWPARAM(1234, 1), 0x5678}}));
-  EXPECT_TRUE(g_calls.empty());
+  EXPECT_EQ(g_calls, (std::vector<Call>{{0, 273, MAKEWPARAM(1234, 1), 0x5678}}));
   DestroyWindow(dialog);
 }
 

@@ -6,13 +6,8 @@
 
 #include "tests/links/reference_sort.h"
 
-namespace {
-
-constexpr std::size_t kRecordsMax = 300;  // the reference is quadratic
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  constexpr std::size_t kRecordsMax = 300;  // the reference is quadratic
   if (size < 2) return 0;
   const int column = data[0] % qb::kLinkColumns;
   const bool parent = data[1] & 1;
