@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <deque>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,6 +18,7 @@ namespace {
 
 using test::HlpFile;
 using test::HlpTopic;
+using test::LongKey;
 
 std::string Source(const std::string& context, const std::string& title, const std::string& maps,
                    const std::string& body) {
@@ -58,65 +59,43 @@ TEST(ContextHash, LettersCountWithoutCaseAndTheSumWrapsAt32Bits) {
   for (const auto& row : rows) EXPECT_EQ(ContextHash(row.name), row.hash) << row.name;
 }
 
+// The second topic's paragraphs are long enough to span several topic blocks.
 TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
+  std::string words;
+  for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
+  const std::string unbroken(9000, 'x');  // no blank to cut after
   Project project;
   project.title = "Test Help";
   project.topics.push_back(Parsed(Source("contents", "Contents", "999",
                                          "Intro **bold** text,\njoined.\n\n"
                                          "- item one\n- item [[second|two]]\n  goes on\n\n"
                                          "== Head\nLast [[Third|third topic]].\n")));
-  project.topics.push_back(Parsed(Source("second", "The second", "1900 1901", "Plain.\n")));
-  project.topics.push_back(Parsed(Source("third", "Third", "", "")));  // title only
+  project.topics.push_back(Parsed(Source("second", "The second", "1900 1901", words + "\n\n**" + unbroken + "**\n")));
+  project.topics.push_back(Parsed(Source("third", "Third", "7", "")));  // title only
   const HlpFile file = WriteAndRead(project);
 
   EXPECT_EQ(file.fileNames, (std::vector<std::string>{"|CONTEXT", "|CTXOMAP", "|FONT", "|SYSTEM", "|TOPIC"}));
   EXPECT_EQ(file.title, "Test Help");
   EXPECT_EQ(file.windowCaption, "Test Help");
   ASSERT_EQ(file.topics.size(), 3u);
-  ASSERT_NE(file.TopicAt(file.contentsOffset), nullptr);
-  EXPECT_EQ(file.TopicAt(file.contentsOffset)->title, "Contents");
-
-  const HlpTopic& contents = file.topics[0];
-  EXPECT_EQ(contents.paragraphs,
+  EXPECT_EQ(file.TopicAt(file.contentsOffset), &file.topics[0]);
+  EXPECT_EQ(file.topics[0].paragraphs,
             (std::vector<std::string>{"Contents", "Intro bold text, joined.", "\x95\titem one",
                                       "\x95\titem two goes on", "Head", "Last third topic."}));
-  EXPECT_EQ(contents.jumps, (std::vector<std::int32_t>{ContextHash("second"), ContextHash("third")}));
+  EXPECT_EQ(file.topics[0].jumps, (std::vector<std::int32_t>{ContextHash("second"), ContextHash("third")}));
+  EXPECT_EQ(file.topics[1].paragraphs, (std::vector<std::string>{"The second", words, unbroken}));
+  EXPECT_GE(file.topics[1].blocks.size(), 9u);  // about 36 KB of text in 3.6 KB blocks
   EXPECT_EQ(file.topics[2].paragraphs, std::vector<std::string>{"Third"});
-  EXPECT_LT(file.topics[0].offset, file.topics[1].offset);
-  EXPECT_LT(file.topics[1].offset, file.topics[2].offset);
 
-  const struct {
-    std::uint32_t number;
-    const char* title;
-  } numbers[] = {{999, "Contents"}, {1900, "The second"}, {1901, "The second"}};
-  EXPECT_EQ(file.contextNumbers.size(), 3u);
-  for (const auto& n : numbers) {
-    ASSERT_NE(file.TopicOfNumber(n.number), nullptr) << n.number;
-    EXPECT_EQ(file.TopicOfNumber(n.number)->title, n.title) << n.number;
-  }
-  for (const Topic& topic : project.topics) {
-    const auto offset = file.FindContext(ContextHash(topic.context));
-    ASSERT_TRUE(offset) << topic.context;
-    EXPECT_EQ(file.TopicAt(*offset)->title, topic.title);
+  const std::pair<std::uint32_t, std::size_t> numbers[] = {{999, 0}, {1900, 1}, {1901, 1}, {7, 2}};
+  EXPECT_EQ(file.contextNumbers.size(), std::size(numbers));
+  for (const auto& [number, topic] : numbers) EXPECT_EQ(file.TopicOfNumber(number), &file.topics[topic]) << number;
+  for (std::size_t i = 0; i < project.topics.size(); ++i) {
+    const auto offset = file.FindContext(ContextHash(project.topics[i].context));
+    ASSERT_TRUE(offset) << i;
+    EXPECT_EQ(file.TopicAt(*offset), &file.topics[i]);
   }
   EXPECT_FALSE(file.FindContext(ContextHash("fourth")));
-}
-
-TEST(HelpFile, LongParagraphsSpanBlocksAndReadBackWhole) {
-  std::string words;
-  for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
-  const std::string unbroken(9000, 'x');  // no blank to cut after
-  Project project;
-  project.title = "Long";
-  project.topics.push_back(Parsed(Source("long", "Long", "1", words + "\n\n**" + unbroken + "**\n")));
-  project.topics.push_back(Parsed(Source("after", "After", "2", "Short.\n")));
-  const HlpFile file = WriteAndRead(project);
-  ASSERT_EQ(file.topics.size(), 2u);
-  EXPECT_EQ(file.topics[0].paragraphs, (std::vector<std::string>{"Long", words, unbroken}));
-  EXPECT_GE(file.topics[0].blocks.size(), 9u);  // about 36 KB of text in 3.6 KB blocks
-  ASSERT_NE(file.TopicOfNumber(2), nullptr);
-  EXPECT_EQ(file.TopicOfNumber(2)->title, "After");
-  EXPECT_EQ(file.TopicOfNumber(1)->title, "Long");
 }
 
 TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
@@ -132,22 +111,25 @@ TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
   ASSERT_EQ(file.topics.size(), static_cast<std::size_t>(kCount));
   EXPECT_GE(file.contextLevels, 2);
   for (int i = 0; i < kCount; ++i) {
-    const std::string title = "Topic " + std::to_string(i);
     const auto offset = file.FindContext(ContextHash("t" + std::to_string(i)));
     ASSERT_TRUE(offset) << i;
-    EXPECT_EQ(file.TopicAt(*offset)->title, title);
-    ASSERT_NE(file.TopicOfNumber(5000 + i), nullptr) << i;
-    EXPECT_EQ(file.TopicOfNumber(5000 + i)->offset, *offset);
+    EXPECT_EQ(file.TopicAt(*offset), &file.topics[i]);
+    EXPECT_EQ(file.TopicOfNumber(5000 + i), &file.topics[i]);
     const auto jump = file.FindContext(file.topics[i].jumps.at(0));
     ASSERT_TRUE(jump) << i;
-    EXPECT_EQ(file.TopicAt(*jump)->title, "Topic " + std::to_string((i + 1) % kCount));
+    EXPECT_EQ(file.TopicAt(*jump), &file.topics[(i + 1) % kCount]);
   }
 }
 
-test::HlpBTree::Key LongKey(std::int32_t v) {
-  const auto u = static_cast<std::uint32_t>(v);
-  return {static_cast<std::uint8_t>(u), static_cast<std::uint8_t>(u >> 8), static_cast<std::uint8_t>(u >> 16),
-          static_cast<std::uint8_t>(u >> 24)};
+// Reads a tree of long keys and its leaves, as the help file's readers do; the
+// reader points into `bytes`.
+std::vector<test::HlpBTree::Entry> ReadTree(const std::vector<std::uint8_t>& bytes, test::HlpBTree& reader) {
+  std::string error;
+  std::vector<test::HlpBTree::Entry> leaves;
+  EXPECT_TRUE(reader.Read(bytes.data(), bytes.size(), test::HlpBTree::kLongKey, error) &&
+              reader.Leaves(leaves, error))
+      << error;
+  return leaves;
 }
 
 TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
@@ -155,11 +137,8 @@ TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
   for (std::int32_t k = -3000; k < 3000; k += 3) entries.push_back(BTreeEntry{LongKey(k), LongKey(k * 7)});
   const std::vector<std::uint8_t> tree = BuildBTree(entries, 64, 2, "L4");
   test::HlpBTree reader;
-  std::string error;
-  ASSERT_TRUE(reader.Read(tree.data(), tree.size(), test::HlpBTree::kLongKey, error)) << error;
+  const std::vector<test::HlpBTree::Entry> leaves = ReadTree(tree, reader);
   EXPECT_GE(reader.levels(), 3);
-  std::vector<std::pair<test::HlpBTree::Key, std::uint32_t>> leaves;
-  ASSERT_TRUE(reader.Leaves(leaves, error)) << error;
   ASSERT_EQ(leaves.size(), entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
     EXPECT_EQ(leaves[i].first, entries[i].key);
@@ -174,13 +153,21 @@ TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
 TEST(BTree, EmptyTreeIsOneEmptyLeafAndOversizedEntriesAreRefused) {
   const std::vector<std::uint8_t> empty = BuildBTree({}, 2048, 2, "L4");
   test::HlpBTree reader;
-  std::string error;
-  ASSERT_TRUE(reader.Read(empty.data(), empty.size(), test::HlpBTree::kLongKey, error)) << error;
-  std::vector<std::pair<test::HlpBTree::Key, std::uint32_t>> leaves;
-  ASSERT_TRUE(reader.Leaves(leaves, error)) << error;
-  EXPECT_TRUE(leaves.empty());
+  EXPECT_TRUE(ReadTree(empty, reader).empty());
   EXPECT_FALSE(reader.Find(LongKey(1)));
   EXPECT_TRUE(BuildBTree({BTreeEntry{std::vector<std::uint8_t>(60, 'a'), LongKey(0)}}, 64, 2, "z4").empty());
+}
+
+// A paragraph as "kind: runs", a bold run between "*", a jump as "[target|text]".
+std::string Shown(const Paragraph& paragraph) {
+  static const char* const kKinds[] = {"body: ", "heading: ", "bullet: "};
+  std::string out = kKinds[paragraph.kind];
+  for (const Run& run : paragraph.runs) {
+    out += run.kind == Run::kBold   ? "*" + run.text + "*"
+           : run.kind == Run::kJump ? "[" + run.target + "|" + run.text + "]"
+                                    : run.text;
+  }
+  return out;
 }
 
 TEST(HelpSource, LinesJoinAndMarkupBecomesRuns) {
@@ -190,20 +177,10 @@ TEST(HelpSource, LinesJoinAndMarkupBecomesRuns) {
   EXPECT_EQ(topic.context, "c.1_x");
   EXPECT_EQ(topic.mapIds, std::vector<std::uint32_t>{7});
   EXPECT_EQ(topic.title, "A  title");
-  ASSERT_EQ(topic.paragraphs.size(), 4u);
-  const std::vector<help::Run>& runs = topic.paragraphs[0].runs;
-  ASSERT_EQ(runs.size(), 4u);
-  EXPECT_EQ(runs[0].text, "One two three ");
-  EXPECT_EQ(runs[1].kind, help::Run::kJump);
-  EXPECT_EQ(runs[1].target, "d");
-  EXPECT_EQ(runs[1].text, "go");
-  EXPECT_EQ(runs[2].text, " ");
-  EXPECT_EQ(runs[3].kind, help::Run::kBold);
-  EXPECT_EQ(runs[3].text, "b");
-  EXPECT_EQ(topic.paragraphs[1].kind, Paragraph::kBullet);
-  EXPECT_EQ(topic.paragraphs[2].kind, Paragraph::kHeading);
-  EXPECT_EQ(topic.paragraphs[3].kind, Paragraph::kBody);
-  EXPECT_EQ(topic.paragraphs[3].runs[0].text, "after");
+  std::vector<std::string> shown;
+  for (const Paragraph& paragraph : topic.paragraphs) shown.push_back(Shown(paragraph));
+  EXPECT_EQ(shown, (std::vector<std::string>{"body: One two three [d|go] *b*", "bullet: item", "heading: Head",
+                                             "body: after"}));
 }
 
 TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
@@ -281,30 +258,25 @@ TEST(BuiltHelpFile, HoldsEveryTopicTheProgramOpensAndEachIsReachableFromContents
   for (std::uint32_t number : kProgramContextNumbers) {
     const HlpTopic* topic = file.TopicOfNumber(number);
     ASSERT_NE(topic, nullptr) << number;
-    EXPECT_EQ(file.TopicAt(file.contextNumbers.at(number))->offset, file.contextNumbers.at(number))
-        << number << " does not open at the start of a topic";
+    EXPECT_EQ(topic->offset, file.contextNumbers.at(number)) << number << " does not open at the start of a topic";
     EXPECT_GE(topic->paragraphs.size(), 2u) << topic->title << " has no text";
   }
   // Every jump lands on a topic's start, and every topic can be reached from the contents.
-  std::deque<const HlpTopic*> queue{contents};
-  std::vector<const HlpTopic*> reached{contents};
-  while (!queue.empty()) {
-    const HlpTopic* topic = queue.front();
-    queue.pop_front();
+  std::vector<const HlpTopic*> todo{contents};
+  std::set<const HlpTopic*> reached{contents};
+  while (!todo.empty()) {
+    const HlpTopic* topic = todo.back();
+    todo.pop_back();
     for (std::int32_t hash : topic->jumps) {
       const auto offset = file.FindContext(hash);
       ASSERT_TRUE(offset) << topic->title << " jumps to a hash no topic has";
       const HlpTopic* target = file.TopicAt(*offset);
       ASSERT_EQ(target->offset, *offset);
-      if (std::find(reached.begin(), reached.end(), target) == reached.end()) {
-        reached.push_back(target);
-        queue.push_back(target);
-      }
+      if (reached.insert(target).second) todo.push_back(target);
     }
   }
   for (const HlpTopic& topic : file.topics)
-    EXPECT_NE(std::find(reached.begin(), reached.end(), &topic), reached.end())
-        << topic.title << " can't be reached from the contents";
+    EXPECT_EQ(reached.count(&topic), 1u) << topic.title << " can't be reached from the contents";
 }
 
 }  // namespace
