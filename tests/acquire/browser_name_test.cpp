@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "acquire/http_request.h"
 #include "acquire/pasted_address.h"
@@ -16,8 +17,7 @@ namespace {
 TEST(BrowserName, CaptionCountsEveryPlaceTheNameStarts) {
   const struct {
     std::uint32_t kind;
-    const char* other;
-    const char* caption;
+    const char *other, *caption;
     std::size_t count;
   } rows[] = {
       {kBrowserExplorer, "", "Order - Microsoft Internet Explorer", 1},
@@ -51,16 +51,14 @@ TEST(BrowserName, AddressBarTextAndRegistryKey) {
 
 // Read back as the run-time library splits a command line, each stays one argument.
 TEST(BrowserName, ArgumentArrivesWhole) {
-  const struct {
-    const char *text, *argument;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {  // text, argument
       {"C:\\App\\page.htm", "C:\\App\\page.htm"},
       {"C:\\Program Files\\Q\\page.htm", "\"C:\\Program Files\\Q\\page.htm\""},
       {"C:\\My Pages\\", "\"C:\\My Pages\\\\\""},  // a lone backslash would escape the quote
       {"http://x.com/a\"b", "http://x.com/a%22b"},
       {"http://x.com/a b\"c", "\"http://x.com/a b%22c\""},
   };
-  for (const auto& row : rows) EXPECT_EQ(BrowserArgument(row.text), row.argument) << row.text;
+  for (const auto& [text, argument] : rows) EXPECT_EQ(BrowserArgument(text), argument) << text;
 }
 
 TEST(PastedAddress, FirstLineTellsWhatToScan) {

@@ -2,9 +2,9 @@
 // build makes from resources/help.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/temp_dir.h"
@@ -20,14 +20,10 @@ using test::HlpFile;
 using test::HlpTopic;
 using test::LongKey;
 
-std::string Source(const std::string& context, const std::string& title, const std::string& maps,
+std::string Source(const std::string& context, const std::string& title, const std::vector<std::uint32_t>& maps,
                    const std::string& body) {
   std::string s = "@context " + context + "\n";
-  for (std::size_t at = 0; at < maps.size();) {
-    const std::size_t end = std::min(maps.find(' ', at), maps.size());
-    s += "@map " + maps.substr(at, end - at) + "\n";
-    at = end + 1;
-  }
+  for (std::uint32_t map : maps) s += "@map " + std::to_string(map) + "\n";
   return s + "@title " + title + "\n\n" + body;
 }
 
@@ -48,15 +44,12 @@ HlpFile WriteAndRead(const Project& project) {
 }
 
 TEST(ContextHash, LettersCountWithoutCaseAndTheSumWrapsAt32Bits) {
-  const struct {
-    const char* name;
-    std::int32_t hash;
-  } rows[] = {
+  const std::pair<const char*, std::int32_t> rows[] = {  // name, hash
       {"A", 17},           {"a", 17},        {"a1", 17 * 43 + 1}, {"0", 10},
       {"._", 12 * 43 + 13}, {"Z9", 42 * 43 + 9},
       {"zzzzzzz", 1235671458},  // 43^7 - 1, less 63 * 2^32
   };
-  for (const auto& row : rows) EXPECT_EQ(ContextHash(row.name), row.hash) << row.name;
+  for (const auto& [name, hash] : rows) EXPECT_EQ(ContextHash(name), hash) << name;
 }
 
 // The second topic's paragraphs are long enough to span several topic blocks.
@@ -64,14 +57,13 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
   std::string words;
   for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
   const std::string unbroken(9000, 'x');  // no blank to cut after
-  Project project;
-  project.title = "Test Help";
-  project.topics.push_back(Parsed(Source("contents", "Contents", "999",
-                                         "Intro **bold** text,\njoined.\n\n"
-                                         "- item one\n- item [[second|two]]\n  goes on\n\n"
-                                         "== Head\nLast [[Third|third topic]].\n")));
-  project.topics.push_back(Parsed(Source("second", "The second", "1900 1901", words + "\n\n**" + unbroken + "**\n")));
-  project.topics.push_back(Parsed(Source("third", "Third", "7", "")));  // title only
+  const Project project{"Test Help",
+                        {Parsed(Source("contents", "Contents", {999},
+                                       "Intro **bold** text,\njoined.\n\n"
+                                       "- item one\n- item [[second|two]]\n  goes on\n\n"
+                                       "== Head\nLast [[Third|third topic]].\n")),
+                         Parsed(Source("second", "The second", {1900, 1901}, words + "\n\n**" + unbroken + "**\n")),
+                         Parsed(Source("third", "Third", {7}, ""))}};  // title only
   const HlpFile file = WriteAndRead(project);
 
   EXPECT_EQ(file.fileNames, (std::vector<std::string>{"|CONTEXT", "|CTXOMAP", "|FONT", "|SYSTEM", "|TOPIC"}));
@@ -100,12 +92,11 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
 
 TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
   constexpr int kCount = 800;
-  Project project;
-  project.title = "Many";
+  Project project{"Many", {}};
   for (int i = 0; i < kCount; ++i) {
     const std::string next = "t" + std::to_string((i + 1) % kCount);
     project.topics.push_back(Parsed(Source("t" + std::to_string(i), "Topic " + std::to_string(i),
-                                           std::to_string(5000 + i), "See [[" + next + "|next]].\n")));
+                                           {5000u + i}, "See [[" + next + "|next]].\n")));
   }
   const HlpFile file = WriteAndRead(project);
   ASSERT_EQ(file.topics.size(), static_cast<std::size_t>(kCount));
@@ -121,8 +112,7 @@ TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
   }
 }
 
-// Reads a tree of long keys and its leaves, as the help file's readers do; the
-// reader points into `bytes`.
+// Reads a tree of long keys and its leaves, as the help file's readers do.
 std::vector<test::HlpBTree::Entry> ReadTree(const std::vector<std::uint8_t>& bytes, test::HlpBTree& reader) {
   std::string error;
   std::vector<test::HlpBTree::Entry> leaves;
@@ -135,9 +125,8 @@ std::vector<test::HlpBTree::Entry> ReadTree(const std::vector<std::uint8_t>& byt
 TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
   std::vector<BTreeEntry> entries;
   for (std::int32_t k = -3000; k < 3000; k += 3) entries.push_back(BTreeEntry{LongKey(k), LongKey(k * 7)});
-  const std::vector<std::uint8_t> tree = BuildBTree(entries, 64, 2, "L4");
   test::HlpBTree reader;
-  const std::vector<test::HlpBTree::Entry> leaves = ReadTree(tree, reader);
+  const std::vector<test::HlpBTree::Entry> leaves = ReadTree(BuildBTree(entries, 64, 2, "L4"), reader);
   EXPECT_GE(reader.levels(), 3);
   ASSERT_EQ(leaves.size(), entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -151,9 +140,8 @@ TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
 }
 
 TEST(BTree, EmptyTreeIsOneEmptyLeafAndOversizedEntriesAreRefused) {
-  const std::vector<std::uint8_t> empty = BuildBTree({}, 2048, 2, "L4");
   test::HlpBTree reader;
-  EXPECT_TRUE(ReadTree(empty, reader).empty());
+  EXPECT_TRUE(ReadTree(BuildBTree({}, 2048, 2, "L4"), reader).empty());
   EXPECT_FALSE(reader.Find(LongKey(1)));
   EXPECT_TRUE(BuildBTree({BTreeEntry{std::vector<std::uint8_t>(60, 'a'), LongKey(0)}}, 64, 2, "z4").empty());
 }
@@ -185,10 +173,7 @@ TEST(HelpSource, LinesJoinAndMarkupBecomesRuns) {
 
 TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
   const std::string head = "@context c\n@title T\n\n";
-  const struct {
-    std::string source;
-    const char* error;
-  } rows[] = {
+  const std::pair<std::string, const char*> rows[] = {  // source, the start of its error
       {"@title T\n\nx\n", "t.txt:2: no @context"},
       {"@context c\n\nx\n", "t.txt:2: no @title"},
       {"@context a-b\n@title T\n", "t.txt:1: context name \"a-b\" must be"},
@@ -211,35 +196,31 @@ TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
       {head + "\n\ncaf\xE9\n", "t.txt:6: not a printable ASCII character (0xE9)"},
       {head + "bell\a\n", "t.txt:4: not a printable ASCII character (0x07)"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [source, start] : rows) {
     Topic topic;
     std::string error;
-    EXPECT_FALSE(ParseTopic("t.txt", row.source, topic, error)) << row.source;
-    EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
+    EXPECT_FALSE(ParseTopic("t.txt", source, topic, error)) << source;
+    EXPECT_EQ(error.rfind(start, 0), 0u) << "got: " << error;
   }
 }
 
 TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
-  const auto topic = [](const std::string& context, const std::string& maps, const std::string& body) {
+  const auto topic = [](const std::string& context, std::vector<std::uint32_t> maps = {}, const std::string& body = "") {
     return Parsed(Source(context, "T", maps, body));
   };
-  const struct {
-    Project project;
-    const char* error;
-  } rows[] = {
+  const std::pair<Project, const char*> rows[] = {  // project, the start of its error
       {Project{"Help", {}}, "no topics"},
-      {Project{"", {topic("a", "", "")}}, "the help file's title must be 1 to 50"},
-      {Project{std::string(51, 'h'), {topic("a", "", "")}}, "the help file's title must be 1 to 50"},
-      {Project{"Help", {topic("Merge", "", ""), topic("merge", "", "")}},
-       "context names Merge and merge have the same hash"},
-      {Project{"Help", {topic("a", "7", ""), topic("b", "7", "")}}, "context number 7 given to a and b"},
-      {Project{"Help", {topic("a", "", "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
+      {Project{"", {topic("a")}}, "the help file's title must be 1 to 50"},
+      {Project{std::string(51, 'h'), {topic("a")}}, "the help file's title must be 1 to 50"},
+      {Project{"Help", {topic("Merge"), topic("merge")}}, "context names Merge and merge have the same hash"},
+      {Project{"Help", {topic("a", {7}), topic("b", {7})}}, "context number 7 given to a and b"},
+      {Project{"Help", {topic("a", {}, "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [project, start] : rows) {
     std::vector<std::uint8_t> bytes{1, 2, 3};
     std::string error;
-    EXPECT_FALSE(WriteHelpFile(row.project, bytes, error)) << row.error;
-    EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
+    EXPECT_FALSE(WriteHelpFile(project, bytes, error)) << start;
+    EXPECT_EQ(error.rfind(start, 0), 0u) << "got: " << error;
     EXPECT_TRUE(bytes.empty());
   }
 }

@@ -112,12 +112,12 @@ bool HlpBTree::Read(const std::uint8_t* data, std::size_t size, KeyKind kind, st
       kTreeHeader + pageCount_ * pageSize_ > size)
     return Fail(error, "B+ tree header out of range");
   kind_ = kind;
-  pages_ = data + kTreeHeader;
+  pages_.assign(data + kTreeHeader, data + kTreeHeader + pageCount_ * pageSize_);
   return true;
 }
 
 const std::uint8_t* HlpBTree::Page(std::size_t page) const {
-  return page < pageCount_ ? pages_ + page * pageSize_ : nullptr;
+  return page < pageCount_ ? pages_.data() + page * pageSize_ : nullptr;
 }
 
 std::size_t HlpBTree::KeySize(const std::uint8_t* p, const std::uint8_t* end) const {
@@ -248,7 +248,7 @@ bool HlpFile::ReadTopics(std::string& error) {
   std::size_t size;
   if (!File("|TOPIC", data, size, error)) return false;
   if (size == 0 || size % kBlockSize) return Fail(error, "|TOPIC is not whole blocks");
-  topicBlocks = size / kBlockSize;
+  const std::size_t topicBlocks = size / kBlockSize;
   std::vector<std::vector<std::uint8_t>> blocks(topicBlocks);
   std::vector<std::uint32_t> firstLink(topicBlocks), lastLinkBefore(topicBlocks);
   for (std::size_t k = 0; k < topicBlocks; ++k) {
@@ -391,9 +391,8 @@ bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
 
   if (!File("|CONTEXT", data, size, error) || !context_.Read(data, size, HlpBTree::kLongKey, error))
     return false;
-  std::vector<HlpBTree::Entry> leaves;
+  std::vector<HlpBTree::Entry> leaves;  // read for the checks on the way
   if (!context_.Leaves(leaves, error)) return false;
-  for (const auto& [key, offset] : leaves) contexts.emplace_back(static_cast<std::int32_t>(U32At(key.data())), offset);
   contextLevels = context_.levels();
   return true;
 }

@@ -39,7 +39,7 @@ class HlpBTree {
   int Compare(const std::uint8_t* a, const Key& b) const;
 
   KeyKind kind_ = kLongKey;
-  const std::uint8_t* pages_ = nullptr;
+  std::vector<std::uint8_t> pages_;
   std::size_t pageSize_ = 0, pageCount_ = 0, root_ = 0;
   int levels_ = 0;
   std::uint32_t count_ = 0;
@@ -58,12 +58,6 @@ struct HlpTopic {
 
 class HlpFile {
  public:
-  HlpFile() = default;
-  HlpFile(const HlpFile&) = delete;  // the trees point into the bytes
-  HlpFile& operator=(const HlpFile&) = delete;
-  HlpFile(HlpFile&&) = default;
-  HlpFile& operator=(HlpFile&&) = default;
-
   bool Read(const std::vector<std::uint8_t>& bytes, std::string& error);
 
   std::optional<std::uint32_t> FindContext(std::int32_t hash) const;
@@ -76,9 +70,7 @@ class HlpFile {
   std::string windowCaption;
   std::uint32_t contentsOffset = 0;
   std::map<std::uint32_t, std::uint32_t> contextNumbers;
-  std::vector<std::pair<std::int32_t, std::uint32_t>> contexts;  // in leaf order
   int contextLevels = 0;
-  std::size_t topicBlocks = 0;
   std::vector<HlpTopic> topics;
 
  private:
