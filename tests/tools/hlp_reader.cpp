@@ -146,15 +146,30 @@ bool HlpBTree::ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) c
   return true;
 }
 
-bool HlpBTree::Leaves(std::vector<Entry>& entries, std::string& error) const {
-  entries.clear();
+std::optional<std::size_t> HlpBTree::LeafFor(const Key* key) const {
   std::size_t page = root_;
   for (int level = levels_; level > 1; --level) {
     const std::uint8_t* p = Page(page);
-    if (!p) return Fail(error, "index page out of range");
+    if (!p) return std::nullopt;
     page = U16At(p + 4);  // the child before every key of the page
+    const std::uint8_t* at = p + 6;
+    const std::uint8_t* end = p + pageSize_;
+    for (int i = 0, n = static_cast<std::int16_t>(U16At(p + 2)); key && i < n; ++i) {
+      const std::size_t k = KeySize(at, end);
+      if (!k || end - (at + k) < 2) return std::nullopt;
+      if (Compare(at, *key) > 0) break;
+      page = U16At(at + k);
+      at += k + 2;
+    }
   }
-  for (std::size_t visited = 0; page != kNoPage; page = U16At(Page(page) + 6)) {
+  return page;
+}
+
+bool HlpBTree::Leaves(std::vector<Entry>& entries, std::string& error) const {
+  entries.clear();
+  const std::optional<std::size_t> first = LeafFor(nullptr);
+  if (!first) return Fail(error, "index page out of range");
+  for (std::size_t page = *first, visited = 0; page != kNoPage; page = U16At(Page(page) + 6)) {
     if (!Page(page) || ++visited > pageCount_) return Fail(error, "leaf chain leaves the tree");
     if (!ReadLeaf(Page(page), entries)) return Fail(error, "leaf entry overruns its page");
   }
@@ -165,23 +180,9 @@ bool HlpBTree::Leaves(std::vector<Entry>& entries, std::string& error) const {
 }
 
 std::optional<std::uint32_t> HlpBTree::Find(const Key& key) const {
-  std::size_t page = root_;
-  for (int level = levels_; level > 1; --level) {
-    const std::uint8_t* p = Page(page);
-    if (!p) return std::nullopt;
-    page = U16At(p + 4);
-    const std::uint8_t* at = p + 6;
-    const std::uint8_t* end = p + pageSize_;
-    for (int i = 0, n = static_cast<std::int16_t>(U16At(p + 2)); i < n; ++i) {
-      const std::size_t k = KeySize(at, end);
-      if (!k || end - (at + k) < 2) return std::nullopt;
-      if (Compare(at, key) > 0) break;
-      page = U16At(at + k);
-      at += k + 2;
-    }
-  }
+  const std::optional<std::size_t> page = LeafFor(&key);
   std::vector<Entry> leaf;
-  if (!Page(page) || !ReadLeaf(Page(page), leaf)) return std::nullopt;
+  if (!page || !Page(*page) || !ReadLeaf(Page(*page), leaf)) return std::nullopt;
   for (const auto& [k, value] : leaf)
     if (Compare(k.data(), key) == 0) return value;
   return std::nullopt;

@@ -33,6 +33,9 @@ class HlpBTree {
   const std::uint8_t* Page(std::size_t page) const;
   // The size of the key starting at `p` (inside a page ending at `end`), 0 if it overruns.
   std::size_t KeySize(const std::uint8_t* p, const std::uint8_t* end) const;
+  // The leaf page where `key` belongs, descending the index pages (the leftmost
+  // leaf for none); nullopt when an index page is broken.
+  std::optional<std::size_t> LeafFor(const Key* key) const;
   // Appends the entries of a leaf page; false when one overruns the page.
   bool ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) const;
   // Only the sign counts.
