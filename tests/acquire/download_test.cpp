@@ -130,7 +130,8 @@ TEST_F(Acquire, CancelEndsASilentTransferAtOnceFromTheMouseOrTheKeyboard) {
     INT_PTR ended = -1;
     DWORD pressed = 0, returned = 0;
     const auto cancel = [&](HWND dialog, const WindowSnapshot&) {
-      EXPECT_TRUE(PumpUntil([&] { return WindowText(GetDlgItem(dialog, IDC_DOWNLOAD_STATUS)) == waiting; }, 10000));
+      HWND status = GetDlgItem(dialog, IDC_DOWNLOAD_STATUS);
+      EXPECT_TRUE(PumpUntil([&] { return WindowText(status) == waiting; }, 10000));
       GUITHREADINFO info{};
       info.cbSize = sizeof(info);
       ASSERT_TRUE(GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info));

@@ -100,7 +100,8 @@ TEST(Nginx, SecurePagesAreSavedAsTheAnswerTheyEndedWith) {
     SetCurrentLinksFolder(dir.path() + "\\");
     ASSERT_EQ(PreparePageDownload(c.address), PrepareStatus::kReady);
     ModalResult result;
-    const INT_PTR ended = DownloadAnswering(c.message.empty() ? std::vector<ModalStep>{} : std::vector{Press("OK")}, result);
+    const std::vector<ModalStep> steps = c.message.empty() ? std::vector<ModalStep>{} : std::vector{Press("OK")};
+    const INT_PTR ended = DownloadAnswering(steps, result);
     ASSERT_TRUE(result.ok()) << result.Describe();
     if (!c.message.empty()) {
       EXPECT_EQ(ended, kDownloadRefused);
@@ -185,7 +186,9 @@ TEST(WinHttp, HttpsPagesAndRedirectsEndWithTheServedPageOrAMessage) {
     const WebOutcome outcome = Fetch(c.address, link);
     EXPECT_EQ(outcome.end, c.end);
     EXPECT_EQ(outcome.message, c.message);
-    const auto count = [&](const std::string& event) { return std::count(link.events.begin(), link.events.end(), event); };
+    const auto count = [&](const std::string& event) {
+      return std::count(link.events.begin(), link.events.end(), event);
+    };
     if (c.end != WebEnd::kCompleted) {
       EXPECT_EQ(link.answer, "");
       EXPECT_TRUE(c.end != WebEnd::kCertificate || count("step 2") == 0) << "a request was sent";

@@ -62,7 +62,8 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
                                        "Intro **bold** text,\njoined.\n\n"
                                        "- item one\n- item [[second|two]]\n  goes on\n\n"
                                        "== Head\nLast [[Third|third topic]].\n")),
-                         Parsed(Source("second", "The second", {1900, 1901}, words + "\n\n**" + unbroken + "**\n")),
+                         Parsed(Source("second", "The second", {1900, 1901},
+                                       words + "\n\n**" + unbroken + "**\n")),
                          Parsed(Source("third", "Third", {7}, ""))}};  // title only
   const HlpFile file = WriteAndRead(project);
 
@@ -81,7 +82,8 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
 
   const std::pair<std::uint32_t, std::size_t> numbers[] = {{999, 0}, {1900, 1}, {1901, 1}, {7, 2}};
   EXPECT_EQ(file.contextNumbers.size(), std::size(numbers));
-  for (const auto& [number, topic] : numbers) EXPECT_EQ(file.TopicOfNumber(number), &file.topics[topic]) << number;
+  for (const auto& [number, topic] : numbers)
+    EXPECT_EQ(file.TopicOfNumber(number), &file.topics[topic]) << number;
   for (std::size_t i = 0; i < project.topics.size(); ++i) {
     const auto offset = file.FindContext(ContextHash(project.topics[i].context));
     ASSERT_TRUE(offset) << i;
@@ -205,9 +207,8 @@ TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
 }
 
 TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
-  const auto topic = [](const std::string& context, std::vector<std::uint32_t> maps = {}, const std::string& body = "") {
-    return Parsed(Source(context, "T", maps, body));
-  };
+  const auto topic = [](const std::string& context, std::vector<std::uint32_t> maps = {},
+                        const std::string& body = "") { return Parsed(Source(context, "T", maps, body)); };
   const std::pair<Project, const char*> rows[] = {  // project, the start of its error
       {Project{"Help", {}}, "no topics"},
       {Project{"", {topic("a")}}, "the help file's title must be 1 to 50"},
@@ -239,7 +240,8 @@ TEST(BuiltHelpFile, HoldsEveryTopicTheProgramOpensAndEachIsReachableFromContents
   for (std::uint32_t number : kProgramContextNumbers) {
     const HlpTopic* topic = file.TopicOfNumber(number);
     ASSERT_NE(topic, nullptr) << number;
-    EXPECT_EQ(topic->offset, file.contextNumbers.at(number)) << number << " does not open at the start of a topic";
+    EXPECT_EQ(topic->offset, file.contextNumbers.at(number))
+        << number << " does not open at the start of a topic";
     EXPECT_GE(topic->paragraphs.size(), 2u) << topic->title << " has no text";
   }
   // Every jump lands on a topic's start, and every topic can be reached from the contents.

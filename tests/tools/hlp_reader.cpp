@@ -174,7 +174,8 @@ bool HlpBTree::Leaves(std::vector<Entry>& entries, std::string& error) const {
     if (!ReadLeaf(Page(page), entries)) return Fail(error, "leaf entry overruns its page");
   }
   for (std::size_t i = 1; i < entries.size(); ++i)
-    if (Compare(entries[i - 1].first.data(), entries[i].first) >= 0) return Fail(error, "leaf keys out of order");
+    if (Compare(entries[i - 1].first.data(), entries[i].first) >= 0)
+      return Fail(error, "leaf keys out of order");
   if (entries.size() != count_) return Fail(error, "B+ tree holds another number of entries than it says");
   return true;
 }
@@ -398,7 +399,9 @@ bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
   return true;
 }
 
-std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const { return context_.Find(LongKey(hash)); }
+std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const {
+  return context_.Find(LongKey(hash));
+}
 
 const HlpTopic* HlpFile::TopicAt(std::uint32_t offset) const {
   const HlpTopic* found = nullptr;
