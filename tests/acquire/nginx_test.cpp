@@ -29,9 +29,7 @@ std::string RawFetch(const std::string& request) {
   WSAStartup(0x0101, &data);
   std::string response;
   SOCKET s = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(80);
+  sockaddr_in address{AF_INET, htons(80), {}, {}};
   address.sin_addr.s_addr = inet_addr("127.0.0.1");
   if (connect(s, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
       send(s, request.data(), static_cast<int>(request.size()), 0) != SOCKET_ERROR) {
@@ -212,8 +210,7 @@ const std::string kFirstChunk = "HTTP/1.0 200 OK\r\n\r\n" + std::string(3000, 'x
 TEST(WinHttp, CancelStallAndALinkThatWantsNoMoreEndTheTransferAtOnce) {
   const struct {
     const char* what;
-    std::size_t cancelAfter;
-    std::size_t stopAfter;
+    std::size_t cancelAfter, stopAfter;
     std::uint32_t stall;
     WebEnd end;
     std::size_t handedOn;
