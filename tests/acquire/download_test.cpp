@@ -173,9 +173,10 @@ TEST_F(Acquire, AnswerWithoutEndStopsAtTheSizeLimitAndLeavesNoFile) {
   EXPECT_FALSE(FileExists(dir.File("127.0.0.1.endless.htm.htm")));
 }
 
-// A redirect that never ends writes more status lines than the box holds: the
-// latest one is still in sight when the message about it comes.
-TEST_F(Acquire, StatusBoxKeepsItsLatestLineInSight) {
+// A redirect that never ends is refused with a message and leaves no file. It writes
+// more status lines than the box holds: the latest one is still in sight when the
+// message comes.
+TEST_F(Acquire, EndlessRedirectIsToldWithItsLatestStatusLineInSight) {
   ASSERT_TRUE(Serve({{"HTTP/1.0 302 Found\r\nLocation: http://127.0.0.1/again.htm\r\n\r\n"}})) << server->error();
   ASSERT_EQ(PreparePageDownload("http://127.0.0.1/again.htm"), PrepareStatus::kReady);
   LRESULT lines = 0;
@@ -195,6 +196,9 @@ TEST_F(Acquire, StatusBoxKeepsItsLatestLineInSight) {
   ModalResult result;
   EXPECT_EQ(DownloadAnswering({Custom(look)}, result), kDownloadRefused);
   ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen.at(0).MessageText(), "The page http://127.0.0.1/again.htm was redirected more than 5 "
+                                             "times.\nThe download stopped; nothing was saved.");
+  EXPECT_FALSE(FileExists(dir.File("127.0.0.1.again.htm.htm")));
   ASSERT_GT(lineHeight, 0);
   EXPECT_GT(lines * lineHeight, box.bottom);  // more than it holds
   EXPECT_GE(lastLineTop, 0);
@@ -251,14 +255,14 @@ ToolRun RunFetchpage(const TempDir& dir, const std::string& arguments) {
 
 using Fetchpage = Acquire;
 
+// The transfers themselves are the dialog's, tested above: here, the command line
+// and what the tool prints.
 TEST_F(Fetchpage, GetPrintsTheLocalFileAndPostTheStatus) {
-  const std::string page = "HTTP/1.0 200 OK\r\n\r\n<html>page</html>\n";
-  ASSERT_TRUE(Serve({{page}})) << server->error();
+  ASSERT_TRUE(Serve({{"HTTP/1.0 200 OK\r\n\r\n<html>page</html>\n"}})) << server->error();
   const ToolRun get = RunFetchpage(dir, "http://127.0.0.1/tool/page.htm \"" + dir.path() + "\"");
   EXPECT_EQ(get.exitCode, 0);
   EXPECT_EQ(get.out, dir.File("127.0.0.1.page.htm.htm") + "\n");
   EXPECT_EQ(get.err, "Connecting to: 127.0.0.1/tool/page.htm\r\n" + kSent + kDone + "\n");
-  EXPECT_EQ(ReadText(dir.File("127.0.0.1.page.htm.htm")), TextMode(page));
 
   CreateDirectoryA(dir.File("datahtml").c_str(), nullptr);
   const ToolRun post =
@@ -266,9 +270,7 @@ TEST_F(Fetchpage, GetPrintsTheLocalFileAndPostTheStatus) {
   EXPECT_EQ(post.exitCode, 0);
   EXPECT_EQ(post.out, "");
   EXPECT_EQ(post.err, "Connecting to: 127.0.0.1\r\n" + kSent + kDone + "\n");
-  EXPECT_EQ(server->Requests(), (Texts{"GET http://127.0.0.1/tool/page.htm HTTP/1.0\r\n" + kAccept,
-                                       "POST /cgi/a?x=1 HTTP/1.0\r\nCONTENT-LENGTH: 42\r\n\r\n"}));
-  EXPECT_EQ(ReadText(dir.File("datahtml\\ReciveData.htm")), TextMode(page));
+  EXPECT_TRUE(FileExists(dir.File("datahtml\\ReciveData.htm")));
 
   const ToolRun local = RunFetchpage(dir, "C:\\page.htm \"" + dir.path() + "\"");
   EXPECT_EQ(local.exitCode, 2);

@@ -49,7 +49,6 @@ TEST_F(Registry, ReadingRulePairsNonEmptyLinesAndBlankLinesShiftThePairing) {
       {"H\nu1\nf1\n\nu2\nf2\n", "(u1|f1)(u2|f2)"},  // a blank where a URL belongs is passed over
       {"H\nu1\n\nf1\nu2\nf2\n", "(f1|u2)"},         // a blank file line shifts the rest
       {"H\nu1\n", ""},
-      {"H", ""},
       {"", ""},
       // A long line keeps its start; what follows overwrites its last character.
       {"H\n" + std::string(3000, 'a') + "Z\nfile\n",
