@@ -3,10 +3,8 @@
 // follows its redirects; a scripted server on another port stalls and streams for
 // the stack's limits.
 #include <gtest/gtest.h>
-#include <winsock.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <string>
@@ -21,25 +19,8 @@
 namespace qb::test {
 namespace {
 
-// The same request sent by a plain client, for the bytes nginx answers with.
-std::string RawFetch(const std::string& request) {
-  WSADATA data;
-  WSAStartup(0x0101, &data);
-  std::string response;
-  SOCKET s = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{AF_INET, htons(80), {}, {}};
-  address.sin_addr.s_addr = inet_addr("127.0.0.1");
-  if (connect(s, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
-      send(s, request.data(), static_cast<int>(request.size()), 0) != SOCKET_ERROR) {
-    std::array<char, 8192> buffer;
-    for (int n; (n = recv(s, buffer.data(), static_cast<int>(buffer.size()), 0)) > 0;)
-      response.append(buffer.data(), n);
-  }
-  closesocket(s);
-  WSACleanup();
-  return response;
-}
-
+// The page nginx serves, as nginx.sh wrote it.
+const std::string kPage = ReadText(QB_NGINX_PAGE);
 const std::string kSecurePage = "https://localhost/page.html";
 const std::string kStepLines = "Connecting........OK\r\nReciving........\r\n";
 
@@ -48,22 +29,17 @@ std::string Untrusted(const std::string& host, const std::string& reason) {
          ".\nThe page was not downloaded and nothing was sent to the server.";
 }
 
-std::string TooManyRedirects(const std::string& address) {
-  return "The page " + address + " was redirected more than 5 times.\nThe download stopped; nothing was saved.";
-}
-
 // Through the download dialog, a plain address that redirects to an HTTPS page:
 // the page is saved in text mode under the address scanned (as the registry finds
 // it), and the request records where it ended.
 TEST(Nginx, RedirectedPageIsSavedAsTheAnswerItEndedWith) {
-  const std::string page = TextMode(RawFetch(BuildGetRequest("127.0.0.1", "/page.html")));
   TempDir dir;
   SetCurrentLinksFolder(dir.path() + "\\");
   ASSERT_EQ(PreparePageDownload("http://localhost/tls/page.html"), PrepareStatus::kReady);
   ASSERT_EQ(DownloadPage(), 0);
   const std::string saved = ReadText(dir.File("localhost.page.html.htm"));
   EXPECT_EQ(saved.compare(0, 18, "HTTP/1.1 200 OK\r\r\n"), 0);
-  EXPECT_EQ(saved.substr(saved.find("\r\r\n\r\r\n")), page.substr(page.find("\r\r\n\r\r\n")));
+  EXPECT_EQ(saved.substr(saved.find("\r\r\n\r\r\n") + 6), TextMode(kPage));
   EXPECT_EQ(SharedDownloadRequest().address, kSecurePage);
   EXPECT_EQ(LastDownloadStatus(), "Connecting to: localhost/tls/page.html\r\n" + kStepLines + "Redirected to: " +
                                       kSecurePage + "\r\n" + kStepLines + "Downloaded OK\nClosing connection.....");
@@ -106,8 +82,7 @@ std::string Body(const std::string& answer) { return answer.substr(answer.find("
 // redirect line stands between two hops. A stop hands nothing on, and a
 // certificate that can't be trusted stops it before the request.
 TEST(WinHttp, HttpsPagesAndRedirectsEndWithTheServedPageOrAMessage) {
-  const std::string page = Body(RawFetch(BuildGetRequest("127.0.0.1", "/page.html")));
-  ASSERT_GT(page.size(), 3 * kReceiveChunkSize);
+  ASSERT_GT(kPage.size(), 3 * kReceiveChunkSize);
   const struct {
     std::string address;
     WebEnd end;
@@ -118,7 +93,8 @@ TEST(WinHttp, HttpsPagesAndRedirectsEndWithTheServedPageOrAMessage) {
       {"http://localhost/tls/page.html", WebEnd::kCompleted, 1, ""},  // plain HTTP answering 301 to HTTPS
       {"https://localhost/r5/page.html", WebEnd::kCompleted, kMaxRedirectHops, ""},
       {"https://localhost/r6/page.html", WebEnd::kTooManyRedirects, 0,
-       TooManyRedirects("https://localhost/r6/page.html")},
+       "The page https://localhost/r6/page.html was redirected more than 5 times.\n"
+       "The download stopped; nothing was saved."},
       {"https://localhost/down", WebEnd::kInsecureRedirect, 0,
        "The secure page https://localhost/down redirected to a plain HTTP address:\n"
        "http://localhost/page.html\nThe download stopped; nothing was sent over plain HTTP."},
@@ -145,7 +121,7 @@ TEST(WinHttp, HttpsPagesAndRedirectsEndWithTheServedPageOrAMessage) {
     }
     EXPECT_EQ(FormatWebAddress(outcome.address), kSecurePage);
     EXPECT_EQ(link.answer.compare(0, 17, "HTTP/1.1 200 OK\r\n"), 0);
-    EXPECT_EQ(Body(link.answer), page);
+    EXPECT_EQ(Body(link.answer), kPage);
     EXPECT_EQ(count("step 2"), c.redirects + 1);
     EXPECT_EQ(count("-> " + kSecurePage), c.redirects ? 1 : 0);
     EXPECT_EQ(link.events.back(), "step 2");
