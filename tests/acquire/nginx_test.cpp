@@ -76,8 +76,6 @@ WebOutcome Fetch(const std::string& address, RecordingLink& link, std::uint32_t 
   return start ? FetchWithWinHttp(*start, 0, link, stall) : WebOutcome{};
 }
 
-std::string Body(const std::string& answer) { return answer.substr(answer.find("\r\n\r\n") + 4); }
-
 // Each hop sends its request (a kept connection is not connected again); a
 // redirect line stands between two hops. A stop hands nothing on, and a
 // certificate that can't be trusted stops it before the request.
@@ -121,7 +119,7 @@ TEST(WinHttp, HttpsPagesAndRedirectsEndWithTheServedPageOrAMessage) {
     }
     EXPECT_EQ(FormatWebAddress(outcome.address), kSecurePage);
     EXPECT_EQ(link.answer.compare(0, 17, "HTTP/1.1 200 OK\r\n"), 0);
-    EXPECT_EQ(Body(link.answer), kPage);
+    EXPECT_EQ(link.answer.substr(link.answer.find("\r\n\r\n") + 4), kPage);
     EXPECT_EQ(count("step 2"), c.redirects + 1);
     EXPECT_EQ(count("-> " + kSecurePage), c.redirects ? 1 : 0);
     EXPECT_EQ(link.events.back(), "step 2");

@@ -92,22 +92,8 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
   EXPECT_FALSE(file.FindContext(ContextHash("fourth")));
 }
 
-TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
-  constexpr int kCount = 800;
-  Project project{"Many", {}};
-  for (int i = 0; i < kCount; ++i)
-    project.topics.push_back(Parsed(Source("t" + std::to_string(i), "Topic " + std::to_string(i), {5000u + i}, "")));
-  const HlpFile file = WriteAndRead(project);
-  ASSERT_EQ(file.topics.size(), static_cast<std::size_t>(kCount));
-  EXPECT_GE(file.contextLevels, 2);
-  for (int i = 0; i < kCount; ++i) {
-    const auto offset = file.FindContext(ContextHash("t" + std::to_string(i)));
-    ASSERT_TRUE(offset) << i;
-    EXPECT_EQ(file.TopicAt(*offset), &file.topics[i]);
-    EXPECT_EQ(file.TopicOfNumber(5000 + i), &file.topics[i]);
-  }
-}
-
+// A tree deep enough for index pages of index pages: the writer's trees are built
+// by the same code with larger pages.
 TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
   std::vector<BTreeEntry> entries;
   for (std::int32_t k = -3000; k < 3000; k += 3) entries.push_back(BTreeEntry{LongKey(k), LongKey(k * 7)});

@@ -394,9 +394,7 @@ bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
   if (!File("|CONTEXT", data, size, error) || !context_.Read(data, size, HlpBTree::kLongKey, error))
     return false;
   std::vector<HlpBTree::Entry> leaves;  // read for the checks on the way
-  if (!context_.Leaves(leaves, error)) return false;
-  contextLevels = context_.levels();
-  return true;
+  return context_.Leaves(leaves, error);
 }
 
 std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const {

@@ -73,7 +73,6 @@ class HlpFile {
   std::string windowCaption;
   std::uint32_t contentsOffset = 0;
   std::map<std::uint32_t, std::uint32_t> contextNumbers;
-  int contextLevels = 0;
   std::vector<HlpTopic> topics;
 
  private:
