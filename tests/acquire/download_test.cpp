@@ -157,54 +157,51 @@ TEST_F(Acquire, CancelEndsASilentTransferAtOnceFromTheMouseOrTheKeyboard) {
   }
 }
 
-// An answer without end stops at the size limit and a redirect without end is
-// refused: each is told in a message and leaves no file. Whatever the status box
-// holds, its latest line is in sight when the message comes; the redirect writes
-// more lines than it holds.
-TEST_F(Acquire, TransfersWithoutEndAreToldWithTheLatestStatusLineInSight) {
-  const struct {
-    LoopbackReply reply;
-    const char* address;
-    INT_PTR ended;
-    const char* message;
-  } rows[] = {
-      {{{"HTTP/1.0 200 OK\r\n\r\n"}, false, false, false, kMaxDownloadBytes + 8u * 1024 * 1024},
-       "http://127.0.0.1/endless.htm", kDownloadTooLarge,
-       "This HTML document is larger than 32 MB,\nso the download was stopped.\n"
-       "The part received so far has been removed."},
-      {{{"HTTP/1.0 302 Found\r\nLocation: http://127.0.0.1/again.htm\r\n\r\n"}}, "http://127.0.0.1/again.htm",
-       kDownloadRefused,
-       "The page http://127.0.0.1/again.htm was redirected more than 5 times.\n"
-       "The download stopped; nothing was saved."},
-  };
+TEST_F(Acquire, AnswerWithoutEndStopsAtTheSizeLimitAndLeavesNoFile) {
+  LoopbackReply endless;
+  endless.chunks = {"HTTP/1.0 200 OK\r\n\r\n"};
+  endless.streamBytes = kMaxDownloadBytes + 8u * 1024 * 1024;
+  ASSERT_TRUE(Serve(endless)) << server->error();
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/endless.htm"), PrepareStatus::kReady);
+  ModalResult result;
+  EXPECT_EQ(DownloadAnswering({Press("OK")}, result, kStreamPatienceMs), kDownloadTooLarge);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen.at(0).MessageText(),
+            "This HTML document is larger than 32 MB,\nso the download was stopped.\n"
+            "The part received so far has been removed.");
+  EXPECT_FALSE(FileExists(dir.File("127.0.0.1.endless.htm.htm")));
+}
+
+// A redirect that never ends is refused with a message and leaves no file. It writes
+// more status lines than the box holds: the latest one is still in sight when the
+// message comes.
+TEST_F(Acquire, EndlessRedirectIsToldWithItsLatestStatusLineInSight) {
+  ASSERT_TRUE(Serve({{"HTTP/1.0 302 Found\r\nLocation: http://127.0.0.1/again.htm\r\n\r\n"}})) << server->error();
+  ASSERT_EQ(PreparePageDownload("http://127.0.0.1/again.htm"), PrepareStatus::kReady);
   LRESULT lines = 0;
   int lastLineTop = -1, lineHeight = 0;
   RECT box{};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.address);
-    ASSERT_TRUE(Serve(row.reply)) << server->error();
-    ASSERT_EQ(PreparePageDownload(row.address), PrepareStatus::kReady);
-    const auto look = [&](HWND message, const WindowSnapshot&) {
-      HWND status = GetDlgItem(GetWindow(message, GW_OWNER), IDC_DOWNLOAD_STATUS);
-      const auto top = [&](std::size_t at) {
-        return static_cast<short>(HIWORD(SendMessageA(status, EM_POSFROMCHAR, at, 0)));
-      };
-      lines = SendMessageA(status, EM_GETLINECOUNT, 0, 0);
-      lineHeight = top(SendMessageA(status, EM_LINEINDEX, 1, 0)) - top(0);
-      lastLineTop = top(WindowText(status).find_last_not_of("\r\n"));
-      GetClientRect(status, &box);
-      ClickButton(message, IDOK);
+  const auto look = [&](HWND message, const WindowSnapshot&) {
+    HWND status = GetDlgItem(GetWindow(message, GW_OWNER), IDC_DOWNLOAD_STATUS);
+    const auto top = [&](std::size_t at) {
+      return static_cast<short>(HIWORD(SendMessageA(status, EM_POSFROMCHAR, at, 0)));
     };
-    ModalResult result;
-    EXPECT_EQ(DownloadAnswering({Custom(look)}, result, kStreamPatienceMs), row.ended);
-    ASSERT_TRUE(result.ok()) << result.Describe();
-    EXPECT_EQ(result.seen.at(0).MessageText(), row.message);
-    EXPECT_FALSE(FileExists(SharedDownloadRequest().localFile));
-    ASSERT_GT(lineHeight, 0);
-    EXPECT_GE(lastLineTop, 0);
-    EXPECT_LE(lastLineTop + lineHeight, box.bottom);
-  }
-  EXPECT_GT(lines * lineHeight, box.bottom);  // the redirect's lines: more than the box holds
+    lines = SendMessageA(status, EM_GETLINECOUNT, 0, 0);
+    lineHeight = top(SendMessageA(status, EM_LINEINDEX, 1, 0)) - top(0);
+    lastLineTop = top(WindowText(status).find_last_not_of("\r\n"));
+    GetClientRect(status, &box);
+    ClickButton(message, IDOK);
+  };
+  ModalResult result;
+  EXPECT_EQ(DownloadAnswering({Custom(look)}, result), kDownloadRefused);
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen.at(0).MessageText(), "The page http://127.0.0.1/again.htm was redirected more than 5 "
+                                             "times.\nThe download stopped; nothing was saved.");
+  EXPECT_FALSE(FileExists(dir.File("127.0.0.1.again.htm.htm")));
+  ASSERT_GT(lineHeight, 0);
+  EXPECT_GT(lines * lineHeight, box.bottom);  // more than it holds
+  EXPECT_GE(lastLineTop, 0);
+  EXPECT_LE(lastLineTop + lineHeight, box.bottom);
 }
 
 TEST_F(Acquire, LocalFileThatCannotBeCreatedTransfersNothing) {
