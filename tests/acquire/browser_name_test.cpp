@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "acquire/http_request.h"
 #include "acquire/pasted_address.h"
@@ -16,18 +17,13 @@ namespace {
 TEST(BrowserName, CaptionCountsEveryPlaceTheNameStarts) {
   const struct {
     std::uint32_t kind;
-    const char* other;
-    const char* caption;
+    const char *other, *caption;
     std::size_t count;
   } rows[] = {
       {kBrowserExplorer, "", "Order - Microsoft Internet Explorer", 1},
-      {kBrowserExplorer, "", "order - MICROSOFT INTERNET EXPLORER", 1},
       {kBrowserExplorer, "", "Microsoft Internet Explore", 0},  // one letter short
       {kBrowserNetscape, "", "Netscape - netscape", 2},
-      {kBrowserNetscape, "", "Microsoft Internet Explorer", 0},
       {kBrowserOther, "Opera", "Page - opera", 1},
-      {kBrowserOther, "Opera", "Opera - Opera", 2},
-      {kBrowserOther, "Opera", "Operetta", 0},
       {kBrowserOther, "", "Any window", 0},  // no caption text: nothing is a browser
       {kBrowserOther, "ab ab", "xab ab ab ab", 3},  // overlapping places count too
   };
@@ -39,10 +35,8 @@ TEST(BrowserName, CaptionCountsEveryPlaceTheNameStarts) {
 
 TEST(BrowserName, AddressBarTextAndRegistryKey) {
   EXPECT_TRUE(LooksLikeUrl("HTTP://a"));
-  EXPECT_TRUE(LooksLikeUrl("https://a"));
   EXPECT_TRUE(LooksLikeUrl("Www.a.com"));
   EXPECT_FALSE(LooksLikeUrl("about:blank"));
-  EXPECT_FALSE(LooksLikeUrl("C:\\page.htm"));
   EXPECT_TRUE(LooksLikeUrl("FILE:///C:/page.htm"));  // a saved page the browser shows
   EXPECT_FALSE(LooksLikeUrl("file://server/page.htm"));
   EXPECT_EQ(WithoutHttp("http://www.a.com/x"), "www.a.com/x");
@@ -51,16 +45,14 @@ TEST(BrowserName, AddressBarTextAndRegistryKey) {
 
 // Read back as the run-time library splits a command line, each stays one argument.
 TEST(BrowserName, ArgumentArrivesWhole) {
-  const struct {
-    const char *text, *argument;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {  // text, argument
       {"C:\\App\\page.htm", "C:\\App\\page.htm"},
       {"C:\\Program Files\\Q\\page.htm", "\"C:\\Program Files\\Q\\page.htm\""},
       {"C:\\My Pages\\", "\"C:\\My Pages\\\\\""},  // a lone backslash would escape the quote
       {"http://x.com/a\"b", "http://x.com/a%22b"},
       {"http://x.com/a b\"c", "\"http://x.com/a b%22c\""},
   };
-  for (const auto& row : rows) EXPECT_EQ(BrowserArgument(row.text), row.argument) << row.text;
+  for (const auto& [text, argument] : rows) EXPECT_EQ(BrowserArgument(text), argument) << text;
 }
 
 TEST(PastedAddress, FirstLineTellsWhatToScan) {
@@ -72,8 +64,6 @@ TEST(PastedAddress, FirstLineTellsWhatToScan) {
     std::string text;
   } rows[] = {
       {" \r\n\thttp://a.com/f.htm \r\nhttp://second", K::kWeb, "http://a.com/f.htm"},
-      {"HTTPS://a.com", K::kWeb, "HTTPS://a.com"},
-      {"www.a.com/x?y=1 2", K::kWeb, "www.a.com/x?y=1 2"},
       {"file:///C:/My%20Pages/form.htm", K::kLocalFile, "C:\\My Pages\\form.htm"},
       {"File:///c:/a%2fb%25.htm?x#top", K::kLocalFile, "c:\\a/b%.htm"},  // an escaped "/" stays one
       {"file:///C:/f%C3%A9.htm", K::kLocalFile, "C:\\f\xC3\xA9.htm"},  // UTF-8 bytes, converted by Windows
@@ -81,16 +71,12 @@ TEST(PastedAddress, FirstLineTellsWhatToScan) {
       {"C:\\saved\\a.htm", K::kLocalFile, "C:\\saved\\a.htm"},
       {"\\\\server\\share\\a.htm", K::kLocalFile, "\\\\server\\share\\a.htm"},
       {std::string("http://a.com\0junk", 17), K::kWeb, "http://a.com"},
-      {"", K::kNone, ""},
       {"   \r\n  ", K::kNone, ""},
       {"hello\nhttp://a.com", K::kNone, ""},  // only the first line counts
-      {"about:blank", K::kNone, ""},
-      {"ftp://a.com/f.htm", K::kNone, ""},
       {"file://server/share/a.htm", K::kNone, ""},
       {"saved\\a.htm", K::kNone, ""},  // relative to nothing the user sees
       {longest, K::kWeb, longest},
       {longest + "x", K::kTooLong, ""},
-      {"file:///C:/" + std::string(kUrlTextMax - 10, 'x'), K::kTooLong, ""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.clipboard.substr(0, 40));

@@ -1,5 +1,6 @@
 // Shared by the transfer tests: a hook that reads the status edit of the download
-// dialog after every change, and what a text written in text mode becomes.
+// dialog after every change, a download whose message boxes are answered, and
+// what a text written in text mode becomes.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "acquire/download_dialog.h"
 #include "resources/resource.h"
 #include "tests/support/gui_helper.h"
 #include "tests/support/loopback_server.h"
@@ -48,6 +50,17 @@ class StatusRecorder {
   LoopbackServer* paced_;
   HHOOK hook_;
 };
+
+// Runs DownloadPage with `steps` answering the message boxes it raises; the
+// download dialog comes and goes by itself.
+inline INT_PTR DownloadAnswering(std::vector<ModalStep> steps, ModalResult& result, int stepTimeoutMs = 10000) {
+  ModalOptions options;
+  options.passOver = [](HWND window) { return GetDlgItem(window, IDC_DOWNLOAD_STATUS) != nullptr; };
+  options.stepTimeoutMs = stepTimeoutMs;
+  INT_PTR ended = -1;
+  result = RunModal([&] { ended = DownloadPage(); }, std::move(steps), options);
+  return ended;
+}
 
 // Each line feed written through a text-mode stream becomes CR LF.
 inline std::string TextMode(const std::string& bytes) {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "acquire/web_address.h"
 
@@ -18,9 +19,7 @@ std::string Requested(const std::optional<WebAddress>& address) {
 
 TEST(WebAddress, SchemeHostPortAndTarget) {
   const struct {
-    const char* text;
-    const char* requested;
-    const char* origin;
+    const char *text, *requested, *origin;
   } cases[] = {
       {"https://Shop.example/pay?x=1#top", "tls Shop.example 443 /pay?x=1", "https://Shop.example"},
       {"HTTPS://localhost:8443", "tls localhost 8443 /", "https://localhost:8443"},
@@ -38,18 +37,13 @@ TEST(WebAddress, SchemeHostPortAndTarget) {
   for (const auto& c : cases) {
     const std::optional<WebAddress> address = ParseWebAddress(c.text);
     EXPECT_EQ(Requested(address), c.requested) << c.text;
-    if (address) {
-      EXPECT_EQ(WebOrigin(*address), c.origin) << c.text;
-    }
+    EXPECT_EQ(address ? WebOrigin(*address) : "", c.origin) << c.text;
   }
 }
 
 TEST(WebAddress, LocationResolvedAgainstTheAnsweringAddress) {
   const WebAddress from = *ParseWebAddress("https://shop.example:8443/cart/view.asp?id=4");
-  const struct {
-    const char* location;
-    const char* resolved;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {  // location, resolved
       {"http://other.example/x", "http://other.example/x"},
       {"//cdn.example/y", "https://cdn.example/y"},
       {"/login", "https://shop.example:8443/login"},
@@ -57,20 +51,16 @@ TEST(WebAddress, LocationResolvedAgainstTheAnsweringAddress) {
       {"?id=5", "https://shop.example:8443/cart/view.asp?id=5"},
       {"  /spaced  ", "https://shop.example:8443/spaced"},
       {"#frag", "https://shop.example:8443/cart/view.asp?id=4"},
+      {"   ", "-"},
   };
-  for (const auto& c : cases) {
-    const std::optional<WebAddress> to = ResolveLocation(from, c.location);
-    ASSERT_TRUE(to) << c.location;
-    EXPECT_EQ(FormatWebAddress(*to), c.resolved) << c.location;
+  for (const auto& [location, resolved] : cases) {
+    const std::optional<WebAddress> to = ResolveLocation(from, location);
+    EXPECT_EQ(to ? FormatWebAddress(*to) : "-", resolved) << location;
   }
-  EXPECT_FALSE(ResolveLocation(from, "   "));
 }
 
 TEST(WebAddress, RedirectOnlyForRedirectStatusesWithALocation) {
-  const struct {
-    const char* head;
-    const char* location;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {  // answer head, location
       // Saved in text mode: CR CR LF line ends.
       {"HTTP/1.1 301 Moved Permanently\r\r\nServer: x\r\r\nlocation:  https://h/p \r\r\n\r\r\n<html>", "https://h/p"},
       {"HTTP/1.0 302\nLocation: /a\n\nLocation: /body", "/a"},
@@ -84,8 +74,7 @@ TEST(WebAddress, RedirectOnlyForRedirectStatusesWithALocation) {
       {"HTTP/1.1 301 x\r\nLocation:\r\n\r\n", "-"},
       {"<html>301 Location: /no", "-"},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(RedirectLocation(c.head).value_or("-"), c.location) << c.head;
+  for (const auto& [head, location] : cases) EXPECT_EQ(RedirectLocation(head).value_or("-"), location) << head;
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 // build makes from resources/help.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <deque>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/temp_dir.h"
@@ -18,15 +18,12 @@ namespace {
 
 using test::HlpFile;
 using test::HlpTopic;
+using test::LongKey;
 
-std::string Source(const std::string& context, const std::string& title, const std::string& maps,
+std::string Source(const std::string& context, const std::string& title, const std::vector<std::uint32_t>& maps,
                    const std::string& body) {
   std::string s = "@context " + context + "\n";
-  for (std::size_t at = 0; at < maps.size();) {
-    const std::size_t end = std::min(maps.find(' ', at), maps.size());
-    s += "@map " + maps.substr(at, end - at) + "\n";
-    at = end + 1;
-  }
+  for (std::uint32_t map : maps) s += "@map " + std::to_string(map) + "\n";
   return s + "@title " + title + "\n\n" + body;
 }
 
@@ -47,119 +44,67 @@ HlpFile WriteAndRead(const Project& project) {
 }
 
 TEST(ContextHash, LettersCountWithoutCaseAndTheSumWrapsAt32Bits) {
-  const struct {
-    const char* name;
-    std::int32_t hash;
-  } rows[] = {
+  const std::pair<const char*, std::int32_t> rows[] = {  // name, hash
       {"A", 17},           {"a", 17},        {"a1", 17 * 43 + 1}, {"0", 10},
       {"._", 12 * 43 + 13}, {"Z9", 42 * 43 + 9},
       {"zzzzzzz", 1235671458},  // 43^7 - 1, less 63 * 2^32
   };
-  for (const auto& row : rows) EXPECT_EQ(ContextHash(row.name), row.hash) << row.name;
+  for (const auto& [name, hash] : rows) EXPECT_EQ(ContextHash(name), hash) << name;
 }
 
+// The second topic's paragraphs are long enough to span several topic blocks.
 TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
-  Project project;
-  project.title = "Test Help";
-  project.topics.push_back(Parsed(Source("contents", "Contents", "999",
-                                         "Intro **bold** text,\njoined.\n\n"
-                                         "- item one\n- item [[second|two]]\n  goes on\n\n"
-                                         "== Head\nLast [[Third|third topic]].\n")));
-  project.topics.push_back(Parsed(Source("second", "The second", "1900 1901", "Plain.\n")));
-  project.topics.push_back(Parsed(Source("third", "Third", "", "")));  // title only
+  std::string words;
+  for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
+  const std::string unbroken(9000, 'x');  // no blank to cut after
+  const Project project{"Test Help",
+                        {Parsed(Source("contents", "Contents", {999},
+                                       "Intro **bold** text,\njoined.\n\n"
+                                       "- item one\n- item [[second|two]]\n  goes on\n\n"
+                                       "== Head\nLast [[Third|third topic]].\n")),
+                         Parsed(Source("second", "The second", {1900, 1901},
+                                       words + "\n\n**" + unbroken + "**\n")),
+                         Parsed(Source("third", "Third", {7}, ""))}};  // title only
   const HlpFile file = WriteAndRead(project);
 
   EXPECT_EQ(file.fileNames, (std::vector<std::string>{"|CONTEXT", "|CTXOMAP", "|FONT", "|SYSTEM", "|TOPIC"}));
   EXPECT_EQ(file.title, "Test Help");
   EXPECT_EQ(file.windowCaption, "Test Help");
   ASSERT_EQ(file.topics.size(), 3u);
-  ASSERT_NE(file.TopicAt(file.contentsOffset), nullptr);
-  EXPECT_EQ(file.TopicAt(file.contentsOffset)->title, "Contents");
-
-  const HlpTopic& contents = file.topics[0];
-  EXPECT_EQ(contents.paragraphs,
+  EXPECT_EQ(file.TopicAt(file.contentsOffset), &file.topics[0]);
+  EXPECT_EQ(file.topics[0].paragraphs,
             (std::vector<std::string>{"Contents", "Intro bold text, joined.", "\x95\titem one",
                                       "\x95\titem two goes on", "Head", "Last third topic."}));
-  EXPECT_EQ(contents.jumps, (std::vector<std::int32_t>{ContextHash("second"), ContextHash("third")}));
+  EXPECT_EQ(file.topics[0].jumps, (std::vector<std::int32_t>{ContextHash("second"), ContextHash("third")}));
+  EXPECT_EQ(file.topics[1].paragraphs, (std::vector<std::string>{"The second", words, unbroken}));
+  EXPECT_GE(file.topics[1].blocks.size(), 9u);  // about 36 KB of text in 3.6 KB blocks
   EXPECT_EQ(file.topics[2].paragraphs, std::vector<std::string>{"Third"});
-  EXPECT_LT(file.topics[0].offset, file.topics[1].offset);
-  EXPECT_LT(file.topics[1].offset, file.topics[2].offset);
 
-  const struct {
-    std::uint32_t number;
-    const char* title;
-  } numbers[] = {{999, "Contents"}, {1900, "The second"}, {1901, "The second"}};
-  EXPECT_EQ(file.contextNumbers.size(), 3u);
-  for (const auto& n : numbers) {
-    ASSERT_NE(file.TopicOfNumber(n.number), nullptr) << n.number;
-    EXPECT_EQ(file.TopicOfNumber(n.number)->title, n.title) << n.number;
-  }
-  for (const Topic& topic : project.topics) {
-    const auto offset = file.FindContext(ContextHash(topic.context));
-    ASSERT_TRUE(offset) << topic.context;
-    EXPECT_EQ(file.TopicAt(*offset)->title, topic.title);
+  const std::pair<std::uint32_t, std::size_t> numbers[] = {{999, 0}, {1900, 1}, {1901, 1}, {7, 2}};
+  EXPECT_EQ(file.contextNumbers.size(), std::size(numbers));
+  for (const auto& [number, topic] : numbers)
+    EXPECT_EQ(file.TopicOfNumber(number), &file.topics[topic]) << number;
+  for (std::size_t i = 0; i < project.topics.size(); ++i) {
+    const auto offset = file.FindContext(ContextHash(project.topics[i].context));
+    ASSERT_TRUE(offset) << i;
+    EXPECT_EQ(file.TopicAt(*offset), &file.topics[i]);
   }
   EXPECT_FALSE(file.FindContext(ContextHash("fourth")));
 }
 
-TEST(HelpFile, LongParagraphsSpanBlocksAndReadBackWhole) {
-  std::string words;
-  for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
-  const std::string unbroken(9000, 'x');  // no blank to cut after
-  Project project;
-  project.title = "Long";
-  project.topics.push_back(Parsed(Source("long", "Long", "1", words + "\n\n**" + unbroken + "**\n")));
-  project.topics.push_back(Parsed(Source("after", "After", "2", "Short.\n")));
-  const HlpFile file = WriteAndRead(project);
-  ASSERT_EQ(file.topics.size(), 2u);
-  EXPECT_EQ(file.topics[0].paragraphs, (std::vector<std::string>{"Long", words, unbroken}));
-  EXPECT_GE(file.topics[0].blocks.size(), 9u);  // about 36 KB of text in 3.6 KB blocks
-  ASSERT_NE(file.TopicOfNumber(2), nullptr);
-  EXPECT_EQ(file.TopicOfNumber(2)->title, "After");
-  EXPECT_EQ(file.TopicOfNumber(1)->title, "Long");
-}
-
-TEST(HelpFile, ManyTopicsAreFoundThroughAnIndexedContextTree) {
-  constexpr int kCount = 800;
-  Project project;
-  project.title = "Many";
-  for (int i = 0; i < kCount; ++i) {
-    const std::string next = "t" + std::to_string((i + 1) % kCount);
-    project.topics.push_back(Parsed(Source("t" + std::to_string(i), "Topic " + std::to_string(i),
-                                           std::to_string(5000 + i), "See [[" + next + "|next]].\n")));
-  }
-  const HlpFile file = WriteAndRead(project);
-  ASSERT_EQ(file.topics.size(), static_cast<std::size_t>(kCount));
-  EXPECT_GE(file.contextLevels, 2);
-  for (int i = 0; i < kCount; ++i) {
-    const std::string title = "Topic " + std::to_string(i);
-    const auto offset = file.FindContext(ContextHash("t" + std::to_string(i)));
-    ASSERT_TRUE(offset) << i;
-    EXPECT_EQ(file.TopicAt(*offset)->title, title);
-    ASSERT_NE(file.TopicOfNumber(5000 + i), nullptr) << i;
-    EXPECT_EQ(file.TopicOfNumber(5000 + i)->offset, *offset);
-    const auto jump = file.FindContext(file.topics[i].jumps.at(0));
-    ASSERT_TRUE(jump) << i;
-    EXPECT_EQ(file.TopicAt(*jump)->title, "Topic " + std::to_string((i + 1) % kCount));
-  }
-}
-
-test::HlpBTree::Key LongKey(std::int32_t v) {
-  const auto u = static_cast<std::uint32_t>(v);
-  return {static_cast<std::uint8_t>(u), static_cast<std::uint8_t>(u >> 8), static_cast<std::uint8_t>(u >> 16),
-          static_cast<std::uint8_t>(u >> 24)};
-}
-
+// A tree deep enough for index pages of index pages: the writer's trees are built
+// by the same code with larger pages.
 TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
   std::vector<BTreeEntry> entries;
   for (std::int32_t k = -3000; k < 3000; k += 3) entries.push_back(BTreeEntry{LongKey(k), LongKey(k * 7)});
-  const std::vector<std::uint8_t> tree = BuildBTree(entries, 64, 2, "L4");
+  const std::vector<std::uint8_t> bytes = BuildBTree(entries, 64, 2, "L4");
   test::HlpBTree reader;
+  std::vector<test::HlpBTree::Entry> leaves;
   std::string error;
-  ASSERT_TRUE(reader.Read(tree.data(), tree.size(), test::HlpBTree::kLongKey, error)) << error;
+  ASSERT_TRUE(reader.Read(bytes.data(), bytes.size(), test::HlpBTree::kLongKey, error) &&
+              reader.Leaves(leaves, error))
+      << error;
   EXPECT_GE(reader.levels(), 3);
-  std::vector<std::pair<test::HlpBTree::Key, std::uint32_t>> leaves;
-  ASSERT_TRUE(reader.Leaves(leaves, error)) << error;
   ASSERT_EQ(leaves.size(), entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
     EXPECT_EQ(leaves[i].first, entries[i].key);
@@ -169,18 +114,20 @@ TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
   }
   EXPECT_FALSE(reader.Find(LongKey(-3001)));
   EXPECT_FALSE(reader.Find(LongKey(3000)));
+  // An entry that does not fit a page is refused.
+  EXPECT_TRUE(BuildBTree({BTreeEntry{std::vector<std::uint8_t>(60, 'a'), LongKey(0)}}, 64, 2, "z4").empty());
 }
 
-TEST(BTree, EmptyTreeIsOneEmptyLeafAndOversizedEntriesAreRefused) {
-  const std::vector<std::uint8_t> empty = BuildBTree({}, 2048, 2, "L4");
-  test::HlpBTree reader;
-  std::string error;
-  ASSERT_TRUE(reader.Read(empty.data(), empty.size(), test::HlpBTree::kLongKey, error)) << error;
-  std::vector<std::pair<test::HlpBTree::Key, std::uint32_t>> leaves;
-  ASSERT_TRUE(reader.Leaves(leaves, error)) << error;
-  EXPECT_TRUE(leaves.empty());
-  EXPECT_FALSE(reader.Find(LongKey(1)));
-  EXPECT_TRUE(BuildBTree({BTreeEntry{std::vector<std::uint8_t>(60, 'a'), LongKey(0)}}, 64, 2, "z4").empty());
+// A paragraph as "kind: runs", a bold run between "*", a jump as "[target|text]".
+std::string Shown(const Paragraph& paragraph) {
+  static const char* const kKinds[] = {"body: ", "heading: ", "bullet: "};
+  std::string out = kKinds[paragraph.kind];
+  for (const Run& run : paragraph.runs) {
+    out += run.kind == Run::kBold   ? "*" + run.text + "*"
+           : run.kind == Run::kJump ? "[" + run.target + "|" + run.text + "]"
+                                    : run.text;
+  }
+  return out;
 }
 
 TEST(HelpSource, LinesJoinAndMarkupBecomesRuns) {
@@ -190,28 +137,15 @@ TEST(HelpSource, LinesJoinAndMarkupBecomesRuns) {
   EXPECT_EQ(topic.context, "c.1_x");
   EXPECT_EQ(topic.mapIds, std::vector<std::uint32_t>{7});
   EXPECT_EQ(topic.title, "A  title");
-  ASSERT_EQ(topic.paragraphs.size(), 4u);
-  const std::vector<help::Run>& runs = topic.paragraphs[0].runs;
-  ASSERT_EQ(runs.size(), 4u);
-  EXPECT_EQ(runs[0].text, "One two three ");
-  EXPECT_EQ(runs[1].kind, help::Run::kJump);
-  EXPECT_EQ(runs[1].target, "d");
-  EXPECT_EQ(runs[1].text, "go");
-  EXPECT_EQ(runs[2].text, " ");
-  EXPECT_EQ(runs[3].kind, help::Run::kBold);
-  EXPECT_EQ(runs[3].text, "b");
-  EXPECT_EQ(topic.paragraphs[1].kind, Paragraph::kBullet);
-  EXPECT_EQ(topic.paragraphs[2].kind, Paragraph::kHeading);
-  EXPECT_EQ(topic.paragraphs[3].kind, Paragraph::kBody);
-  EXPECT_EQ(topic.paragraphs[3].runs[0].text, "after");
+  std::vector<std::string> shown;
+  for (const Paragraph& paragraph : topic.paragraphs) shown.push_back(Shown(paragraph));
+  EXPECT_EQ(shown, (std::vector<std::string>{"body: One two three [d|go] *b*", "bullet: item", "heading: Head",
+                                             "body: after"}));
 }
 
 TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
   const std::string head = "@context c\n@title T\n\n";
-  const struct {
-    std::string source;
-    const char* error;
-  } rows[] = {
+  const std::pair<std::string, const char*> rows[] = {  // source, the start of its error
       {"@title T\n\nx\n", "t.txt:2: no @context"},
       {"@context c\n\nx\n", "t.txt:2: no @title"},
       {"@context a-b\n@title T\n", "t.txt:1: context name \"a-b\" must be"},
@@ -234,35 +168,30 @@ TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
       {head + "\n\ncaf\xE9\n", "t.txt:6: not a printable ASCII character (0xE9)"},
       {head + "bell\a\n", "t.txt:4: not a printable ASCII character (0x07)"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [source, start] : rows) {
     Topic topic;
     std::string error;
-    EXPECT_FALSE(ParseTopic("t.txt", row.source, topic, error)) << row.source;
-    EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
+    EXPECT_FALSE(ParseTopic("t.txt", source, topic, error)) << source;
+    EXPECT_EQ(error.rfind(start, 0), 0u) << "got: " << error;
   }
 }
 
 TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
-  const auto topic = [](const std::string& context, const std::string& maps, const std::string& body) {
-    return Parsed(Source(context, "T", maps, body));
-  };
-  const struct {
-    Project project;
-    const char* error;
-  } rows[] = {
+  const auto topic = [](const std::string& context, std::vector<std::uint32_t> maps = {},
+                        const std::string& body = "") { return Parsed(Source(context, "T", maps, body)); };
+  const std::pair<Project, const char*> rows[] = {  // project, the start of its error
       {Project{"Help", {}}, "no topics"},
-      {Project{"", {topic("a", "", "")}}, "the help file's title must be 1 to 50"},
-      {Project{std::string(51, 'h'), {topic("a", "", "")}}, "the help file's title must be 1 to 50"},
-      {Project{"Help", {topic("Merge", "", ""), topic("merge", "", "")}},
-       "context names Merge and merge have the same hash"},
-      {Project{"Help", {topic("a", "7", ""), topic("b", "7", "")}}, "context number 7 given to a and b"},
-      {Project{"Help", {topic("a", "", "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
+      {Project{"", {topic("a")}}, "the help file's title must be 1 to 50"},
+      {Project{std::string(51, 'h'), {topic("a")}}, "the help file's title must be 1 to 50"},
+      {Project{"Help", {topic("Merge"), topic("merge")}}, "context names Merge and merge have the same hash"},
+      {Project{"Help", {topic("a", {7}), topic("b", {7})}}, "context number 7 given to a and b"},
+      {Project{"Help", {topic("a", {}, "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [project, start] : rows) {
     std::vector<std::uint8_t> bytes{1, 2, 3};
     std::string error;
-    EXPECT_FALSE(WriteHelpFile(row.project, bytes, error)) << row.error;
-    EXPECT_EQ(error.rfind(row.error, 0), 0u) << "got: " << error;
+    EXPECT_FALSE(WriteHelpFile(project, bytes, error)) << start;
+    EXPECT_EQ(error.rfind(start, 0), 0u) << "got: " << error;
     EXPECT_TRUE(bytes.empty());
   }
 }
@@ -281,30 +210,26 @@ TEST(BuiltHelpFile, HoldsEveryTopicTheProgramOpensAndEachIsReachableFromContents
   for (std::uint32_t number : kProgramContextNumbers) {
     const HlpTopic* topic = file.TopicOfNumber(number);
     ASSERT_NE(topic, nullptr) << number;
-    EXPECT_EQ(file.TopicAt(file.contextNumbers.at(number))->offset, file.contextNumbers.at(number))
+    EXPECT_EQ(topic->offset, file.contextNumbers.at(number))
         << number << " does not open at the start of a topic";
     EXPECT_GE(topic->paragraphs.size(), 2u) << topic->title << " has no text";
   }
   // Every jump lands on a topic's start, and every topic can be reached from the contents.
-  std::deque<const HlpTopic*> queue{contents};
-  std::vector<const HlpTopic*> reached{contents};
-  while (!queue.empty()) {
-    const HlpTopic* topic = queue.front();
-    queue.pop_front();
+  std::vector<const HlpTopic*> todo{contents};
+  std::set<const HlpTopic*> reached{contents};
+  while (!todo.empty()) {
+    const HlpTopic* topic = todo.back();
+    todo.pop_back();
     for (std::int32_t hash : topic->jumps) {
       const auto offset = file.FindContext(hash);
       ASSERT_TRUE(offset) << topic->title << " jumps to a hash no topic has";
       const HlpTopic* target = file.TopicAt(*offset);
       ASSERT_EQ(target->offset, *offset);
-      if (std::find(reached.begin(), reached.end(), target) == reached.end()) {
-        reached.push_back(target);
-        queue.push_back(target);
-      }
+      if (reached.insert(target).second) todo.push_back(target);
     }
   }
   for (const HlpTopic& topic : file.topics)
-    EXPECT_NE(std::find(reached.begin(), reached.end(), &topic), reached.end())
-        << topic.title << " can't be reached from the contents";
+    EXPECT_EQ(reached.count(&topic), 1u) << topic.title << " can't be reached from the contents";
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "tests/tools/hlp_reader.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace qb::test {
@@ -17,6 +16,9 @@ constexpr std::size_t kDecompressedBlock = 0x4000;
 constexpr std::uint32_t kCharactersPerBlock = 0x8000;
 constexpr std::size_t kLinkHeader = 21;
 
+std::uint16_t U16At(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
+std::uint32_t U32At(const std::uint8_t* p) { return U16At(p) | static_cast<std::uint32_t>(U16At(p + 2)) << 16; }
+
 // Little-endian reads that fail softly: past the end they return 0 and the
 // cursor stays failed.
 class Cursor {
@@ -28,16 +30,8 @@ class Cursor {
   bool Has(std::size_t k) const { return ok_ && k <= n_ - at_; }
   std::uint8_t Peek() const { return Has(1) ? p_[at_] : 0; }
   std::uint8_t U8() { return Has(1) ? p_[at_++] : Bad(); }
-  std::uint16_t U16() {
-    if (!Has(2)) return Bad();
-    const std::uint16_t v = static_cast<std::uint16_t>(p_[at_] | p_[at_ + 1] << 8);
-    at_ += 2;
-    return v;
-  }
-  std::uint32_t U32() {
-    const std::uint32_t low = U16();
-    return low | static_cast<std::uint32_t>(U16()) << 16;
-  }
+  std::uint16_t U16() { return Has(2) ? U16At(Take(2)) : Bad(); }
+  std::uint32_t U32() { return Has(4) ? U32At(Take(4)) : Bad(); }
   void Skip(std::size_t k) {
     if (Has(k)) at_ += k; else Bad();
   }
@@ -45,9 +39,7 @@ class Cursor {
     const void* nul = ok_ ? std::memchr(p_ + at_, 0, n_ - at_) : nullptr;
     if (!nul) return Bad(), std::string();
     const std::size_t len = static_cast<const std::uint8_t*>(nul) - (p_ + at_);
-    std::string s(reinterpret_cast<const char*>(p_ + at_), len);
-    at_ += len + 1;
-    return s;
+    return std::string(reinterpret_cast<const char*>(Take(len + 1)), len);
   }
   // The packed numbers of display records: the low bit of the first byte says
   // whether the longer form is used.
@@ -58,6 +50,10 @@ class Cursor {
   }
 
  private:
+  const std::uint8_t* Take(std::size_t k) {
+    at_ += k;
+    return p_ + at_ - k;
+  }
   std::uint8_t Bad() {
     ok_ = false;
     return 0;
@@ -116,12 +112,12 @@ bool HlpBTree::Read(const std::uint8_t* data, std::size_t size, KeyKind kind, st
       kTreeHeader + pageCount_ * pageSize_ > size)
     return Fail(error, "B+ tree header out of range");
   kind_ = kind;
-  pages_ = data + kTreeHeader;
+  pages_.assign(data + kTreeHeader, data + kTreeHeader + pageCount_ * pageSize_);
   return true;
 }
 
 const std::uint8_t* HlpBTree::Page(std::size_t page) const {
-  return page < pageCount_ ? pages_ + page * pageSize_ : nullptr;
+  return page < pageCount_ ? pages_.data() + page * pageSize_ : nullptr;
 }
 
 std::size_t HlpBTree::KeySize(const std::uint8_t* p, const std::uint8_t* end) const {
@@ -131,86 +127,72 @@ std::size_t HlpBTree::KeySize(const std::uint8_t* p, const std::uint8_t* end) co
   return nul ? static_cast<const std::uint8_t*>(nul) - p + 1 : 0;
 }
 
-int HlpBTree::Compare(const std::uint8_t* a, std::size_t aSize, const Key& b) const {
-  if (kind_ == kLongKey) {
-    const auto value = [](const std::uint8_t* p) {
-      return static_cast<std::int32_t>(p[0] | p[1] << 8 | p[2] << 16 | static_cast<std::uint32_t>(p[3]) << 24);
-    };
-    const std::int32_t x = value(a), y = value(b.data());
-    return x < y ? -1 : x > y ? 1 : 0;
-  }
-  (void)aSize;  // both keys end in their NUL
-  const int order = std::strcmp(reinterpret_cast<const char*>(a), reinterpret_cast<const char*>(b.data()));
-  return order < 0 ? -1 : order > 0 ? 1 : 0;
+int HlpBTree::Compare(const std::uint8_t* a, const Key& b) const {
+  if (kind_ == kStringKey)  // both keys end in their NUL
+    return std::strcmp(reinterpret_cast<const char*>(a), reinterpret_cast<const char*>(b.data()));
+  const auto x = static_cast<std::int32_t>(U32At(a)), y = static_cast<std::int32_t>(U32At(b.data()));
+  return (x > y) - (x < y);
 }
 
-bool HlpBTree::Leaves(std::vector<std::pair<Key, std::uint32_t>>& entries, std::string& error) const {
-  entries.clear();
+bool HlpBTree::ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) const {
+  const std::uint8_t* at = page + 8;
+  const std::uint8_t* end = page + pageSize_;
+  for (std::uint16_t i = 0, n = U16At(page + 2); i < n; ++i) {
+    const std::size_t k = KeySize(at, end);
+    if (!k || end - (at + k) < 4) return false;
+    entries.emplace_back(Key(at, at + k), U32At(at + k));
+    at += k + 4;
+  }
+  return true;
+}
+
+std::optional<std::size_t> HlpBTree::LeafFor(const Key* key) const {
   std::size_t page = root_;
   for (int level = levels_; level > 1; --level) {
     const std::uint8_t* p = Page(page);
-    if (!p) return Fail(error, "index page out of range");
-    page = p[4] | p[5] << 8;  // the child before every key of the page
-  }
-  std::size_t visited = 0;
-  while (page != kNoPage) {
-    const std::uint8_t* p = Page(page);
-    if (!p || ++visited > pageCount_) return Fail(error, "leaf chain leaves the tree");
-    Cursor header(p, 8);
-    header.U16();
-    const std::uint16_t n = header.U16();
-    header.U16();
-    const std::uint16_t next = header.U16();
-    const std::uint8_t* at = p + 8;
+    if (!p) return std::nullopt;
+    page = U16At(p + 4);  // the child before every key of the page
+    const std::uint8_t* at = p + 6;
     const std::uint8_t* end = p + pageSize_;
-    for (std::uint16_t i = 0; i < n; ++i) {
+    for (int i = 0, n = static_cast<std::int16_t>(U16At(p + 2)); key && i < n; ++i) {
       const std::size_t k = KeySize(at, end);
-      if (!k || end - (at + k) < 4) return Fail(error, "leaf entry overruns its page");
-      Key key(at, at + k);
-      if (!entries.empty() && Compare(entries.back().first.data(), entries.back().first.size(), key) >= 0)
-        return Fail(error, "leaf keys out of order");
-      const std::uint32_t value = at[k] | at[k + 1] << 8 | at[k + 2] << 16 | static_cast<std::uint32_t>(at[k + 3]) << 24;
-      entries.emplace_back(std::move(key), value);
-      at += k + 4;
+      if (!k || end - (at + k) < 2) return std::nullopt;
+      if (Compare(at, *key) > 0) break;
+      page = U16At(at + k);
+      at += k + 2;
     }
-    page = next;
   }
+  return page;
+}
+
+bool HlpBTree::Leaves(std::vector<Entry>& entries, std::string& error) const {
+  entries.clear();
+  const std::optional<std::size_t> first = LeafFor(nullptr);
+  if (!first) return Fail(error, "index page out of range");
+  for (std::size_t page = *first, visited = 0; page != kNoPage; page = U16At(Page(page) + 6)) {
+    if (!Page(page) || ++visited > pageCount_) return Fail(error, "leaf chain leaves the tree");
+    if (!ReadLeaf(Page(page), entries)) return Fail(error, "leaf entry overruns its page");
+  }
+  for (std::size_t i = 1; i < entries.size(); ++i)
+    if (Compare(entries[i - 1].first.data(), entries[i].first) >= 0)
+      return Fail(error, "leaf keys out of order");
   if (entries.size() != count_) return Fail(error, "B+ tree holds another number of entries than it says");
   return true;
 }
 
 std::optional<std::uint32_t> HlpBTree::Find(const Key& key) const {
-  std::size_t page = root_;
-  for (int level = levels_; level > 1; --level) {
-    const std::uint8_t* p = Page(page);
-    if (!p) return std::nullopt;
-    const int n = static_cast<std::int16_t>(p[2] | p[3] << 8);
-    std::size_t child = p[4] | p[5] << 8;
-    const std::uint8_t* at = p + 6;
-    const std::uint8_t* end = p + pageSize_;
-    for (int i = 0; i < n; ++i) {
-      const std::size_t k = KeySize(at, end);
-      if (!k || end - (at + k) < 2) return std::nullopt;
-      if (Compare(at, k, key) > 0) break;
-      child = at[k] | at[k + 1] << 8;
-      at += k + 2;
-    }
-    page = child;
-  }
-  const std::uint8_t* p = Page(page);
-  if (!p) return std::nullopt;
-  const int n = static_cast<std::int16_t>(p[2] | p[3] << 8);
-  const std::uint8_t* at = p + 8;
-  const std::uint8_t* end = p + pageSize_;
-  for (int i = 0; i < n; ++i) {
-    const std::size_t k = KeySize(at, end);
-    if (!k || end - (at + k) < 4) return std::nullopt;
-    const int order = Compare(at, k, key);
-    if (order == 0) return at[k] | at[k + 1] << 8 | at[k + 2] << 16 | static_cast<std::uint32_t>(at[k + 3]) << 24;
-    if (order > 0) return std::nullopt;
-    at += k + 4;
-  }
+  const std::optional<std::size_t> page = LeafFor(&key);
+  std::vector<Entry> leaf;
+  if (!page || !Page(*page) || !ReadLeaf(Page(*page), leaf)) return std::nullopt;
+  for (const auto& [k, value] : leaf)
+    if (Compare(k.data(), key) == 0) return value;
   return std::nullopt;
+}
+
+HlpBTree::Key LongKey(std::int32_t value) {
+  const auto u = static_cast<std::uint32_t>(value);
+  return {static_cast<std::uint8_t>(u), static_cast<std::uint8_t>(u >> 8), static_cast<std::uint8_t>(u >> 16),
+          static_cast<std::uint8_t>(u >> 24)};
 }
 
 bool HlpFile::File(const std::string& name, const std::uint8_t*& data, std::size_t& size,
@@ -221,8 +203,7 @@ bool HlpFile::File(const std::string& name, const std::uint8_t*& data, std::size
   if (!offset) return Fail(error, "no internal file " + name);
   Cursor c(bytes_.data(), bytes_.size());
   c.Skip(*offset);
-  const std::uint32_t reserved = c.U32();
-  const std::uint32_t used = c.U32();
+  const std::uint32_t reserved = c.U32(), used = c.U32();
   c.U8();
   if (!c.ok() || reserved < used + 9 || reserved > bytes_.size() - *offset)
     return Fail(error, "internal file " + name + " out of range");
@@ -244,8 +225,7 @@ bool HlpFile::ReadSystem(std::string& error) {
   if (minor <= 16 || flags != 4) return Fail(error, "|SYSTEM: a version or compression not read here");
   bool haveContents = false;
   while (c.ok() && !c.AtEnd()) {
-    const std::uint16_t type = c.U16();
-    const std::uint16_t length = c.U16();
+    const std::uint16_t type = c.U16(), length = c.U16();
     if (!c.Has(length)) return Fail(error, "|SYSTEM record overruns the file");
     Cursor record(data + c.at(), length);
     c.Skip(length);
@@ -270,7 +250,7 @@ bool HlpFile::ReadTopics(std::string& error) {
   std::size_t size;
   if (!File("|TOPIC", data, size, error)) return false;
   if (size == 0 || size % kBlockSize) return Fail(error, "|TOPIC is not whole blocks");
-  topicBlocks = size / kBlockSize;
+  const std::size_t topicBlocks = size / kBlockSize;
   std::vector<std::vector<std::uint8_t>> blocks(topicBlocks);
   std::vector<std::uint32_t> firstLink(topicBlocks), lastLinkBefore(topicBlocks);
   for (std::size_t k = 0; k < topicBlocks; ++k) {
@@ -300,11 +280,8 @@ bool HlpFile::ReadTopics(std::string& error) {
       characters = 0;
     }
     Cursor link(blocks[block].data() + at, blocks[block].size() - at);
-    const std::uint32_t linkSize = link.U32();
-    const std::uint32_t length2 = link.U32();
-    const std::uint32_t prev = link.U32();
-    const std::uint32_t next = link.U32();
-    const std::uint32_t length1 = link.U32();
+    const std::uint32_t linkSize = link.U32(), length2 = link.U32(), prev = link.U32(), next = link.U32(),
+                        length1 = link.U32();
     const std::uint8_t type = link.U8();
     if (prev != previous) return Fail(error, "topic link's previous link is wrong");
     if (length1 < kLinkHeader || linkSize != length1 + length2 || linkSize > blocks[block].size() - at)
@@ -397,7 +374,7 @@ bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
   dir.U8();
   if (used > bytes_.size() - directory - 9) return Fail(error, "directory out of range");
   if (!directory_.Read(bytes_.data() + directory + 9, used, HlpBTree::kStringKey, error)) return false;
-  std::vector<std::pair<HlpBTree::Key, std::uint32_t>> files;
+  std::vector<HlpBTree::Entry> files;
   if (!directory_.Leaves(files, error)) return false;
   for (const auto& f : files) fileNames.emplace_back(reinterpret_cast<const char*>(f.first.data()));
 
@@ -416,21 +393,12 @@ bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
 
   if (!File("|CONTEXT", data, size, error) || !context_.Read(data, size, HlpBTree::kLongKey, error))
     return false;
-  std::vector<std::pair<HlpBTree::Key, std::uint32_t>> leaves;
-  if (!context_.Leaves(leaves, error)) return false;
-  for (const auto& [key, offset] : leaves) {
-    const std::int32_t hash = static_cast<std::int32_t>(key[0] | key[1] << 8 | key[2] << 16 |
-                                                        static_cast<std::uint32_t>(key[3]) << 24);
-    contexts.emplace_back(hash, offset);
-  }
-  contextLevels = context_.levels();
-  return true;
+  std::vector<HlpBTree::Entry> leaves;  // read for the checks on the way
+  return context_.Leaves(leaves, error);
 }
 
 std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const {
-  const auto u = static_cast<std::uint32_t>(hash);
-  return context_.Find(HlpBTree::Key{static_cast<std::uint8_t>(u), static_cast<std::uint8_t>(u >> 8),
-                                     static_cast<std::uint8_t>(u >> 16), static_cast<std::uint8_t>(u >> 24)});
+  return context_.Find(LongKey(hash));
 }
 
 const HlpTopic* HlpFile::TopicAt(std::uint32_t offset) const {

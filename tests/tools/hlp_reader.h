@@ -20,10 +20,11 @@ class HlpBTree {
  public:
   enum KeyKind { kStringKey, kLongKey };
   using Key = std::vector<std::uint8_t>;
+  using Entry = std::pair<Key, std::uint32_t>;
 
   bool Read(const std::uint8_t* data, std::size_t size, KeyKind kind, std::string& error);
   // Every entry, leaf by leaf from the leftmost leaf; checks the key order and count.
-  bool Leaves(std::vector<std::pair<Key, std::uint32_t>>& entries, std::string& error) const;
+  bool Leaves(std::vector<Entry>& entries, std::string& error) const;
   // Descends through the index pages as a viewer looks a key up.
   std::optional<std::uint32_t> Find(const Key& key) const;
   int levels() const { return levels_; }
@@ -32,14 +33,23 @@ class HlpBTree {
   const std::uint8_t* Page(std::size_t page) const;
   // The size of the key starting at `p` (inside a page ending at `end`), 0 if it overruns.
   std::size_t KeySize(const std::uint8_t* p, const std::uint8_t* end) const;
-  int Compare(const std::uint8_t* a, std::size_t aSize, const Key& b) const;
+  // The leaf page where `key` belongs, descending the index pages (the leftmost
+  // leaf for none); nullopt when an index page is broken.
+  std::optional<std::size_t> LeafFor(const Key* key) const;
+  // Appends the entries of a leaf page; false when one overruns the page.
+  bool ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) const;
+  // Only the sign counts.
+  int Compare(const std::uint8_t* a, const Key& b) const;
 
   KeyKind kind_ = kLongKey;
-  const std::uint8_t* pages_ = nullptr;
+  std::vector<std::uint8_t> pages_;
   std::size_t pageSize_ = 0, pageCount_ = 0, root_ = 0;
   int levels_ = 0;
   std::uint32_t count_ = 0;
 };
+
+// A long key as the trees store it: four bytes, little-endian.
+HlpBTree::Key LongKey(std::int32_t value);
 
 struct HlpTopic {
   std::uint32_t offset = 0;  // counted from the records as a viewer counts
@@ -51,12 +61,6 @@ struct HlpTopic {
 
 class HlpFile {
  public:
-  HlpFile() = default;
-  HlpFile(const HlpFile&) = delete;  // the trees point into the bytes
-  HlpFile& operator=(const HlpFile&) = delete;
-  HlpFile(HlpFile&&) = default;
-  HlpFile& operator=(HlpFile&&) = default;
-
   bool Read(const std::vector<std::uint8_t>& bytes, std::string& error);
 
   std::optional<std::uint32_t> FindContext(std::int32_t hash) const;
@@ -69,9 +73,6 @@ class HlpFile {
   std::string windowCaption;
   std::uint32_t contentsOffset = 0;
   std::map<std::uint32_t, std::uint32_t> contextNumbers;
-  std::vector<std::pair<std::int32_t, std::uint32_t>> contexts;  // in leaf order
-  int contextLevels = 0;
-  std::size_t topicBlocks = 0;
   std::vector<HlpTopic> topics;
 
  private:
