@@ -28,6 +28,7 @@ TEST(WebAddress, SchemeHostPortAndTarget) {
       {"https://user:pw@[::1]:9/x", "tls [::1] 9 /x", "https://[::1]:9"},
       {"https://host:/x", "tls host 443 /x", "https://host"},
       {"https://host:0/", "-", ""},
+      {"http://host:65535/", "host 65535 /", "http://host:65535"},
       {"https://host:65536/", "-", ""},
       {"https://host:8x/", "-", ""},
       {"https:///path", "-", ""},
