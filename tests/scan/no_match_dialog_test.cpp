@@ -31,7 +31,6 @@ std::vector<std::string> KeyRows(HWND dialog) {
   for (LRESULT i = 0, n = SendMessageA(list, LVM_GETITEMCOUNT, 0, 0); i < n; ++i) {
     char text[300] = {};
     LVITEMA item{};
-    item.iSubItem = 0;
     item.pszText = text;
     item.cchTextMax = sizeof(text);
     SendMessageA(list, LVM_GETITEMTEXTA, i, reinterpret_cast<LPARAM>(&item));
@@ -43,6 +42,15 @@ std::vector<std::string> KeyRows(HWND dialog) {
 int SelectedKeyRow(HWND dialog) {
   return static_cast<int>(SendDlgItemMessageA(dialog, IDC_NOMATCH_KEYS, LVM_GETNEXTITEM, static_cast<WPARAM>(-1),
                                               LVNI_SELECTED));
+}
+
+// Notes the key list's rows and its selected row, then presses `button`.
+ModalStep ReadKeyRows(std::vector<std::string>& rows, int& selected, int button) {
+  return Custom([&rows, &selected, button](HWND dialog, const WindowSnapshot&) {
+    rows = KeyRows(dialog);
+    selected = SelectedKeyRow(dialog);
+    ClickButton(dialog, button);
+  });
 }
 
 // Picks a key row and a value row (-1: leave as it is), sets the learning box, presses OK.
@@ -69,13 +77,10 @@ class NoMatchPrompt : public ScanTest {
     Settings().addKeys.fill(addKeys);
   }
 
-  void Scan(std::vector<ModalStep> steps) {
-    result_ = RunModal([&] { ScanSavedDocument(page_, false); }, std::move(steps));
-  }
+  bool Scan(std::vector<ModalStep> steps) { return Run([&] { ScanSavedDocument(page_, false); }, std::move(steps)); }
 
   int me_ = 0;
   std::string page_;
-  ModalResult result_;
 };
 
 // Every kind in page order, each cancelled: the three radio prompts offer the
@@ -83,18 +88,13 @@ class NoMatchPrompt : public ScanTest {
 TEST_F(NoMatchPrompt, EachFieldKindShowsItsTexts) {
   Ask(kAskAllways);
   AddKey("Other", "", "", "x");
-  struct Seen {
-    std::vector<std::string> values, keys;
-    bool valuesEnabled, keysEnabled;
-  };
-  std::vector<Seen> seen;
+  std::vector<std::vector<std::string>> values, keys;
   const auto record = Custom([&](HWND dialog, const WindowSnapshot&) {
-    seen.push_back({ListBoxRows(dialog, IDC_NOMATCH_VALUES), KeyRows(dialog), IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_VALUES)) != 0,
-                    IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_KEYS)) != 0});
+    values.push_back(ListBoxRows(dialog, IDC_NOMATCH_VALUES));
+    keys.push_back(KeyRows(dialog));
     ClickButton(dialog, IDCANCEL);
   });
-  Scan(std::vector<ModalStep>(7, record));
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan(std::vector<ModalStep>(7, record)));
   struct Row {
     const char* name;
     const char* type;
@@ -115,10 +115,10 @@ TEST_F(NoMatchPrompt, EachFieldKindShowsItsTexts) {
     EXPECT_EQ(dialog.caption, "Quellbarrow - UnMatched Form field name");
     EXPECT_EQ(dialog.Control(IDC_NOMATCH_NAME)->text, rows[i].name);
     EXPECT_EQ(dialog.Control(IDC_NOMATCH_TYPE)->text, rows[i].type);
-    EXPECT_EQ(seen[i].values, rows[i].values);
-    EXPECT_EQ(seen[i].valuesEnabled, !rows[i].values.empty());
-    EXPECT_EQ(seen[i].keys, (std::vector<std::string>{"Me", "Other"}));
-    EXPECT_TRUE(seen[i].keysEnabled);
+    EXPECT_EQ(values.at(i), rows[i].values);
+    EXPECT_EQ(dialog.Control(IDC_NOMATCH_VALUES)->enabled, !rows[i].values.empty());
+    EXPECT_EQ(keys.at(i), (std::vector<std::string>{"Me", "Other"}));
+    EXPECT_TRUE(dialog.Control(IDC_NOMATCH_KEYS)->enabled);
     EXPECT_FALSE(dialog.Control(IDC_NOMATCH_UNMATCH)->enabled);
   }
   EXPECT_EQ(result_.seen[0].Control(IDC_NOMATCH_ABOVE)->text, "TEXT ABOVE:Colour  ");
@@ -137,9 +137,8 @@ TEST_F(NoMatchPrompt, OkTakesTheChosenKeyAndValue) {
   Ask(kAskAllways);
   const int nick = AddKey("Nick key", "", "", "Neo\r\nline");
   // The radio group is offered from each button in turn; the later two are cancelled.
-  Scan({Choose(-1, 1, false), Press("Cancel"), Press("Cancel"), Choose(-1, -1, false), Choose(-1, 1, false),
-        Choose(nick, -1, false), Press("Cancel All")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({Choose(-1, 1, false), Press("Cancel"), Press("Cancel"), Choose(-1, -1, false),
+                    Choose(-1, 1, false), Choose(nick, -1, false), Press("Cancel All")}));
   const std::string page = FilledPage();
   EXPECT_NE(page.find("<input type=\"radio\" checked name=\"colour\" value=\"green\" >"), std::string::npos) << page;
   EXPECT_NE(page.find("<input type=\"checkbox\" checked name=\"agree\""), std::string::npos) << page;
@@ -156,15 +155,14 @@ TEST_F(NoMatchPrompt, DoubleClickOnAKeyChoosesItAndLeavesTheTableAlone) {
   Ask(kAskNever);
   Settings().askForSelect[kPromptText] = kAskUnMatched;
   const int nick = AddKey("Nick key", "", "", "Neo");
-  Scan({Custom([nick](HWND dialog, const WindowSnapshot&) {
+  ASSERT_TRUE(Scan({Custom([nick](HWND dialog, const WindowSnapshot&) {
     HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
     RECT row{LVIR_BOUNDS, 0, 0, 0};
     SendMessageA(list, LVM_GETITEMRECT, nick, reinterpret_cast<LPARAM>(&row));
     PostMessageA(list, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(row.left + 10, (row.top + row.bottom) / 2));
     // A prompt the double click left open is cancelled, so that the scan ends.
     if (!PumpUntil([dialog] { return !IsWindow(dialog); })) PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-  })});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  })}));
   EXPECT_EQ(result_.seen.size(), 1u);
   EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
   EXPECT_EQ(Keys().count, 2);
@@ -183,8 +181,7 @@ TEST_F(NoMatchPrompt, LearningTeachesTheKeyItsNameAndValue) {
   const int nick = AddKey("Nick key", "alias, ", "", "Neo");
   // The group from its first button: green learned; the second button's run then
   // matches, the third's ([blue]) does not and is cancelled.
-  Scan({Choose(colours, 1, true), Press("Cancel"), Choose(nick, -1, true)});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({Choose(colours, 1, true), Press("Cancel"), Choose(nick, -1, true)}));
   EXPECT_EQ(KeyFieldText(Keys(), colours, kSearchNames), "COLOUR");
   EXPECT_EQ(KeyFieldText(Keys(), colours, kSelection), "green");
   EXPECT_EQ(KeyFieldText(Keys(), nick, kSearchNames), "alias,NICK");
@@ -194,8 +191,7 @@ TEST_F(NoMatchPrompt, LearningTeachesTheKeyItsNameAndValue) {
 
   // Learned: the next scan fills from the keys; only the last button's run, which
   // holds no learned value, is offered again.
-  Scan({Press("Cancel")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({Press("Cancel")}));
   EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
 }
 
@@ -213,9 +209,8 @@ TEST_F(NoMatchPrompt, OkWithoutWhatItNeedsKeepsTheDialogOpen) {
   Ask(kAskAllways, kAddKeysUnMatched);
   for (Row& row : rows) {
     SCOPED_TRACE(row.what);
-    Scan({row.first, Press("OK"), Again(Press("Cancel All"))});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_EQ(result_.seen.at(1).MessageText(), row.message);
+    ASSERT_TRUE(Scan({row.first, Press("OK"), Again(Press("Cancel All"))}));
+    EXPECT_EQ(Message(1), row.message);
     EXPECT_EQ(KeyFieldText(Keys(), me_, kSearchNames), "");
   }
 }
@@ -226,13 +221,9 @@ TEST_F(NoMatchPrompt, UnMatchMakesTheKeyForgetTheName) {
   Ask(kAskNever);
   Settings().askForSelect[kPromptText] = kAskAllways;
   const int nick = AddKey("Nick key", "nick,alias", "", "Neo");
+  std::vector<std::string> rows;
   int selected = -1;
-  const auto unmatch = Custom([&](HWND dialog, const WindowSnapshot&) {
-    selected = SelectedKeyRow(dialog);
-    ClickButton(dialog, IDC_NOMATCH_UNMATCH);
-  });
-  Scan({unmatch, Again(Press("Cancel"))});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({ReadKeyRows(rows, selected, IDC_NOMATCH_UNMATCH), Again(Press("Cancel"))}));
   EXPECT_EQ(selected, nick);
   const WindowSnapshot& dialog = result_.seen.at(0);
   EXPECT_FALSE(dialog.Control(IDC_NOMATCH_KEYS)->enabled);
@@ -244,12 +235,6 @@ TEST_F(NoMatchPrompt, UnMatchMakesTheKeyForgetTheName) {
   EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
 }
 
-}  // namespace
-}  // namespace qb::test
-
-namespace qb::test {
-namespace {
-
 // "Create New" opens the key editor with the field's name and the chosen value; the
 // key it creates is listed and selected, so OK takes it.
 TEST_F(NoMatchPrompt, CreateNewMakesAKeyAndSelectsIt) {
@@ -259,24 +244,19 @@ TEST_F(NoMatchPrompt, CreateNewMakesAKeyAndSelectsIt) {
   std::string editorName, editorDescription;
   std::vector<std::string> rows;
   int selected = -1;
-  Scan({Custom([](HWND dialog, const WindowSnapshot&) {
-          SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, 1, 0);
-          PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_NOMATCH_CREATE, BN_CLICKED),
-                       reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_NOMATCH_CREATE)));
-        }),
-        Custom([&](HWND editor, const WindowSnapshot&) {
-          editorName = WindowText(GetDlgItem(editor, IDC_KEYEDIT_NAME));
-          editorDescription = WindowText(GetDlgItem(editor, IDC_KEYEDIT_DESCRIPTION));
-          SetControlText(editor, IDC_KEYEDIT_NAME, "Colour");
-          ClickButton(editor, IDOK);
-        }),
-        Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-          rows = KeyRows(dialog);
-          selected = SelectedKeyRow(dialog);
-          ClickButton(dialog, IDOK);
-        })),
-        Press("Cancel"), Press("Cancel")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const auto createNew = [](HWND dialog, const WindowSnapshot&) {
+    SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, 1, 0);
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_NOMATCH_CREATE, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_NOMATCH_CREATE)));
+  };
+  const auto nameTheKey = [&](HWND editor, const WindowSnapshot&) {
+    editorName = WindowText(GetDlgItem(editor, IDC_KEYEDIT_NAME));
+    editorDescription = WindowText(GetDlgItem(editor, IDC_KEYEDIT_DESCRIPTION));
+    SetControlText(editor, IDC_KEYEDIT_NAME, "Colour");
+    ClickButton(editor, IDOK);
+  };
+  ASSERT_TRUE(Scan({Custom(createNew), Custom(nameTheKey), Again(ReadKeyRows(rows, selected, IDOK)),
+                    Press("Cancel"), Press("Cancel")}));
   EXPECT_EQ(editorName, "COLOUR");
   EXPECT_EQ(editorDescription, "green");
   ASSERT_EQ(KeysInUse(Keys()), 3);
@@ -295,12 +275,8 @@ TEST_F(NoMatchPrompt, CreateNewCancelledChangesNothing) {
   Settings().askForSelect[kPromptText] = kAskAllways;
   std::vector<std::string> rows;
   int selected = 0;
-  Scan({qb::test::Command(IDC_NOMATCH_CREATE), Press("Cancel"), Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-          rows = KeyRows(dialog);
-          selected = SelectedKeyRow(dialog);
-          ClickButton(dialog, IDCANCEL);
-        }))});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({qb::test::Command(IDC_NOMATCH_CREATE), Press("Cancel"),
+                    Again(ReadKeyRows(rows, selected, IDCANCEL))}));
   EXPECT_EQ(rows, std::vector<std::string>{"Me"});
   EXPECT_EQ(selected, -1);
   EXPECT_EQ(KeysInUse(Keys()), 1);

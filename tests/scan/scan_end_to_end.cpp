@@ -72,14 +72,7 @@ class EndToEnd : public ScanTest {
     ASSERT_TRUE(keyList && !address_.empty()) << "run by scan_end_to_end_test.py";
     std::string error;
     ASSERT_TRUE(ParseKeyText(ReadText(keyList), Keys(), error)) << error;
-    for (int k = 0; k < KeysInUse(Keys()); ++k) {
-      const std::string name = KeyFieldText(Keys(), k, kName);
-      LVITEMA item{};
-      item.mask = LVIF_TEXT;
-      item.iItem = k;
-      item.pszText = const_cast<char*>(name.c_str());
-      SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-    }
+    for (int k = 0; k < KeysInUse(Keys()); ++k) InsertKeyRow(App().keysView, k, KeyFieldText(Keys(), k, kName));
     SelectKeyRow(App().keysView, 0);
     Settings().askForSelect[kPromptText] = kAskUnMatched;
   }
@@ -95,12 +88,9 @@ class EndToEnd : public ScanTest {
       SelectKeyRow(GetDlgItem(dialog, IDC_NOMATCH_KEYS), phone);
       ClickButton(dialog, IDOK);
     });
-    ModalOptions options;
-    options.passOver = [](HWND w) { return GetDlgItem(w, IDC_DOWNLOAD_STATUS) != nullptr; };
     const auto start = std::chrono::steady_clock::now();
-    const ModalResult result = RunModal([&] { Command(IDM_SCAN_HTML); }, {answer}, options);
+    RunCommand(IDM_SCAN_HTML, {answer});
     const auto took = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start);
-    EXPECT_TRUE(result.ok()) << result.Describe();
     EXPECT_EQ(promptedField, "referrer");
     std::printf("SCAN %.0f ms (prompt included)\n", took.count());
     const std::string filled = dir_.File("QuellbarrowTemproaryFile.htm");

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -71,21 +72,39 @@ inline std::string BrowserOpened(const TempDir& dir) {
   return FileExists(file) ? ReadText(file) : std::string();
 }
 
+// Registered once per process; a test may have taken it away.
+inline void RegisterBrowserClass() {
+  WNDCLASSA wc{};
+  if (GetClassInfoA(GetModuleHandleA(nullptr), kBrowserClass, &wc)) return;
+  wc.lpfnWndProc = DefWindowProcA;
+  wc.hInstance = GetModuleHandleA(nullptr);
+  wc.lpszClassName = kBrowserClass;
+  RegisterClassA(&wc);
+}
+
 // A stand-in browser window titled `caption` whose address bar shows `address`.
 inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address) {
+  RegisterBrowserClass();
   HINSTANCE instance = GetModuleHandleA(nullptr);
-  WNDCLASSA wc{};
-  if (!GetClassInfoA(instance, kBrowserClass, &wc)) {
-    wc.lpfnWndProc = DefWindowProcA;
-    wc.hInstance = instance;
-    wc.lpszClassName = kBrowserClass;
-    RegisterClassA(&wc);
-  }
   HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 300, 120,
                            nullptr, nullptr, instance, nullptr);
   CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, instance,
                   nullptr);
   return w;
+}
+
+// Adds `name` as row `index` of a list view such as the Keys view.
+inline void InsertKeyRow(HWND list, int index, const std::string& name) {
+  LVITEMA item{};
+  item.mask = LVIF_TEXT;
+  item.iItem = index;
+  item.pszText = const_cast<char*>(name.c_str());
+  SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+// The download dialog closes by itself, often before anyone could see it.
+inline bool IsDownloadDialog(HWND window) {
+  return GetDlgItem(window, IDC_DOWNLOAD_STATUS) && GetDlgItem(window, IDC_DOWNLOAD_GROUP);
 }
 
 class ScanTest : public MainWindowTest {
@@ -99,16 +118,12 @@ class ScanTest : public MainWindowTest {
     SharedDownloadRequest() = DownloadRequest{};
     UseStandInBrowser();
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    WNDCLASSA wc{};
-    wc.lpfnWndProc = DefWindowProcA;
-    wc.hInstance = Instance();
-    wc.lpszClassName = kBrowserClass;
-    RegisterClassA(&wc);
+    RegisterBrowserClass();
     EmptyTheClipboard();
   }
 
   void TearDown() override {
-    for (HWND w : browsers_) DestroyWindow(w);
+    CloseBrowsers();
     EmptyTheClipboard();
     MainWindowTest::TearDown();
   }
@@ -137,6 +152,22 @@ class ScanTest : public MainWindowTest {
     return w;
   }
 
+  void CloseBrowsers() {
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+  }
+
+  // Runs `action`, answering its windows with `steps`; false, with what went
+  // wrong reported, when they were not the windows the steps expected.
+  bool Run(const std::function<void()>& action, std::vector<ModalStep> steps, ModalOptions options = {}) {
+    options.passOver = IsDownloadDialog;
+    result_ = RunModal(action, std::move(steps), options);
+    if (!result_.ok()) ADD_FAILURE() << result_.Describe();
+    return result_.ok();
+  }
+  bool RunCommand(WORD id, std::vector<ModalStep> steps) { return Run([&] { Command(id); }, std::move(steps)); }
+  std::string Message(std::size_t i = 0) const { return result_.seen.at(i).MessageText(); }
+
   // A key at the end of the table; it is also a row of the Keys view.
   int AddKey(const std::string& name, const std::string& searchNames, const std::string& selection,
              const std::string& description) {
@@ -147,11 +178,7 @@ class ScanTest : public MainWindowTest {
     SetKeyField(keys, index, kSelection, selection);
     SetKeyField(keys, index, kDescription, description);
     SetDatabaseChanged(false);
-    LVITEMA item{};
-    item.mask = LVIF_TEXT;
-    item.iItem = index;
-    item.pszText = const_cast<char*>(name.c_str());
-    SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    InsertKeyRow(App().keysView, index, name);
     return index;
   }
 
@@ -173,6 +200,7 @@ class ScanTest : public MainWindowTest {
 
   std::vector<HWND> browsers_;
   std::string registry_;
+  ModalResult result_;
 };
 
 }  // namespace qb::test
