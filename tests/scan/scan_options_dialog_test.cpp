@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "base/app_state.h"
 #include "resources/resource.h"
@@ -26,14 +27,17 @@ class ScanOptionsDialog : public ::testing::Test {
   }
 };
 
+// Opened through the main window's command table as the Tools menu opens it.
+test::ModalResult OpenFromTheToolsMenu(std::vector<test::ModalStep> steps) {
+  return test::RunModal([] { LookupCommand(kMainCommandMap, App().mainWindow, MAKEWPARAM(IDM_SCAN_OPTIONS, 0), 0); },
+                        std::move(steps));
+}
+
 TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesAndCancelKeepsThem) {
   Settings().askForSelect = {kAskNever, kAskAllways, kAskUnMatched, kAskAllways, 9};
   Settings().addKeys = {0, 1, 0, 1, 3};
   const AppSettings before = Settings();
-  const auto openFromTheToolsMenu = [] {
-    LookupCommand(kMainCommandMap, App().mainWindow, MAKEWPARAM(IDM_SCAN_OPTIONS, 0), 0);
-  };
-  const auto result = test::RunModal(openFromTheToolsMenu, {test::Press("Cancel")});
+  const auto result = OpenFromTheToolsMenu({test::Press("Cancel")});
   ASSERT_TRUE(result.ok()) << result.Describe();
   const test::WindowSnapshot& dialog = result.seen.at(0);
   EXPECT_EQ(dialog.caption, "Quellbarrow - Scan HTML propertis");
@@ -54,15 +58,13 @@ TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesAndCancelKeepsThem) {
 }
 
 TEST_F(ScanOptionsDialog, OkStoresTheButtonsClickedInEachGroup) {
-  INT_PTR ended = -1;
-  const int clicks[] = {202, 204, 208, 210, 214, 216, 220, 224, 222};
   // Clicked as a user would: each auto radio button clears the others of its group.
-  const auto clickThenOk = [&](HWND dialog, const test::WindowSnapshot&) {
-    for (int id : clicks) PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
+  const auto clickThenOk = [](HWND dialog, const test::WindowSnapshot&) {
+    for (int id : {202, 204, 208, 210, 214, 216, 220, 224, 222}) PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
     PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
   };
-  const auto result =
-      test::RunModal([&] { ended = RunScanOptionsDialog(nullptr); }, {test::Custom(clickThenOk)});
+  INT_PTR ended = -1;
+  const auto result = test::RunModal([&] { ended = RunScanOptionsDialog(nullptr); }, {test::Custom(clickThenOk)});
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(ended, 1);
   EXPECT_EQ(Settings().askForSelect, (std::array<std::uint32_t, 5>{2, 1, 2, 1, 2}));
@@ -75,8 +77,7 @@ TEST_F(ScanOptionsDialog, HelpOpensTheScanOptionsTopic) {
   ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
   test::HelpPage page;
   bool stayedOpen = false;
-  const auto result = test::RunModal([] { RunScanOptionsDialog(nullptr); },
-                                     {test::HelpThenCancel("Scan options", page, stayedOpen)});
+  const auto result = OpenFromTheToolsMenu({test::HelpThenCancel("Scan options", page, stayedOpen)});
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(page.heading, "Scan options");
   EXPECT_TRUE(stayedOpen);
