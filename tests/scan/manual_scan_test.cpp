@@ -40,6 +40,8 @@ class ManualScan : public ScanTest {
   bool FilledWithMail() const { return FilledPage().find("value=\"me@example.com\"") != std::string::npos; }
 };
 
+// A page from elsewhere is copied into DataHtml; one in any folder under DataHtml
+// is recorded where it lies.
 TEST_F(ManualScan, SiteFolderIsConfirmedThePageCopiedRecordedAndScanned) {
   ShowBrowser("Shop - Test Browser", "http://www.example.com/shop/");
   const std::string chosen = PageElsewhere("order.htm");
@@ -48,24 +50,22 @@ TEST_F(ManualScan, SiteFolderIsConfirmedThePageCopiedRecordedAndScanned) {
   EXPECT_EQ(result_.seen[0].caption, "Confirmation");
   EXPECT_EQ(Message(), "This is a site URL to an HTML document:\nhttp://www.example.com/shop/ ?");
   EXPECT_EQ(result_.seen[1].caption, kAddDocumentTitle);
-
   const std::string copy = Saved("order.htm");
   EXPECT_EQ(ReadText(copy), kMailPage);
   EXPECT_TRUE(FileExists(chosen));
   EXPECT_EQ(ProgramRegistry().FindUrlForFile(copy), std::optional<std::string>("www.example.com/shop/order.htm"));
   EXPECT_TRUE(FilledWithMail()) << FilledPage();
   EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
-}
 
-// Any folder under DataHtml counts as inside: the page is recorded where it lies.
-TEST_F(ManualScan, PageInsideDataHtmlIsNotCopiedAgain) {
-  ShowBrowser("Forms - Test Browser", "www.example.com/forms/");
   CreateDirectoryA(Saved("Shops").c_str(), nullptr);
-  const std::string chosen = Saved("Shops\\inside.htm");
-  WriteText(chosen, kMailPage);
-  ASSERT_TRUE(RunCommand(IDM_SCAN_MANUAL, {Press("Yes"), ChooseFile(chosen)}));
+  const std::string inside = Saved("Shops\\inside.htm");
+  WriteText(inside, kMailPage);
+  DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
+  CloseBrowsers();
+  ShowBrowser("Forms - Test Browser", "www.example.com/forms/");
+  ASSERT_TRUE(RunCommand(IDM_SCAN_MANUAL, {Press("Yes"), ChooseFile(inside)}));
   EXPECT_FALSE(FileExists(Saved("inside.htm")));
-  EXPECT_EQ(ProgramRegistry().FindUrlForFile(chosen), std::optional<std::string>("www.example.com/forms/inside.htm"));
+  EXPECT_EQ(ProgramRegistry().FindUrlForFile(inside), std::optional<std::string>("www.example.com/forms/inside.htm"));
   EXPECT_TRUE(FilledWithMail()) << FilledPage();
 }
 

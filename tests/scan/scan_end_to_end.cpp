@@ -23,43 +23,6 @@ namespace {
 constexpr char kWineBrowserCaption[] = "Wine Internet Explorer";
 constexpr char kWineBrowserProgram[] = "C:\\Program Files\\Internet Explorer\\iexplore.exe";
 
-struct AddressBar {
-  std::string wanted;  // a part of the address
-  HWND browser = nullptr;
-  std::string text;
-};
-
-BOOL CALLBACK FindEdit(HWND child, LPARAM param) {
-  auto* bar = reinterpret_cast<AddressBar*>(param);
-  char cls[64] = {};
-  GetClassNameA(child, cls, sizeof(cls));
-  if (_stricmp(cls, "Edit") != 0) return TRUE;
-  const std::string text = WindowText(child);
-  if (text.find(bar->wanted) == std::string::npos) return TRUE;
-  bar->text = text;
-  return FALSE;
-}
-
-BOOL CALLBACK FindBrowser(HWND w, LPARAM param) {
-  auto* bar = reinterpret_cast<AddressBar*>(param);
-  if (!IsWindowVisible(w) || WindowText(w).find(kWineBrowserCaption) == std::string::npos) return TRUE;
-  EnumChildWindows(w, FindEdit, param);
-  if (bar->text.empty()) return TRUE;
-  bar->browser = w;
-  return FALSE;
-}
-
-// A browser window whose address bar holds `wanted`, once one shows it.
-AddressBar WaitForBrowser(const std::string& wanted, int timeoutMs) {
-  AddressBar bar;
-  bar.wanted = wanted;
-  PumpUntil([&] {
-    EnumWindows(FindBrowser, reinterpret_cast<LPARAM>(&bar));
-    return bar.browser != nullptr;
-  }, timeoutMs);
-  return bar;
-}
-
 // The sample keys in the table and the Keys view, the first selected, text fields
 // prompted when unmatched.
 class EndToEnd : public ScanTest {

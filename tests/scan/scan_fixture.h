@@ -83,13 +83,18 @@ inline void RegisterBrowserClass() {
 }
 
 // A stand-in browser window titled `caption` whose address bar shows `address`.
-inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address) {
+// Without `editAddressBar` the bar is drawn by the browser, as today's browsers do.
+inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address,
+                                     bool editAddressBar = true) {
   RegisterBrowserClass();
   HINSTANCE instance = GetModuleHandleA(nullptr);
   HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 300, 120,
                            nullptr, nullptr, instance, nullptr);
-  CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, instance,
-                  nullptr);
+  CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, instance, nullptr);
+  if (editAddressBar) {
+    CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, instance,
+                    nullptr);
+  }
   return w;
 }
 
@@ -107,6 +112,43 @@ inline bool IsDownloadDialog(HWND window) {
   return GetDlgItem(window, IDC_DOWNLOAD_STATUS) && GetDlgItem(window, IDC_DOWNLOAD_GROUP);
 }
 
+struct AddressBar {
+  std::string wanted;  // a part of the address
+  HWND browser = nullptr;
+  std::string text;
+};
+
+inline BOOL CALLBACK FindEdit(HWND child, LPARAM param) {
+  auto* bar = reinterpret_cast<AddressBar*>(param);
+  char cls[64] = {};
+  GetClassNameA(child, cls, sizeof(cls));
+  if (_stricmp(cls, "Edit") != 0) return TRUE;
+  const std::string text = WindowText(child);
+  if (text.find(bar->wanted) == std::string::npos) return TRUE;
+  bar->text = text;
+  return FALSE;
+}
+
+inline BOOL CALLBACK FindBrowser(HWND w, LPARAM param) {
+  auto* bar = reinterpret_cast<AddressBar*>(param);
+  if (!IsWindowVisible(w) || WindowText(w).find("Internet Explorer") == std::string::npos) return TRUE;
+  EnumChildWindows(w, FindEdit, param);
+  if (bar->text.empty()) return TRUE;
+  bar->browser = w;
+  return FALSE;
+}
+
+// An Internet Explorer window whose address bar holds `wanted`, once one shows it.
+inline AddressBar WaitForBrowser(const std::string& wanted, int timeoutMs) {
+  AddressBar bar;
+  bar.wanted = wanted;
+  PumpUntil([&] {
+    EnumWindows(FindBrowser, reinterpret_cast<LPARAM>(&bar));
+    return bar.browser != nullptr;
+  }, timeoutMs);
+  return bar;
+}
+
 class ScanTest : public MainWindowTest {
  protected:
   void SetUp() override {
@@ -118,7 +160,6 @@ class ScanTest : public MainWindowTest {
     SharedDownloadRequest() = DownloadRequest{};
     UseStandInBrowser();
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    RegisterBrowserClass();
     EmptyTheClipboard();
   }
 
@@ -135,17 +176,9 @@ class ScanTest : public MainWindowTest {
     CloseClipboard();
   }
 
-  // A top-level window titled `caption` whose address bar shows `address`,
-  // placed just below the main window or below the previous stand-in. Without
-  // `editAddressBar` the bar is drawn by the browser, as today's browsers do.
+  // A stand-in browser placed just below the main window or below the previous one.
   HWND ShowBrowser(const std::string& caption, const std::string& address, bool editAddressBar = true) {
-    HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
-                             300, 120, nullptr, nullptr, Instance(), nullptr);
-    CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, Instance(), nullptr);
-    if (editAddressBar) {
-      CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, Instance(),
-                      nullptr);
-    }
+    HWND w = ShowStandInBrowserWindow(caption, address, editAddressBar);
     SetWindowPos(w, browsers_.empty() ? window_ : browsers_.back(), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     browsers_.push_back(w);

@@ -33,12 +33,20 @@ test::ModalResult OpenFromTheToolsMenu(std::vector<test::ModalStep> steps) {
                         std::move(steps));
 }
 
-TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesAndCancelKeepsThem) {
+// Help opens its topic and leaves the dialog open; Cancel then keeps the choices.
+TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesHelpOpensItsTopicAndCancelKeepsThem) {
   Settings().askForSelect = {kAskNever, kAskAllways, kAskUnMatched, kAskAllways, 9};
   Settings().addKeys = {0, 1, 0, 1, 3};
   const AppSettings before = Settings();
-  const auto result = OpenFromTheToolsMenu({test::Press("Cancel")});
+  test::TempDir dir;
+  SetProgramDirectory(dir.path());
+  ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
+  test::HelpPage page;
+  bool stayedOpen = false;
+  const auto result = OpenFromTheToolsMenu({test::HelpThenCancel("Scan options", page, stayedOpen)});
   ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(page.heading, "Scan options");
+  EXPECT_TRUE(stayedOpen);
   const test::WindowSnapshot& dialog = result.seen.at(0);
   EXPECT_EQ(dialog.caption, "Quellbarrow - Scan HTML propertis");
   const auto expectChecked = [&](int firstId, int choices, const std::array<int, 5>& shown) {
@@ -69,18 +77,6 @@ TEST_F(ScanOptionsDialog, OkStoresTheButtonsClickedInEachGroup) {
   EXPECT_EQ(ended, 1);
   EXPECT_EQ(Settings().askForSelect, (std::array<std::uint32_t, 5>{2, 1, 2, 1, 2}));
   EXPECT_EQ(Settings().addKeys, (std::array<std::uint32_t, 5>{1, 0, 1, 1, 1}));
-}
-
-TEST_F(ScanOptionsDialog, HelpOpensTheScanOptionsTopic) {
-  test::TempDir dir;
-  SetProgramDirectory(dir.path());
-  ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
-  test::HelpPage page;
-  bool stayedOpen = false;
-  const auto result = OpenFromTheToolsMenu({test::HelpThenCancel("Scan options", page, stayedOpen)});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(page.heading, "Scan options");
-  EXPECT_TRUE(stayedOpen);
 }
 
 }  // namespace
