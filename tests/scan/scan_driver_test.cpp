@@ -62,6 +62,18 @@ class ScanHtmlCommand : public ScanTest {
     ShowBrowser("Page - Test Browser", address, editAddressBar);
   }
 
+  // Copied as a browser copies: Unicode text.
+  void Copy(const std::string& text) {
+    ASSERT_TRUE(OpenClipboard(window_));
+    EmptyClipboard();
+    const int size = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, static_cast<SIZE_T>(size) * sizeof(wchar_t));
+    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, static_cast<wchar_t*>(GlobalLock(block)), size);
+    GlobalUnlock(block);
+    SetClipboardData(CF_UNICODETEXT, block);
+    CloseClipboard();
+  }
+
   std::unique_ptr<LoopbackServer> server_;
 };
 
@@ -148,28 +160,36 @@ TEST_F(ScanHtmlCommand, SilentServerIsGivenUpAfterTheStallLimit) {
   EXPECT_FALSE(DatabaseChanged());
 }
 
-// Each row: what the browser shows (or no browser), and the one box the scan ends
-// with. A downloaded page without a POST form is not kept.
+// Each row: what the browser shows (or no browser) or the clipboard holds, and the
+// one box the scan ends with. A downloaded page without a POST form is not kept.
 TEST_F(ScanHtmlCommand, AddressesThatCannotBeScannedEndInOneMessage) {
   ASSERT_NO_FATAL_FAILURE(Serve({{Http("<html><form method=\"get\" action=\"/s\"><input name=\"q\"></form></html>")}}));
   const std::string unsaved = SavePage("unsaved.htm", kOrderPage);
   const std::string missing = dir_.File("nowhere\\page.htm");
   struct Row {
     const char* what;
+    WORD command;
     bool browser;
-    std::string address, message, caption;
+    std::string address, message, caption;  // the address: copied for "Scan Address from Clipboard"
   } rows[] = {
-      {"no browser window", false, "", kNoBrowserWindowText, "Quellbarrow"},
-      {"empty address bar", true, "", kNoLinkText, "Error"},
-      {"local file that is not there", true, missing, "Can not open a file from the location:\n" + missing, "Error"},
-      {"local file not in the registry", true, unsaved, kNotSavedByProgramText, "Error"},
-      {"page with only GET forms", true, "http://127.0.0.1/search.htm", kNoFormText, "Error"},
+      {"no browser window", IDM_SCAN_HTML, false, "", kNoBrowserWindowText, "Quellbarrow"},
+      {"empty address bar", IDM_SCAN_HTML, true, "", kNoLinkText, "Error"},
+      {"local file that is not there", IDM_SCAN_HTML, true, missing,
+       "Can not open a file from the location:\n" + missing, "Error"},
+      {"local file not in the registry", IDM_SCAN_HTML, true, unsaved, kNotSavedByProgramText, "Error"},
+      {"page with only GET forms", IDM_SCAN_HTML, true, "http://127.0.0.1/search.htm", kNoFormText, "Error"},
+      // Which texts are addresses is the parser's own test.
+      {"clipboard without an address", IDM_SCAN_CLIPBOARD, false, "", kNoClipboardAddressText, "Quellbarrow"},
+      {"clipboard address too long", IDM_SCAN_CLIPBOARD, false,
+       "http://127.0.0.1/a.htm?q=" + std::string(kUrlTextMax - 24, 'x'),
+       DescribePrepareStatus(PrepareStatus::kUrlTooLong), "Error"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     CloseBrowsers();
+    if (row.command == IDM_SCAN_CLIPBOARD) Copy(row.address);
     if (row.browser) Show(row.address);
-    ASSERT_TRUE(ScanFromBrowser({Press("OK")}));
+    ASSERT_TRUE(RunCommand(row.command, {Press("OK")}));
     EXPECT_EQ(Message(), row.message);
     EXPECT_EQ(result_.seen.at(0).caption, row.caption);
     EXPECT_FALSE(FilledPageWritten());
@@ -302,18 +322,6 @@ class ScanClipboard : public ScanHtmlCommand {
     SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
   }
 
-  // Copied as a browser copies: Unicode text.
-  void Copy(const std::string& text) {
-    ASSERT_TRUE(OpenClipboard(window_));
-    EmptyClipboard();
-    const int size = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, static_cast<SIZE_T>(size) * sizeof(wchar_t));
-    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, static_cast<wchar_t*>(GlobalLock(block)), size);
-    GlobalUnlock(block);
-    SetClipboardData(CF_UNICODETEXT, block);
-    CloseClipboard();
-  }
-
   bool Scan(WORD command, std::vector<ModalStep> steps) {
     DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
     return RunCommand(command, std::move(steps));
@@ -389,25 +397,6 @@ TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
     ASSERT_TRUE(Scan(row.browser ? IDM_SCAN_HTML : IDM_SCAN_CLIPBOARD, {}));
     EXPECT_NE(FilledPage().find(kMailFilled), std::string::npos) << FilledPage();
     EXPECT_NE(FilledPage().find(std::string("action=\"") + row.action + "\""), std::string::npos) << FilledPage();
-  }
-}
-
-// Each row: the clipboard's text, and the one box the command ends with. Which
-// texts are addresses is the parser's own test; here, that each way ends right.
-TEST_F(ScanClipboard, TextThatIsNoAddressOrTooLongIsReported) {
-  const struct {
-    std::string clipboard, message, caption;
-  } rows[] = {
-      {"", kNoClipboardAddressText, "Quellbarrow"},
-      {"http://127.0.0.1/a.htm?q=" + std::string(kUrlTextMax - 24, 'x'), DescribePrepareStatus(PrepareStatus::kUrlTooLong), "Error"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.clipboard.substr(0, 30));
-    Copy(row.clipboard);
-    ASSERT_TRUE(Scan(IDM_SCAN_CLIPBOARD, {Press("OK")}));
-    EXPECT_EQ(Message(), row.message);
-    EXPECT_EQ(result_.seen.at(0).caption, row.caption);
-    EXPECT_FALSE(FilledPageWritten());
   }
 }
 

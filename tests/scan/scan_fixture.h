@@ -204,12 +204,9 @@ class ScanTest : public MainWindowTest {
   // A key at the end of the table; it is also a row of the Keys view.
   int AddKey(const std::string& name, const std::string& searchNames, const std::string& selection,
              const std::string& description) {
-    KeyTable& keys = Keys();
-    const int index = keys.count++;
-    SetKeyField(keys, index, kName, name);
-    SetKeyField(keys, index, kSearchNames, searchNames);
-    SetKeyField(keys, index, kSelection, selection);
-    SetKeyField(keys, index, kDescription, description);
+    const int index = Keys().count++;
+    const std::string texts[kKeyFieldCount] = {name, searchNames, selection, description};
+    for (int f = 0; f < kKeyFieldCount; ++f) SetKeyField(Keys(), index, static_cast<KeyField>(f), texts[f]);
     SetDatabaseChanged(false);
     InsertKeyRow(App().keysView, index, name);
     return index;
