@@ -72,6 +72,12 @@ class ScanHtmlCommand : public ScanTest {
     CloseClipboard();
   }
 
+  // Runs `command` once the filled page of the scan before is gone.
+  bool Scan(WORD command, std::vector<ModalStep> steps) {
+    DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
+    return RunCommand(command, std::move(steps));
+  }
+
   std::unique_ptr<LoopbackServer> server_;
 };
 
@@ -91,8 +97,7 @@ TEST_F(ScanHtmlCommand, DownloadsFillsRecordsOpensAndAsksBeforeDownloadingAgain)
   EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
 
   // Known now: the next scan asks before downloading again.
-  DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
-  ASSERT_TRUE(ScanFromBrowser({Press("No")}));
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {Press("No")}));
   EXPECT_EQ(Message(), "URL: http://127.0.0.1/shop/order.asp?item=7\nFILE: " + saved +
                            "\n\nThis site URL allready exist in ConfigHtml.cfg file.\n"
                            "Do you want to download an HTML document again ?");
@@ -291,22 +296,9 @@ TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
 
 // An address copied in a browser whose address bar is none of Windows' edit
 // controls: "Scan Address from Clipboard", and the offer of "Scan HTML".
-class ScanClipboard : public ScanHtmlCommand {
- protected:
-  void SetUp() override {
-    ScanHtmlCommand::SetUp();
-    ASSERT_NO_FATAL_FAILURE();
-    SelectMailKey();
-    SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
-  }
-
-  bool Scan(WORD command, std::vector<ModalStep> steps) {
-    DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
-    return RunCommand(command, std::move(steps));
-  }
-};
-
-TEST_F(ScanClipboard, CopiedWebAddressIsDownloadedAndFilled) {
+TEST_F(ScanHtmlCommand, CopiedWebAddressIsDownloadedAndFilled) {
+  SelectMailKey();
+  SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
   const struct {
     const char* what;
     bool browser;
@@ -345,7 +337,8 @@ TEST_F(ScanClipboard, CopiedWebAddressIsDownloadedAndFilled) {
 
 // Saved pages by their file:/// address: from the clipboard even when the program
 // did not save them, from the browser's address bar when it did.
-TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
+TEST_F(ScanHtmlCommand, FileAddressNamesASavedPage) {
+  SelectMailKey();
   CreateDirectoryA(Saved("My Pages").c_str(), nullptr);
   const std::string own = SavePage("My Pages\\order form.htm", kOrderPage);
   const std::string accented = SavePage("My Pages\\caf\xE9.htm", kOrderPage);
