@@ -193,9 +193,7 @@ TEST_F(FormParser, AnUnclosedSelectEndsAtItsTableCell) {
 
 TEST_F(FormParser, TheNinthFormAndAllAfterItAreIgnored) {
   std::string page;
-  for (int i = 1; i <= kMaxForms + 1; ++i) {
-    page += PostForm("<input name=f" + std::to_string(i) + ">");
-  }
+  for (int i = 1; i <= kMaxForms + 1; ++i) page += PostForm("<input name=f" + std::to_string(i) + ">");
   Parse(page + "<script></script>");
   ASSERT_EQ(scan_.forms.size(), static_cast<std::size_t>(kMaxForms));
   EXPECT_EQ(TextOf(Field(kMaxForms - 1, 1).name), "f8");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/temp_dir.h"
@@ -77,12 +78,8 @@ TEST_F(Reader, ReadTagTextReadsTagsAndTextsInTurnInWordsOf4096Bytes) {
 }
 
 TEST_F(Reader, CollectFieldLabelGathersTheVisibleTextBeforeTheNextFormTag) {
-  const struct {
-    const char* input;
-    int result;
-    const char* label;
-    const char* tag;
-  } cases[] = {
+  // The bytes, the result, the label and the tag word it ends on.
+  const std::tuple<std::string, int, const char*, const char*> cases[] = {
       {"<td>Your</td>\n\n\n<td>&nbsp;&NBSP;\n Name:</td><td><input name=x>", 1, "Your Name: ",
        "input"},
       {"Your&nbsp;&nbsp;Name:<input>", 1, "Your&nbsp;&nbsp;Name: ", "input"},  // only leading ones
@@ -97,18 +94,18 @@ TEST_F(Reader, CollectFieldLabelGathersTheVisibleTextBeforeTheNextFormTag) {
       {"text only", 0, "text only ", " "},
       {"a <b", 0, "a  ", " "},
   };
-  for (const auto& c : cases) {
-    const std::string input = c.input;
+  for (const auto& [input, result, label, tag] : cases) {
+    SCOPED_TRACE(input);
     Load(input);
-    LabelBuffer label;
-    EXPECT_EQ(CollectFieldLabel(document_, label, word_, pos_, tagStart_), c.result) << input;
-    EXPECT_EQ(label, c.label) << input;
-    EXPECT_EQ(word_, c.tag) << input;
-    if (c.result == 1) {
-      EXPECT_EQ(tagStart_, input.rfind('<', input.find(c.tag))) << input;
-      EXPECT_EQ(pos_, input.find(c.tag) + word_.size()) << input;
+    LabelBuffer collected;
+    EXPECT_EQ(CollectFieldLabel(document_, collected, word_, pos_, tagStart_), result);
+    EXPECT_EQ(collected, label);
+    EXPECT_EQ(word_, tag);
+    if (result == 1) {
+      EXPECT_EQ(tagStart_, input.rfind('<', input.find(tag)));
+      EXPECT_EQ(pos_, input.find(tag) + word_.size());
     } else {
-      EXPECT_EQ(pos_, input.size()) << input;
+      EXPECT_EQ(pos_, input.size());
     }
   }
 }

@@ -37,43 +37,35 @@ class ManualScan : public ScanTest {
     return path;
   }
 
-  void Run(std::vector<ModalStep> steps) {
-    result_ = RunModal([&] { Command(IDM_SCAN_MANUAL); }, std::move(steps));
-  }
-
   bool FilledWithMail() const { return FilledPage().find("value=\"me@example.com\"") != std::string::npos; }
-
-  ModalResult result_;
 };
 
+// A page from elsewhere is copied into DataHtml; one in any folder under DataHtml
+// is recorded where it lies.
 TEST_F(ManualScan, SiteFolderIsConfirmedThePageCopiedRecordedAndScanned) {
   ShowBrowser("Shop - Test Browser", "http://www.example.com/shop/");
   const std::string chosen = PageElsewhere("order.htm");
-  Run({Press("Yes"), ChooseFile(chosen)});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(RunCommand(IDM_SCAN_MANUAL, {Press("Yes"), ChooseFile(chosen)}));
   ASSERT_EQ(result_.seen.size(), 2u);
   EXPECT_EQ(result_.seen[0].caption, "Confirmation");
-  EXPECT_EQ(result_.seen[0].MessageText(), "This is a site URL to an HTML document:\nhttp://www.example.com/shop/ ?");
+  EXPECT_EQ(Message(), "This is a site URL to an HTML document:\nhttp://www.example.com/shop/ ?");
   EXPECT_EQ(result_.seen[1].caption, kAddDocumentTitle);
-
   const std::string copy = Saved("order.htm");
   EXPECT_EQ(ReadText(copy), kMailPage);
   EXPECT_TRUE(FileExists(chosen));
   EXPECT_EQ(ProgramRegistry().FindUrlForFile(copy), std::optional<std::string>("www.example.com/shop/order.htm"));
   EXPECT_TRUE(FilledWithMail()) << FilledPage();
   EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
-}
 
-// Any folder under DataHtml counts as inside: the page is recorded where it lies.
-TEST_F(ManualScan, PageInsideDataHtmlIsNotCopiedAgain) {
-  ShowBrowser("Forms - Test Browser", "www.example.com/forms/");
   CreateDirectoryA(Saved("Shops").c_str(), nullptr);
-  const std::string chosen = Saved("Shops\\inside.htm");
-  WriteText(chosen, kMailPage);
-  Run({Press("Yes"), ChooseFile(chosen)});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::string inside = Saved("Shops\\inside.htm");
+  WriteText(inside, kMailPage);
+  DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
+  CloseBrowsers();
+  ShowBrowser("Forms - Test Browser", "www.example.com/forms/");
+  ASSERT_TRUE(RunCommand(IDM_SCAN_MANUAL, {Press("Yes"), ChooseFile(inside)}));
   EXPECT_FALSE(FileExists(Saved("inside.htm")));
-  EXPECT_EQ(ProgramRegistry().FindUrlForFile(chosen), std::optional<std::string>("www.example.com/forms/inside.htm"));
+  EXPECT_EQ(ProgramRegistry().FindUrlForFile(inside), std::optional<std::string>("www.example.com/forms/inside.htm"));
   EXPECT_TRUE(FilledWithMail()) << FilledPage();
 }
 
@@ -97,11 +89,9 @@ TEST_F(ManualScan, RoadsThatEndWithoutARecord) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.address ? row.address : "no browser");
-    for (HWND w : browsers_) DestroyWindow(w);
-    browsers_.clear();
+    CloseBrowsers();
     if (row.address) ShowBrowser("Page - Test Browser", row.address);
-    Run(row.steps);
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    ASSERT_TRUE(RunCommand(IDM_SCAN_MANUAL, row.steps));
     if (!row.lastMessage.empty()) {
       EXPECT_EQ(result_.seen.back().MessageText(), row.lastMessage);
     }

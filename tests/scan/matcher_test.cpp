@@ -4,6 +4,7 @@
 
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "tests/keys/key_test_util.h"
 
@@ -17,33 +18,31 @@ KeyTexts SearchKey(const std::string& searchNames, const std::string& selection 
   return {"key", searchNames, selection, "text"};
 }
 
-TEST(FindKeyBySearchName, SplitsSearchNamesAtCommasAndLineEnds) {
+// The index answers as the walk over every key does. Each row's Search Names are
+// those of keys 1 and 2 after key 0's "city": the lower index wins.
+TEST(FindKeyBySearchName, SplitsSearchNamesAtCommasAndLineEndsAndTheLowestIndexWins) {
   const struct {
     std::string searchNames;
-    const char* fieldName;
-    bool matches;
+    std::vector<const char*> answered, notAnswered;  // field names
   } cases[] = {
-      {"email, e-mail\r\nmail", "EMAIL", true},
-      {"email, e-mail\r\nmail", "e-mail", true},
-      {"email, e-mail\r\nmail", "Mail", true},
-      {"email, e-mail\r\nmail", "e", false},
-      {"first name", "First Name", true},  // inner spaces belong to the name
-      {"first name", "first", false},
-      {"zip   ,city", "zip", true},   // trailing spaces trimmed
-      {"  ,,\r\n zip", "zip", true},  // any run of gaps before an entry
-      {"zi\rp", "zip", false},        // a CR ends the entry
-      {"zi\rp", "p", true},
-      {"", "zip", false},
-      {"zip", "", false},
-      {std::string(kMaxSearchEntryBytes, 'a') + "tail", "tail", true},  // read in pieces
+      {"email, e-mail\r\nmail", {"EMAIL", "e-mail", "Mail"}, {"e"}},
+      {"first name", {"First Name"}, {"first"}},  // inner spaces belong to the name
+      {"zip   ,city", {"zip"}, {}},                // trailing spaces trimmed
+      {"  ,,\r\n zip", {"zip"}, {""}},             // any run of gaps before an entry
+      {"zi\rp", {"p"}, {"zip"}},                    // a CR ends the entry
+      {"", {}, {"zip"}},
+      {std::string(kMaxSearchEntryBytes, 'a') + "tail", {"tail"}, {}},  // read in pieces
   };
   for (const auto& c : cases) {
-    OwnedTable keys({SearchKey(c.searchNames)});
-    const std::uint32_t found = FindKeyBySearchName(*keys, c.fieldName);
-    EXPECT_EQ(found == 0, c.matches) << c.searchNames << " / " << c.fieldName;
+    OwnedTable keys({SearchKey("city"), SearchKey(c.searchNames), SearchKey(c.searchNames)});
     SearchNameIndex index;
     index.Build(*keys);
-    EXPECT_EQ(index.Find(c.fieldName), found) << c.searchNames << " / " << c.fieldName;
+    for (const auto& [names, found] : {std::pair{c.answered, 1u}, std::pair{c.notAnswered, kNoMatch}}) {
+      for (const char* name : names) {
+        EXPECT_EQ(FindKeyBySearchName(*keys, name), found) << c.searchNames << " / " << name;
+        EXPECT_EQ(index.Find(name), found) << c.searchNames << " / " << name;
+      }
+    }
   }
 }
 
@@ -54,14 +53,6 @@ TEST(SearchNameIndex, FoldsCaseAsCompareNoCaseDoes) {
       ASSERT_EQ(CompareNoCase(x, y) == 0, FoldCaseForCompare(x) == FoldCaseForCompare(y)) << a << " " << b;
     }
   }
-}
-
-TEST(FindKeyBySearchName, LowestIndexWins) {
-  OwnedTable keys({SearchKey("city"), SearchKey("phone, zip"), SearchKey("zip")});
-  SearchNameIndex index;
-  index.Build(*keys);
-  EXPECT_EQ(index.Find("ZIP"), 1u);
-  EXPECT_EQ(FindKeyBySearchName(*keys, "zip"), 1u);
 }
 
 TEST(SelectionContains, OneValuePerLine) {

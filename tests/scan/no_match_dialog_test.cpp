@@ -10,6 +10,7 @@
 
 #include "scan/scan_driver.h"
 #include "scan/scan_options.h"
+#include "tests/keys/list_rows_util.h"
 #include "tests/scan/scan_fixture.h"
 
 namespace qb::test {
@@ -25,24 +26,20 @@ const std::string kFormPage =
     "<textarea name=about></textarea>\n"
     "<input type=submit></form></body></html>\n";
 
-std::vector<std::string> KeyRows(HWND dialog) {
-  std::vector<std::string> rows;
-  HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
-  for (LRESULT i = 0, n = SendMessageA(list, LVM_GETITEMCOUNT, 0, 0); i < n; ++i) {
-    char text[300] = {};
-    LVITEMA item{};
-    item.iSubItem = 0;
-    item.pszText = text;
-    item.cchTextMax = sizeof(text);
-    SendMessageA(list, LVM_GETITEMTEXTA, i, reinterpret_cast<LPARAM>(&item));
-    rows.push_back(text);
-  }
-  return rows;
-}
+std::vector<std::string> KeyRows(HWND dialog) { return ListTexts(GetDlgItem(dialog, IDC_NOMATCH_KEYS)); }
 
 int SelectedKeyRow(HWND dialog) {
   return static_cast<int>(SendDlgItemMessageA(dialog, IDC_NOMATCH_KEYS, LVM_GETNEXTITEM, static_cast<WPARAM>(-1),
                                               LVNI_SELECTED));
+}
+
+// Notes the key list's rows and its selected row, then answers with `then`.
+ModalStep ReadKeyRows(std::vector<std::string>& rows, int& selected, ModalStep then) {
+  return Custom([&rows, &selected, then](HWND dialog, const WindowSnapshot& snapshot) {
+    rows = KeyRows(dialog);
+    selected = SelectedKeyRow(dialog);
+    then.act(dialog, snapshot);
+  });
 }
 
 // Picks a key row and a value row (-1: leave as it is), sets the learning box, presses OK.
@@ -52,6 +49,18 @@ ModalStep Choose(int keyRow, int valueRow, bool learn) {
     if (valueRow >= 0) SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, valueRow, 0);
     SetCheck(dialog, IDC_NOMATCH_LEARN, learn);
     ClickButton(dialog, IDOK);
+  });
+}
+
+// Double-clicks a key row, which chooses it as OK would. A prompt the double click
+// left open is cancelled, so that the scan ends.
+ModalStep DoubleClickKey(int keyRow) {
+  return Custom([keyRow](HWND dialog, const WindowSnapshot&) {
+    HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
+    RECT row{LVIR_BOUNDS, 0, 0, 0};
+    SendMessageA(list, LVM_GETITEMRECT, keyRow, reinterpret_cast<LPARAM>(&row));
+    PostMessageA(list, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(row.left + 10, (row.top + row.bottom) / 2));
+    if (!PumpUntil([dialog] { return !IsWindow(dialog); })) PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
   });
 }
 
@@ -69,45 +78,44 @@ class NoMatchPrompt : public ScanTest {
     Settings().addKeys.fill(addKeys);
   }
 
-  void Scan(std::vector<ModalStep> steps) {
-    result_ = RunModal([&] { ScanSavedDocument(page_, false); }, std::move(steps));
-  }
+  bool Scan(std::vector<ModalStep> steps) { return Run([&] { ScanSavedDocument(page_, false); }, std::move(steps)); }
 
   int me_ = 0;
   std::string page_;
-  ModalResult result_;
 };
 
-// Every kind in page order, each cancelled: the three radio prompts offer the
-// group from the next button on.
-TEST_F(NoMatchPrompt, EachFieldKindShowsItsTexts) {
+// Every kind in page order with its texts, answered in turn: the three radio
+// prompts offer the group from the next button on; OK takes the chosen value, the
+// check box's state is the answer, a double-clicked key gives its Description as it
+// stands (and nothing else opens), and Cancel leaves the field as the page has it.
+TEST_F(NoMatchPrompt, EachFieldKindShowsItsTextsAndOkTakesTheChoice) {
   Ask(kAskAllways);
-  AddKey("Other", "", "", "x");
-  struct Seen {
-    std::vector<std::string> values, keys;
-    bool valuesEnabled, keysEnabled;
+  const int nick = AddKey("Nick key", "", "", "Neo\r\nline");
+  std::vector<std::vector<std::string>> values, keys;
+  const auto noteListsThen = [&](ModalStep answer) {
+    return Custom([&values, &keys, answer](HWND dialog, const WindowSnapshot& snapshot) {
+      values.push_back(ListBoxRows(dialog, IDC_NOMATCH_VALUES));
+      keys.push_back(KeyRows(dialog));
+      answer.act(dialog, snapshot);
+    });
   };
-  std::vector<Seen> seen;
-  const auto record = Custom([&](HWND dialog, const WindowSnapshot&) {
-    seen.push_back({ListBoxRows(dialog, IDC_NOMATCH_VALUES), KeyRows(dialog), IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_VALUES)) != 0,
-                    IsWindowEnabled(GetDlgItem(dialog, IDC_NOMATCH_KEYS)) != 0});
-    ClickButton(dialog, IDCANCEL);
-  });
-  Scan(std::vector<ModalStep>(7, record));
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
   struct Row {
     const char* name;
     const char* type;
     std::vector<std::string> values;
+    ModalStep answer;
   } rows[] = {
-      {"colour", "RADIO BUTTON", {"red", "green", "blue"}},
-      {"colour", "RADIO BUTTON", {"green", "blue"}},
-      {"colour", "RADIO BUTTON", {"blue"}},
-      {"agree", "CHECK BOX BUTTON", {}},
-      {"size", "LIST BOX [ MULTIPLE SELECTION ]", {"Small", "Large"}},
-      {"nick", "TEXT EDIT BOX", {}},
-      {"about", "TEXT AREA EDIT BOX", {}},
+      {"colour", "RADIO BUTTON", {"red", "green", "blue"}, Choose(-1, 1, false)},
+      {"colour", "RADIO BUTTON", {"green", "blue"}, Press("Cancel")},
+      {"colour", "RADIO BUTTON", {"blue"}, Press("Cancel")},
+      {"agree", "CHECK BOX BUTTON", {}, Choose(-1, -1, false)},
+      {"size", "LIST BOX [ MULTIPLE SELECTION ]", {"Small", "Large"}, Choose(-1, 1, false)},
+      {"nick", "TEXT EDIT BOX", {}, DoubleClickKey(nick)},
+      {"about", "TEXT AREA EDIT BOX", {}, Press("Cancel")},
   };
+  std::vector<ModalStep> steps;
+  for (const Row& row : rows) steps.push_back(noteListsThen(row.answer));
+  ASSERT_TRUE(Scan(steps));
   ASSERT_EQ(result_.seen.size(), 7u);
   for (std::size_t i = 0; i < 7; ++i) {
     SCOPED_TRACE(rows[i].name);
@@ -115,88 +123,41 @@ TEST_F(NoMatchPrompt, EachFieldKindShowsItsTexts) {
     EXPECT_EQ(dialog.caption, "Quellbarrow - UnMatched Form field name");
     EXPECT_EQ(dialog.Control(IDC_NOMATCH_NAME)->text, rows[i].name);
     EXPECT_EQ(dialog.Control(IDC_NOMATCH_TYPE)->text, rows[i].type);
-    EXPECT_EQ(seen[i].values, rows[i].values);
-    EXPECT_EQ(seen[i].valuesEnabled, !rows[i].values.empty());
-    EXPECT_EQ(seen[i].keys, (std::vector<std::string>{"Me", "Other"}));
-    EXPECT_TRUE(seen[i].keysEnabled);
+    EXPECT_EQ(values.at(i), rows[i].values);
+    EXPECT_EQ(dialog.Control(IDC_NOMATCH_VALUES)->enabled, !rows[i].values.empty());
+    EXPECT_EQ(keys.at(i), (std::vector<std::string>{"Me", "Nick key"}));
+    EXPECT_TRUE(dialog.Control(IDC_NOMATCH_KEYS)->enabled);
     EXPECT_FALSE(dialog.Control(IDC_NOMATCH_UNMATCH)->enabled);
   }
   EXPECT_EQ(result_.seen[0].Control(IDC_NOMATCH_ABOVE)->text, "TEXT ABOVE:Colour  ");
   EXPECT_EQ(result_.seen[2].Control(IDC_NOMATCH_BELOW)->text, "TEXT BELLOW:after Agree  ");
   EXPECT_EQ(result_.seen[6].Control(IDC_NOMATCH_ABOVE)->text, "TEXT ABOVE: No description");
   EXPECT_EQ(result_.seen[6].Control(IDC_NOMATCH_BELOW)->text, "TEXT BELLOW: No description");
-  // Cancelled everywhere: nothing chosen, the text fields keep their (empty) values.
   const std::string page = FilledPage();
-  EXPECT_EQ(page.find("checked"), std::string::npos) << page;
-  EXPECT_NE(page.find("name=\"Nick\" value=\"\" >"), std::string::npos) << page;
-}
-
-// OK without learning: the chosen key fills the field and the chosen value is
-// taken; the check box's state is the answer.
-TEST_F(NoMatchPrompt, OkTakesTheChosenKeyAndValue) {
-  Ask(kAskAllways);
-  const int nick = AddKey("Nick key", "", "", "Neo\r\nline");
-  // The radio group is offered from each button in turn; the later two are cancelled.
-  Scan({Choose(-1, 1, false), Press("Cancel"), Press("Cancel"), Choose(-1, -1, false), Choose(-1, 1, false),
-        Choose(nick, -1, false), Press("Cancel All")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  const std::string page = FilledPage();
-  EXPECT_NE(page.find("<input type=\"radio\" checked name=\"colour\" value=\"green\" >"), std::string::npos) << page;
-  EXPECT_NE(page.find("<input type=\"checkbox\" checked name=\"agree\""), std::string::npos) << page;
-  EXPECT_NE(page.find("<option selected>Large</option>"), std::string::npos) << page;
-  // A key picked in the prompt gives its Description as it stands.
-  EXPECT_NE(page.find("name=\"Nick\" value=\"Neo\r\nline\" >"), std::string::npos) << page;
-  EXPECT_EQ(result_.seen.size(), 7u);
-  EXPECT_FALSE(DatabaseChanged());
-}
-
-// A double click in the prompt's key list chooses that key, as OK would: nothing
-// else opens, and the table the scan is filling from stays as it was.
-TEST_F(NoMatchPrompt, DoubleClickOnAKeyChoosesItAndLeavesTheTableAlone) {
-  Ask(kAskNever);
-  Settings().askForSelect[kPromptText] = kAskUnMatched;
-  const int nick = AddKey("Nick key", "", "", "Neo");
-  Scan({Custom([nick](HWND dialog, const WindowSnapshot&) {
-    HWND list = GetDlgItem(dialog, IDC_NOMATCH_KEYS);
-    RECT row{LVIR_BOUNDS, 0, 0, 0};
-    SendMessageA(list, LVM_GETITEMRECT, nick, reinterpret_cast<LPARAM>(&row));
-    PostMessageA(list, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(row.left + 10, (row.top + row.bottom) / 2));
-    // A prompt the double click left open is cancelled, so that the scan ends.
-    if (!PumpUntil([dialog] { return !IsWindow(dialog); })) PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-  })});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.size(), 1u);
-  EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
+  for (const char* filled : {"<input type=\"radio\" checked name=\"colour\" value=\"green\" >",
+                             "<input type=\"checkbox\" checked name=\"agree\"", "<option selected>Large</option>",
+                             "name=\"Nick\" value=\"Neo\r\nline\" >", "<textarea name=\"about\" ></textarea>"}) {
+    EXPECT_NE(page.find(filled), std::string::npos) << filled << "\n" << page;
+  }
+  EXPECT_EQ(page.find("checked name=\"colour\" value=\"red\""), std::string::npos) << page;
   EXPECT_EQ(Keys().count, 2);
-  EXPECT_EQ(KeyFieldText(Keys(), nick, kName), "Nick key");
   EXPECT_FALSE(DatabaseChanged());
 }
 
-// With the learning box ticked the key learns the name (and value) and the scan
-// after it matches by itself.
+// With the learning box ticked the key learns the name (and a radio's value).
 TEST_F(NoMatchPrompt, LearningTeachesTheKeyItsNameAndValue) {
-  Ask(kAskUnMatched, kAddKeysUnMatched);
-  Settings().askForSelect[kPromptCheckbox] = kAskNever;
-  Settings().askForSelect[kPromptSelect] = kAskNever;
-  Settings().askForSelect[kPromptTextarea] = kAskNever;
+  Ask(kAskNever, kAddKeysUnMatched);
+  Settings().askForSelect[kPromptRadio] = kAskUnMatched;
+  Settings().askForSelect[kPromptText] = kAskUnMatched;
   const int colours = AddKey("Colours", "", "", "c");
   const int nick = AddKey("Nick key", "alias, ", "", "Neo");
   // The group from its first button: green learned; the second button's run then
   // matches, the third's ([blue]) does not and is cancelled.
-  Scan({Choose(colours, 1, true), Press("Cancel"), Choose(nick, -1, true)});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({Choose(colours, 1, true), Press("Cancel"), Choose(nick, -1, true)}));
   EXPECT_EQ(KeyFieldText(Keys(), colours, kSearchNames), "COLOUR");
   EXPECT_EQ(KeyFieldText(Keys(), colours, kSelection), "green");
   EXPECT_EQ(KeyFieldText(Keys(), nick, kSearchNames), "alias,NICK");
-  EXPECT_TRUE(DatabaseChanged());
-  const std::string page = FilledPage();
-  EXPECT_NE(page.find("checked name=\"colour\" value=\"green\""), std::string::npos) << page;
-
-  // Learned: the next scan fills from the keys; only the last button's run, which
-  // holds no learned value, is offered again.
-  Scan({Press("Cancel")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
+  EXPECT_NE(FilledPage().find("checked name=\"colour\" value=\"green\""), std::string::npos) << FilledPage();
 }
 
 // Each row: the options, the answer the user tries first, and the message that
@@ -213,9 +174,8 @@ TEST_F(NoMatchPrompt, OkWithoutWhatItNeedsKeepsTheDialogOpen) {
   Ask(kAskAllways, kAddKeysUnMatched);
   for (Row& row : rows) {
     SCOPED_TRACE(row.what);
-    Scan({row.first, Press("OK"), Again(Press("Cancel All"))});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_EQ(result_.seen.at(1).MessageText(), row.message);
+    ASSERT_TRUE(Scan({row.first, Press("OK"), Again(Press("Cancel All"))}));
+    EXPECT_EQ(Message(1), row.message);
     EXPECT_EQ(KeyFieldText(Keys(), me_, kSearchNames), "");
   }
 }
@@ -226,84 +186,54 @@ TEST_F(NoMatchPrompt, UnMatchMakesTheKeyForgetTheName) {
   Ask(kAskNever);
   Settings().askForSelect[kPromptText] = kAskAllways;
   const int nick = AddKey("Nick key", "nick,alias", "", "Neo");
+  std::vector<std::string> rows;
   int selected = -1;
-  const auto unmatch = Custom([&](HWND dialog, const WindowSnapshot&) {
-    selected = SelectedKeyRow(dialog);
-    ClickButton(dialog, IDC_NOMATCH_UNMATCH);
-  });
-  Scan({unmatch, Again(Press("Cancel"))});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(Scan({ReadKeyRows(rows, selected, qb::test::Command(IDC_NOMATCH_UNMATCH)), Again(Press("Cancel"))}));
   EXPECT_EQ(selected, nick);
   const WindowSnapshot& dialog = result_.seen.at(0);
   EXPECT_FALSE(dialog.Control(IDC_NOMATCH_KEYS)->enabled);
   EXPECT_FALSE(dialog.Control(IDC_NOMATCH_CREATE)->enabled);
   EXPECT_TRUE(dialog.Control(IDC_NOMATCH_UNMATCH)->enabled);
   EXPECT_EQ(KeyFieldText(Keys(), nick, kSearchNames), "alias");
-  EXPECT_TRUE(DatabaseChanged());
   // Cancel leaves the page's value; the key that still matched fills nothing more.
   EXPECT_NE(FilledPage().find("name=\"Nick\" value=\"Neo\" >"), std::string::npos) << FilledPage();
 }
 
-}  // namespace
-}  // namespace qb::test
-
-namespace qb::test {
-namespace {
-
 // "Create New" opens the key editor with the field's name and the chosen value; the
-// key it creates is listed and selected, so OK takes it.
+// key it creates is listed and selected, so OK takes it. An editor closed with
+// Cancel adds nothing and leaves the list without a selection.
 TEST_F(NoMatchPrompt, CreateNewMakesAKeyAndSelectsIt) {
   Ask(kAskNever);
   Settings().askForSelect[kPromptRadio] = kAskUnMatched;
   AddKey("Zed", "", "", "z");
   std::string editorName, editorDescription;
-  std::vector<std::string> rows;
-  int selected = -1;
-  Scan({Custom([](HWND dialog, const WindowSnapshot&) {
-          SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, 1, 0);
-          PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_NOMATCH_CREATE, BN_CLICKED),
-                       reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_NOMATCH_CREATE)));
-        }),
-        Custom([&](HWND editor, const WindowSnapshot&) {
-          editorName = WindowText(GetDlgItem(editor, IDC_KEYEDIT_NAME));
-          editorDescription = WindowText(GetDlgItem(editor, IDC_KEYEDIT_DESCRIPTION));
-          SetControlText(editor, IDC_KEYEDIT_NAME, "Colour");
-          ClickButton(editor, IDOK);
-        }),
-        Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-          rows = KeyRows(dialog);
-          selected = SelectedKeyRow(dialog);
-          ClickButton(dialog, IDOK);
-        })),
-        Press("Cancel"), Press("Cancel")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  std::vector<std::string> rowsAfterCancel, rows;
+  int selectedAfterCancel = 0, selected = -1;
+  const auto createNew = Custom([](HWND dialog, const WindowSnapshot&) {
+    SendDlgItemMessageA(dialog, IDC_NOMATCH_VALUES, LB_SETCURSEL, 1, 0);
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_NOMATCH_CREATE, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_NOMATCH_CREATE)));
+  });
+  const auto nameTheKey = [&](HWND editor, const WindowSnapshot&) {
+    editorName = WindowText(GetDlgItem(editor, IDC_KEYEDIT_NAME));
+    editorDescription = WindowText(GetDlgItem(editor, IDC_KEYEDIT_DESCRIPTION));
+    SetControlText(editor, IDC_KEYEDIT_NAME, "Colour");
+    ClickButton(editor, IDOK);
+  };
+  ASSERT_TRUE(Scan({createNew, Press("Cancel"), Again(ReadKeyRows(rowsAfterCancel, selectedAfterCancel, createNew)),
+                    Custom(nameTheKey), Again(ReadKeyRows(rows, selected, Press("OK"))), Press("Cancel"),
+                    Press("Cancel")}));
+  EXPECT_EQ(rowsAfterCancel, (std::vector<std::string>{"Me", "Zed"}));
+  EXPECT_EQ(selectedAfterCancel, -1);
   EXPECT_EQ(editorName, "COLOUR");
   EXPECT_EQ(editorDescription, "green");
   ASSERT_EQ(KeysInUse(Keys()), 3);
-  EXPECT_EQ(KeyFieldText(Keys(), 2, kName), "Colour");
   EXPECT_EQ(KeyFieldText(Keys(), 2, kDescription), "green");
   EXPECT_EQ(rows, (std::vector<std::string>{"Me", "Zed", "Colour"}));
   EXPECT_EQ(selected, 2);
   // The prompt's value choice stands, with the new key as the chosen one.
   EXPECT_NE(FilledPage().find("<input type=\"radio\" checked name=\"colour\" value=\"green\" >"), std::string::npos)
       << FilledPage();
-}
-
-// An editor closed with Cancel adds nothing and leaves the list without a selection.
-TEST_F(NoMatchPrompt, CreateNewCancelledChangesNothing) {
-  Ask(kAskNever);
-  Settings().askForSelect[kPromptText] = kAskAllways;
-  std::vector<std::string> rows;
-  int selected = 0;
-  Scan({qb::test::Command(IDC_NOMATCH_CREATE), Press("Cancel"), Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-          rows = KeyRows(dialog);
-          selected = SelectedKeyRow(dialog);
-          ClickButton(dialog, IDCANCEL);
-        }))});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(rows, std::vector<std::string>{"Me"});
-  EXPECT_EQ(selected, -1);
-  EXPECT_EQ(KeysInUse(Keys()), 1);
 }
 
 }  // namespace

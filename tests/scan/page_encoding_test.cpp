@@ -11,10 +11,7 @@ TEST(IsUtf8Page, ByteOrderMarkThenHeaderThenMeta) {
   const std::string latin1Header = "HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=ISO-8859-1\r\n\r\n";
   const std::string plainHeader = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nServer: x\r\n\r\n";
   const std::string meta = "<meta charset=\"utf-8\">";
-  const struct {
-    std::string saved;
-    bool utf8;
-  } cases[] = {
+  const std::pair<std::string, bool> cases[] = {  // the saved page, whether it is UTF-8
       {"HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n<html>", true},
       {"HTTP/1.1 200 OK\ncontent-type:text/html;charset=\"utf8\"\n\n<p>", true},  // LF lines, quoted label
       {"HTTP/1.0 200 OK\r\r\nContent-Type: text/html; charset=utf-8\r\r\n\r\r\n<p>", true},  // saved in text mode
@@ -37,7 +34,7 @@ TEST(IsUtf8Page, ByteOrderMarkThenHeaderThenMeta) {
       {std::string(kCharsetPrescanBytes - meta.size() + 1, ' ') + meta, false},
       {"", false},
   };
-  for (const auto& c : cases) EXPECT_EQ(IsUtf8Page(c.saved), c.utf8) << c.saved;
+  for (const auto& [saved, utf8] : cases) EXPECT_EQ(IsUtf8Page(saved), utf8) << saved;
 }
 
 TEST(Windows1252ToUtf8, EveryRangeOfTheCodePage) {

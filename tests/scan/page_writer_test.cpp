@@ -47,6 +47,7 @@ const std::vector<KeyTexts> kKeys = {
     {"Colour", "colour", "Blue", ""},
     {"Agree", "agree", "", "yes"},
     {"Country", "country", "United States", ""},
+    {"Tint", "tint", "Blue", ""},
 };
 
 class PageWriter : public ::testing::Test {
@@ -97,7 +98,7 @@ TEST_F(PageWriter, WritesEachFieldKindFromItsKeyAndFromNone) {
   struct Case {
     const char* field;
     const char* fromKey;
-    const char* fromNone;  // only the current key is there
+    const char* fromNone;  // only the current key is there; null: as from the key
   } const cases[] = {
       {"<input type=text name=Name value=old size=30 maxlength=20 class=box>",
        "<input type=\"text\" size=\"30\" maxlenght=\"20\" class=\"box\" name=\"Name\" value=\"Jane\" >\n",
@@ -111,38 +112,25 @@ TEST_F(PageWriter, WritesEachFieldKindFromItsKeyAndFromNone) {
        "<input type=\"radio\" checked name=\"colour\" value=\"red\" >\n<input type=\"radio\" name=\"colour\" "
        "value=\"blue\" >\n"},
       {"<input type=checkbox name=agree value=yes checked>",  // Never: the page's state, matched or not
-       "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n",
-       "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n"},
+       "<input type=\"checkbox\" checked name=\"agree\" value=\"yes\" >\n", nullptr},
       {"<select name=country size=1><option value=de selected>Germany<option value=us>United States</select>",
        "<select name=\"country\" size=\"1\" >\n<option value=de >Germany</option>\n"
        "<option value=us selected>United States</option>\n</select>\n",
        "<select name=\"country\" size=\"1\" >\n<option value=de selected>Germany</option>\n"
        "<option value=us >United States</option>\n</select>\n"},
-      {"<input type=submit name=go value=Send>", "<input type=\"submit\" name=\"go\" value=\"Send\" >\n",
-       "<input type=\"submit\" name=\"go\" value=\"Send\" >\n"},
-      {"<input value=mine>", "<input type=\"text\" >\n", "<input type=\"text\" >\n"},  // no name, no value
+      {"<input type=submit name=go value=Send>", "<input type=\"submit\" name=\"go\" value=\"Send\" >\n", nullptr},
+      {"<input value=mine>", "<input type=\"text\" >\n", nullptr},  // no name, no value
       {"<select name=country><option>Both</td>",  // unclosed: the cell's end follows it once
-       "<select name=\"country\" >\n<option >Both</option>\n</select>\n</td>",
-       "<select name=\"country\" >\n<option >Both</option>\n</select>\n</td>"},
+       "<select name=\"country\" >\n<option >Both</option>\n</select>\n</td>", nullptr},
   };
   const std::string formTag = "<form action=\"http://www.example.com/a\" method=post >\n";
   for (const Case& c : cases) {
     keys_.Fill(kKeys);
     EXPECT_EQ(OneFieldForm(c.field), formTag + c.fromKey + "</form>");
     keys_.Fill({kKeys[0]});
-    EXPECT_EQ(OneFieldForm(c.field), formTag + c.fromNone + "</form>");
+    EXPECT_EQ(OneFieldForm(c.field), formTag + (c.fromNone ? c.fromNone : c.fromKey) + "</form>");
   }
   EXPECT_TRUE(TakeUserMessages().empty());
-}
-
-TEST_F(PageWriter, TextFieldsNeedACurrentKeyWithADescription) {
-  const std::pair<int, const char*> cases[] = {{kNoKey, "mine"}, {3, "mine"}, {1, "Jane"}};
-  for (const auto& [currentKey, value] : cases) {
-    currentKey_ = currentKey;
-    EXPECT_NE(OneFieldForm("<input name=name value=mine>").find(std::string("value=\"") + value + "\""),
-              std::string::npos)
-        << currentKey;
-  }
 }
 
 TEST_F(PageWriter, NotesScriptsMarkupAndTheTableAroundTheForms) {
@@ -295,23 +283,31 @@ TEST(PostRequest, EncodesValuesLightlyAndMeetsEarlierPairsThatBeginWithTheName) 
   EXPECT_EQ(full.size(), kRequestTextMax);
 }
 
+// Text fields are filled only while the current key has a Description (key 3 has
+// none). "nick" meets the earlier pair "nickname" and replaces it. An option's value
+// is what follows the first "=" of its tag: none without one, not the option's text.
 TEST_F(PageWriter, DirectPostPairsTakeNamesAndValuesAsThePageHasThem) {
   directPost_ = true;
-  // "nick" meets the earlier pair "nickname" and replaces it.
-  const std::pair<int, const char*> cases[] = {
-      {0, "POST http://www.example.com/a?Name=Jane&Address=12+Market+St%0D%0ASpringfield&nick=me&"
-          "colour=blue&go=Send&"},
-      {kNoKey, "POST http://www.example.com/a?Name=old&Address=&nick=me&colour=blue&go=Send&"},
+  const std::string rest = "nick=me&colour=blue&country=&tint=\\\"b%3D1\\\"&go=Send&";
+  const struct {
+    int currentKey;
+    const char* name;
+    std::string request;
+  } cases[] = {
+      {0, "Jane", "Name=Jane&Address=12+Market+St%0D%0ASpringfield&" + rest},
+      {kNoKey, "old", "Name=old&Address=&" + rest},
+      {3, "old", "Name=old&Address=&" + rest},
   };
-  for (const auto& [currentKey, request] : cases) {
-    currentKey_ = currentKey;
+  for (const auto& c : cases) {
+    currentKey_ = c.currentKey;
     const std::string forms = OneFieldForm(
         "<input name=Name value=old><textarea name=Address></textarea>"
-        "<input name=nickname value=again><input name=nick value=me>"
-        "<input type=radio name=colour value=blue><input type=submit name=go value=Send>");
-    EXPECT_EQ(session_->requestText, request) << currentKey;
+        "<input name=nickname value=again><input name=nick value=me><input type=radio name=colour value=blue>"
+        "<select name=country><option>United States</select><select name=tint><option value=\"b=1\">Blue</select>"
+        "<input type=submit name=go value=Send>");
+    EXPECT_EQ(session_->requestText, "POST http://www.example.com/a?" + c.request) << c.currentKey;
     // The page itself keeps the text field's case.
-    EXPECT_NE(forms.find("name=\"Name\" value=\""), std::string::npos) << currentKey;
+    EXPECT_NE(forms.find(std::string("name=\"Name\" value=\"") + c.name + "\""), std::string::npos) << c.currentKey;
   }
 }
 
@@ -339,46 +335,29 @@ TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
             "<textarea name=\"t\" ></textarea>\n</form>");
 }
 
-TEST_F(PageWriter, PromptedSelectsAndRadioGroupsTakeTheChosenValue) {
-  Prompt({Ok(kNoMatch, 1), {}, {}, Ok(5, 2)}, {2, 0, 2, 0, 0});
+// An unmatched radio group is offered from each of its buttons in turn; selects and
+// text areas are asked even without a name, unnamed text fields are not.
+TEST_F(PageWriter, PromptedFieldsTakeTheChosenValueOrKey) {
+  Prompt({Ok(kNoMatch, 1), {}, {}, Ok(5, 2), Ok(1, 1), Ok(1)},
+         {kAskUnMatched, kAskNever, kAskUnMatched, kAskUnMatched, kAskUnMatched});
   const std::string forms = OneFieldForm(
       "<input type=radio name=size value=s><input type=radio name=size value=m><input type=radio name=size "
-      "value=l><select name=country><option>Germany<option>France<option>Chile</select>");
+      "value=l><select name=country><option>Germany<option>France<option>Chile</select>"
+      "<input value=own><select><option>a<option>b</select><textarea></textarea>");
   const std::vector<PromptRequest>& asked = prompt_->requests;
-  ASSERT_EQ(asked.size(), 4u);  // the unmatched group from each of its buttons, then the select
+  ASSERT_EQ(asked.size(), 6u);
   EXPECT_EQ(asked[0].radioValues, (std::vector<std::string>{"s", "m", "l"}));
   EXPECT_EQ(asked[2].radioValues, (std::vector<std::string>{"l"}));
   EXPECT_EQ(std::make_pair(asked[3].matchedKey, asked[3].selectIndex), std::make_pair(5u, 0));
+  EXPECT_EQ(std::make_pair(asked[4].kind, asked[4].slot), std::make_pair(kPromptSelect, 6));
+  EXPECT_EQ(std::make_pair(asked[5].kind, asked[5].slot), std::make_pair(kPromptTextarea, 7));
   EXPECT_NE(forms.find("<input type=\"radio\" checked name=\"size\" value=\"m\" >\n"), std::string::npos);
   EXPECT_NE(forms.find("<option >Germany</option>\n<option >France</option>\n<option selected>Chile</option>\n"),
             std::string::npos);
-}
-
-TEST_F(PageWriter, UnnamedSelectsAndTextAreasAreAskedButUnnamedTextFieldsAreNot) {
-  keys_.Fill({{"Me", "me", "", "Current"}, {"Pick", "", "", "Picked"}});
-  Prompt({Ok(1, 1), Ok(1)}, {kAskNever, kAskNever, kAskUnMatched, kAskUnMatched, kAskUnMatched});
-  const std::string forms = OneFieldForm("<input value=own><select><option>a<option>b</select><textarea></textarea>");
-  const std::vector<PromptRequest>& asked = prompt_->requests;
-  ASSERT_EQ(asked.size(), 2u);
-  EXPECT_EQ(std::make_pair(asked[0].kind, asked[0].slot), std::make_pair(kPromptSelect, 2));
-  EXPECT_EQ(std::make_pair(asked[1].kind, asked[1].slot), std::make_pair(kPromptTextarea, 3));
-  EXPECT_EQ(forms,
-            "<form action=\"http://www.example.com/a\" method=post >\n"
-            "<input type=\"text\" >\n"
-            "<select >\n<option >a</option>\n<option selected>b</option>\n</select>\n"
-            "<textarea >Picked</textarea>\n</form>");
-}
-
-TEST_F(PageWriter, DirectPostTakesAnOptionsValueFromAfterTheFirstEqualsSign) {
-  directPost_ = true;
-  const std::pair<const char*, const char*> cases[] = {
-      {"<option>Blue", "colour=&"},  // no "=": an empty value, not the option's text
-      {"<option value=\"b=1\">Blue", "colour=\\\"b%3D1\\\"&"},
-  };
-  for (const auto& [option, pair] : cases) {
-    OneFieldForm(std::string("<select name=colour>") + option + "</select>");
-    EXPECT_EQ(session_->requestText, std::string("POST http://www.example.com/a?") + pair) << option;
-  }
+  EXPECT_NE(forms.find("<input type=\"text\" >\n<select >\n<option >a</option>\n<option selected>b</option>\n"
+                       "</select>\n<textarea >Jane</textarea>\n</form>"),
+            std::string::npos)
+      << forms;
 }
 
 TEST_F(PageWriter, ANameLearnedInAPromptMatchesTheNextField) {

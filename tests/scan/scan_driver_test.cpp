@@ -7,14 +7,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "acquire/browser.h"
 #include "acquire/http_request.h"
 #include "acquire/transport.h"
-#include "scan/no_match_dialog.h"
 #include "tests/scan/scan_fixture.h"
 #include "tests/support/loopback_server.h"
 
@@ -26,20 +25,11 @@ const std::string kOrderPage =
     "Mail <input type=\"text\" name=\"email\">\n"
     "Nick <input type=\"text\" name=\"nick\" value=\"own\">\n"
     "<input type=\"submit\" value=\"Send\"></form></body></html>\n";
-const std::string kGetOnlyPage =
-    "<html><body><form method=\"get\" action=\"/search\"><input type=\"text\" name=\"q\"></form></body></html>\n";
+const std::string kMailFilled = "name=\"email\" value=\"me@example.com\" >";
 
 std::string Http(const std::string& body) { return "HTTP/1.0 200 OK\r\n\r\n" + body; }
 
-constexpr DWORD kGivenBackMs = 2000;  // "at once", as a person sees it
-constexpr DWORD kAskPatienceMs = 10000;
-constexpr DWORD kPollMs = 20;
 constexpr int kStallSlackSeconds = 15;
-
-// The download dialog closes by itself, often before anyone could see it.
-bool IsDownloadDialog(HWND window) {
-  return GetDlgItem(window, IDC_DOWNLOAD_STATUS) && GetDlgItem(window, IDC_DOWNLOAD_GROUP);
-}
 
 // The selection dialog's rows, then Cancel.
 ModalStep ReadRowsAndCancel(std::vector<std::string>& rows) {
@@ -51,142 +41,92 @@ ModalStep ReadRowsAndCancel(std::vector<std::string>& rows) {
 
 class ScanHtmlCommand : public ScanTest {
  protected:
-  void ScanFromBrowser(const std::vector<ModalStep>& steps) { RunCommand(IDM_SCAN_HTML, steps); }
-  void RunCommand(WORD id, const std::vector<ModalStep>& steps) {
-    ModalOptions options;
-    options.passOver = IsDownloadDialog;
-    result_ = RunModal([&] { Command(id); }, steps, options);
+  bool ScanFromBrowser(std::vector<ModalStep> steps) { return RunCommand(IDM_SCAN_HTML, std::move(steps)); }
+
+  // Serves `reply` on port 80 for what follows, in place of the server before.
+  void Serve(LoopbackReply reply) {
+    server_.reset();
+    server_ = std::make_unique<LoopbackServer>(std::move(reply));
+    ASSERT_TRUE(server_->listening()) << server_->error();
   }
-  ModalResult result_;
+  std::size_t Requests() const { return server_->Requests().size(); }
+
+  // The key the filled page must carry, selected in the Keys view.
+  void SelectMailKey() { SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com")); }
+
+  // The browser shows only `address`.
+  void Show(const std::string& address, bool editAddressBar = true) {
+    CloseBrowsers();
+    ShowBrowser("Page - Test Browser", address, editAddressBar);
+  }
+
+  // Copied as a browser copies: Unicode text.
+  void Copy(const std::string& text) {
+    ASSERT_TRUE(OpenClipboard(window_));
+    EmptyClipboard();
+    const int size = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, static_cast<SIZE_T>(size) * sizeof(wchar_t));
+    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, static_cast<wchar_t*>(GlobalLock(block)), size);
+    GlobalUnlock(block);
+    SetClipboardData(CF_UNICODETEXT, block);
+    CloseClipboard();
+  }
+
+  // Runs `command` once the filled page of the scan before is gone.
+  bool Scan(WORD command, std::vector<ModalStep> steps) {
+    DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
+    return RunCommand(command, std::move(steps));
+  }
+
+  std::unique_ptr<LoopbackServer> server_;
 };
 
-TEST_F(ScanHtmlCommand, DownloadsFillsRecordsAndOpensTheFilledPage) {
-  LoopbackServer server({{Http(kOrderPage)}});
-  ASSERT_TRUE(server.listening()) << server.error();
-  const int mail = AddKey("Mail", "email", "", "me@example.com");
-  SelectKeyRow(App().keysView, mail);
-  ShowBrowser("Order - Test Browser", "http://127.0.0.1/shop/order.asp?item=7");
+// The saved page keeps its server's header, whose Content-Type names the
+// encoding: the key's text goes in as UTF-8. The question before the second
+// download names the file the registry holds for the address.
+TEST_F(ScanHtmlCommand, DownloadsFillsRecordsOpensAndAsksBeforeDownloadingAgain) {
+  ASSERT_NO_FATAL_FAILURE(Serve({{"HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n" + kOrderPage}}));
+  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "m\xFC@example.com"));
+  Show("http://127.0.0.1/shop/order.asp?item=7");
   SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
-
-  ScanFromBrowser({});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(server.Requests().size(), 1u);
+  ASSERT_TRUE(ScanFromBrowser({}));
   const std::string saved = Saved("127.0.0.1.order.asp.htm");
-  EXPECT_TRUE(FileExists(saved));
   const std::string page = FilledPage();
   EXPECT_NE(page.find("<form action=\"http://127.0.0.1/cgi/order\" method=post >"), std::string::npos) << page;
-  EXPECT_NE(page.find("name=\"email\" value=\"me@example.com\" >"), std::string::npos) << page;
-  EXPECT_NE(page.find("name=\"nick\" value=\"own\" >"), std::string::npos) << page;
-  EXPECT_EQ(ProgramRegistry().FindUrlForFile(saved), std::optional<std::string>("127.0.0.1/shop/order.asp?item=7"));
-  EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
-}
-
-// The saved page keeps its server's header, whose Content-Type names the encoding.
-TEST_F(ScanHtmlCommand, APageItsServerSendsInUtf8GetsTheKeysTextInUtf8) {
-  LoopbackServer server({{"HTTP/1.0 200 OK\r\nContent-Type: text/html; charset=UTF-8\r\n\r\n" + kOrderPage}});
-  ASSERT_TRUE(server.listening()) << server.error();
-  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "m\xFC@example.com"));
-  ShowBrowser("Order - Test Browser", "http://127.0.0.1/order.asp");
-  ScanFromBrowser({});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  const std::string page = FilledPage();
-  EXPECT_NE(page.find("charset=utf-8\">"), std::string::npos) << page;
   EXPECT_NE(page.find("name=\"email\" value=\"m\xC3\xBC@example.com\" >"), std::string::npos) << page;
-}
+  EXPECT_EQ(Opened(), dir_.File("QuellbarrowTemproaryFile.htm") + "\r\n");
 
-// Both a trailing "/" and no path at all save the page as the host's index page.
-TEST_F(ScanHtmlCommand, AddressWithoutAFileNameIsSavedAsTheIndexPage) {
-  for (const char* address : {"http://127.0.0.1/", "http://127.0.0.1"}) {
-    SCOPED_TRACE(address);
-    LoopbackServer server({{Http(kOrderPage)}});
-    ASSERT_TRUE(server.listening()) << server.error();
-    for (HWND w : browsers_) DestroyWindow(w);
-    browsers_.clear();
-    DeleteFileA(Saved("127.0.0.1.index.htm.htm").c_str());
-    ShowBrowser("Home - Test Browser", address);
-    ScanFromBrowser({});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_TRUE(FileExists(Saved("127.0.0.1.index.htm.htm")));
-    EXPECT_TRUE(FilledPageWritten());
-  }
-}
-
-TEST_F(ScanHtmlCommand, PageWithOnlyGetFormsIsReportedAndItsFileDeleted) {
-  LoopbackServer server({{Http(kGetOnlyPage)}});
-  ASSERT_TRUE(server.listening()) << server.error();
-  ShowBrowser("Search - Test Browser", "http://127.0.0.1/search.htm");
-  ScanFromBrowser({Press("OK")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.at(0).MessageText(), kNoFormText);
-  EXPECT_FALSE(FileExists(Saved("127.0.0.1.search.htm.htm")));
+  // Known now: the next scan asks before downloading again.
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {Press("No")}));
+  EXPECT_EQ(Message(), "URL: http://127.0.0.1/shop/order.asp?item=7\nFILE: " + saved +
+                           "\n\nThis site URL allready exist in ConfigHtml.cfg file.\n"
+                           "Do you want to download an HTML document again ?");
   EXPECT_FALSE(FilledPageWritten());
-  EXPECT_EQ(ProgramRegistry().FindUrlForFile(Saved("127.0.0.1.search.htm.htm")), std::nullopt);
+  ASSERT_TRUE(ScanFromBrowser({Press("Yes")}));
+  EXPECT_EQ(Requests(), 2u);
+  EXPECT_TRUE(FilledPageWritten());
 }
 
-// Addresses whose host or last segment would step out of DataHtml, name a stream or
-// a device: each page lands in one file inside DataHtml or nowhere, and the files
-// kept at the names these addresses used to make stay as they were.
-TEST_F(ScanHtmlCommand, AddressesNeverNameAFileOutsideDataHtml) {
-  LoopbackServer server({{Http(kOrderPage)}});
-  ASSERT_TRUE(server.listening()) << server.error();
+// A path that would step out of DataHtml names a file inside it, and the file it
+// used to reach stays as it was.
+TEST_F(ScanHtmlCommand, PathThatStepsOutOfDataHtmlNamesAFileInsideIt) {
+  ASSERT_NO_FATAL_FAILURE(Serve({{Http(kOrderPage)}}));
   CreateDirectoryA(dir_.File("outside").c_str(), nullptr);
-  const std::vector<std::string> kept = {dir_.File("outside\\victim.htm"),
-                                         dir_.File("outside\\host.index.htm.htm"), Saved("127.0.0.1.page")};
-  for (const std::string& file : kept) WriteText(file, "kept");
-  struct Row {
-    std::string address;
-    std::string saved;    // in DataHtml; empty when nothing may be written
-    std::string message;  // the box the scan ends with, if any
-  } rows[] = {
-      {"http://127.0.0.1/club/\\..\\..\\outside\\victim", "127.0.0.1._.._.._outside_victim.htm", ""},
-      // Unresolvable: an empty page without a form, removed again.
-      {"http://..\\outside\\host/", "", kNoFormText},
-      {"http://127.0.0.1/page:stream", "127.0.0.1.page_stream.htm", ""},
-      {"http://con/", "", DescribePrepareStatus(PrepareStatus::kDeviceName)},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.address);
-    for (HWND w : browsers_) DestroyWindow(w);
-    browsers_.clear();
-    ShowBrowser("Club - Test Browser", row.address);
-    ScanFromBrowser(row.message.empty() ? std::vector<ModalStep>{} : std::vector<ModalStep>{Press("OK")});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    if (!row.message.empty()) {
-      EXPECT_EQ(result_.seen.at(0).MessageText(), row.message);
-    }
-    if (!row.saved.empty()) {
-      EXPECT_NE(ReadText(Saved(row.saved)).find("name=\"email\""), std::string::npos);
-    }
-  }
-  for (const std::string& file : kept) EXPECT_EQ(ReadText(file), "kept") << file;
-  EXPECT_EQ(server.Requests().size(), 2u);
+  WriteText(dir_.File("outside\\victim.htm"), "kept");
+  Show("http://127.0.0.1/club/\\..\\..\\outside\\victim");
+  ASSERT_TRUE(ScanFromBrowser({}));
+  EXPECT_NE(ReadText(Saved("127.0.0.1._.._.._outside_victim.htm")).find("name=\"email\""), std::string::npos);
+  EXPECT_EQ(ReadText(dir_.File("outside\\victim.htm")), "kept");
 }
 
-// A server that accepts and never answers: Cancel gives the main window back at
-// once; left alone, the scan ends after the stall limit as a failed download
-// does. The keys stay as they were either way.
-TEST_F(ScanHtmlCommand, SilentServerIsCancelledAtOnceOrGivenUpAfterTheStallLimit) {
+// A server that accepts and never answers: the scan ends after the stall limit
+// as a failed download does, and the keys stay as they were.
+TEST_F(ScanHtmlCommand, SilentServerIsGivenUpAfterTheStallLimit) {
   LoopbackReply silent;
   silent.silent = true;
-  LoopbackServer server(silent);
-  ASSERT_TRUE(server.listening()) << server.error();
-  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
-  ShowBrowser("Slow - Test Browser", "http://127.0.0.1/slow.htm");
-  DWORD pressed = 0;
-  const auto cancelWhenAsked = [&](HWND dialog, const WindowSnapshot&) {
-    const DWORD start = GetTickCount();
-    while (server.Requests().empty() && GetTickCount() - start < kAskPatienceMs) Sleep(kPollMs);
-    pressed = GetTickCount();
-    ClickButton(dialog, IDCANCEL);
-  };
-  result_ = RunModal([&] { Command(IDM_SCAN_HTML); }, {Custom(cancelWhenAsked)});
-  const DWORD returned = GetTickCount();
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_LT(returned - pressed, kGivenBackMs);
-  EXPECT_TRUE(IsWindowEnabled(window_));
-  EXPECT_FALSE(FileExists(Saved("127.0.0.1.slow.htm.htm")));
-  EXPECT_FALSE(FilledPageWritten());
-
+  ASSERT_NO_FATAL_FAILURE(Serve(silent));
+  SelectMailKey();
+  Show("http://127.0.0.1/slow.htm");
   const DWORD start = GetTickCount();
   DWORD told = 0;
   const auto noteTime = [&](HWND box, const WindowSnapshot&) {
@@ -194,46 +134,62 @@ TEST_F(ScanHtmlCommand, SilentServerIsCancelledAtOnceOrGivenUpAfterTheStallLimit
     ClickButton(box, IDOK);
   };
   ModalOptions options;
-  options.passOver = IsDownloadDialog;
   options.stepTimeoutMs = (kStallLimitSeconds + kStallSlackSeconds) * 1000;
-  result_ = RunModal([&] { Command(IDM_SCAN_HTML); }, {Custom(noteTime)}, options);
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.at(0).MessageText(), kNoFormText);
+  ASSERT_TRUE(Run([&] { Command(IDM_SCAN_HTML); }, {Custom(noteTime)}, options));
+  EXPECT_EQ(Message(), kNoFormText);
   EXPECT_GE(told - start, static_cast<DWORD>(kStallLimitSeconds * 1000));
   EXPECT_FALSE(FileExists(Saved("127.0.0.1.slow.htm.htm")));
-  EXPECT_EQ(server.Requests().size(), 2u);
-  EXPECT_EQ(KeysInUse(Keys()), 1);
   EXPECT_EQ(KeyFieldText(Keys(), 0, kDescription), "me@example.com");
   EXPECT_FALSE(DatabaseChanged());
 }
 
-// Each row: what the browser shows (or no browser), and the one box the scan ends with.
+// Each row: what the browser shows (or no browser) or the clipboard holds, and the
+// one box the scan ends with. A downloaded page without a POST form is not kept,
+// and a host that would step out of DataHtml writes nothing outside it.
 TEST_F(ScanHtmlCommand, AddressesThatCannotBeScannedEndInOneMessage) {
+  ASSERT_NO_FATAL_FAILURE(Serve({{Http("<html><form method=\"get\" action=\"/s\"><input name=\"q\"></form></html>")}}));
+  CreateDirectoryA(dir_.File("outside").c_str(), nullptr);
+  WriteText(dir_.File("outside\\host.index.htm.htm"), "kept");
   const std::string unsaved = SavePage("unsaved.htm", kOrderPage);
   const std::string missing = dir_.File("nowhere\\page.htm");
   struct Row {
     const char* what;
+    WORD command;
     bool browser;
-    std::string address;
-    std::string message;
-    std::string caption;
+    std::string address, message, caption;  // the address: copied for "Scan Address from Clipboard"
   } rows[] = {
-      {"no browser window", false, "", kNoBrowserWindowText, "Quellbarrow"},
-      {"empty address bar", true, "", kNoLinkText, "Error"},
-      {"local file that is not there", true, missing, "Can not open a file from the location:\n" + missing, "Error"},
-      {"local file not in the registry", true, unsaved, kNotSavedByProgramText, "Error"},
+      {"no browser window", IDM_SCAN_HTML, false, "", kNoBrowserWindowText, "Quellbarrow"},
+      {"empty address bar", IDM_SCAN_HTML, true, "", kNoLinkText, "Error"},
+      {"local file that is not there", IDM_SCAN_HTML, true, missing,
+       "Can not open a file from the location:\n" + missing, "Error"},
+      {"local file not in the registry", IDM_SCAN_HTML, true, unsaved, kNotSavedByProgramText, "Error"},
+      {"page with only GET forms", IDM_SCAN_HTML, true, "http://127.0.0.1/search.htm", kNoFormText, "Error"},
+      // Unresolvable: an empty page without a form, removed again.
+      {"host outside DataHtml", IDM_SCAN_HTML, true, "http://..\\outside\\host/", kNoFormText, "Error"},
+      {"device name", IDM_SCAN_HTML, true, "http://con/", DescribePrepareStatus(PrepareStatus::kDeviceName), "Error"},
+      // Which texts are addresses is the parser's own test.
+      {"clipboard without an address", IDM_SCAN_CLIPBOARD, false, "", kNoClipboardAddressText, "Quellbarrow"},
+      {"clipboard address too long", IDM_SCAN_CLIPBOARD, false,
+       "http://127.0.0.1/a.htm?q=" + std::string(kUrlTextMax - 24, 'x'),
+       DescribePrepareStatus(PrepareStatus::kUrlTooLong), "Error"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
-    for (HWND w : browsers_) DestroyWindow(w);
-    browsers_.clear();
-    if (row.browser) ShowBrowser("Page - Test Browser", row.address);
-    ScanFromBrowser({Press("OK")});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_EQ(result_.seen.at(0).MessageText(), row.message);
+    CloseBrowsers();
+    if (row.command == IDM_SCAN_CLIPBOARD) Copy(row.address);
+    if (row.browser) Show(row.address);
+    ASSERT_TRUE(RunCommand(row.command, {Press("OK")}));
+    EXPECT_EQ(Message(), row.message);
     EXPECT_EQ(result_.seen.at(0).caption, row.caption);
     EXPECT_FALSE(FilledPageWritten());
   }
+  EXPECT_FALSE(FileExists(Saved("127.0.0.1.search.htm.htm")));
+  EXPECT_EQ(ProgramRegistry().FindUrlForFile(Saved("127.0.0.1.search.htm.htm")), std::nullopt);
+  EXPECT_EQ(ReadText(dir_.File("outside\\host.index.htm.htm")), "kept");
+  // Named by the caller, a page the registry does not know is filled; relative
+  // actions then have no host to go to.
+  ASSERT_TRUE(Run([&] { ScanSavedDocument(unsaved, false); }, {}));
+  EXPECT_NE(FilledPage().find("action=\"http:///cgi/order\""), std::string::npos) << FilledPage();
 }
 
 // The browser's window belongs to another process whose thread stops pumping:
@@ -250,77 +206,44 @@ TEST_F(ScanHtmlCommand, HungBrowserCountsAsAnEmptyAddress) {
   ASSERT_EQ(WaitForSingleObject(ready, 20000), WAIT_OBJECT_0);
   constexpr DWORD kFewSecondsMs = 8000;
   const DWORD start = GetTickCount();
-  ScanFromBrowser({Press("OK")});
+  const bool ran = ScanFromBrowser({Press("OK")});
   const DWORD elapsed = GetTickCount() - start;
   SetEvent(stop);
   WaitForSingleObject(process.hProcess, 20000);
   for (HANDLE h : {process.hProcess, process.hThread, ready, stop}) CloseHandle(h);
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.at(0).MessageText(), kNoLinkText);
+  ASSERT_TRUE(ran);
+  EXPECT_EQ(Message(), kNoLinkText);
   EXPECT_LT(elapsed, kFewSecondsMs);
   EXPECT_FALSE(FilledPageWritten());
-}
-
-TEST_F(ScanHtmlCommand, KnownAddressAsksBeforeDownloadingAgain) {
-  const std::string saved = SavePage("127.0.0.1.a.htm.htm", kOrderPage, "127.0.0.1/a.htm");
-  ShowBrowser("A - Test Browser", "http://127.0.0.1/a.htm");
-  ScanFromBrowser({Press("No")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow");
-  EXPECT_EQ(result_.seen.at(0).MessageText(),
-            "URL: http://127.0.0.1/a.htm\nFILE: " + saved +
-                "\n\nThis site URL allready exist in ConfigHtml.cfg file.\nDo you want to download an HTML document again ?");
-  EXPECT_FALSE(FilledPageWritten());
-
-  LoopbackServer server({{Http(kOrderPage)}});
-  ASSERT_TRUE(server.listening()) << server.error();
-  ScanFromBrowser({Press("Yes")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(server.Requests().size(), 1u);
-  EXPECT_TRUE(FilledPageWritten());
 }
 
 // Two forms of 3 and 5 fields: each figure counts the FORM tag too.
 TEST_F(ScanHtmlCommand, StatisticsBoxCountsFormsFieldsAndScripts) {
   Settings().formStatistics = 1;
-  const std::string page =
-      "<html><script>var a;</script><form method=post action=/a>"
-      "<input name=a1><input name=a2><input type=submit></form>"
-      "<form method=post action=/b><input name=b1><input name=b2><input type=checkbox name=b3>"
-      "<textarea name=b4></textarea><input type=submit></form></html>";
-  const std::string path = SavePage("stats.htm", page, "www.example.com/stats.htm");
-  result_ = RunModal([&] { ScanSavedDocument(path, false); }, {Press("OK")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  const std::string path = SavePage("stats.htm",
+                                    "<html><script>var a;</script><form method=post action=/a>"
+                                    "<input name=a1><input name=a2><input type=submit></form>"
+                                    "<form method=post action=/b><input name=b1><input name=b2>"
+                                    "<input type=checkbox name=b3><textarea name=b4></textarea>"
+                                    "<input type=submit></form></html>",
+                                    "www.example.com/stats.htm");
+  ASSERT_TRUE(Run([&] { ScanSavedDocument(path, false); }, {Press("OK")}));
   EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow");
-  EXPECT_EQ(result_.seen.at(0).MessageText(),
-            "Total Forms:                     2\nTotal fields in Form1:        4\n"
-            "Total fields in Form2:        6\nTotal Scripts(VB, Java):    1");
+  EXPECT_EQ(Message(), "Total Forms:                     2\nTotal fields in Form1:        4\n"
+                       "Total fields in Form2:        6\nTotal Scripts(VB, Java):    1");
   EXPECT_NE(FilledPage().find("action=\"http://www.example.com/a\""), std::string::npos);
-}
-
-// A saved document the caller names is scanned even when the registry does not
-// know it; relative actions then have no host to go to.
-TEST_F(ScanHtmlCommand, NamedDocumentOutsideTheRegistryIsStillFilled) {
-  const std::string path = SavePage("own.htm", kOrderPage);
-  result_ = RunModal([&] { ScanSavedDocument(path, false); }, {});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_NE(FilledPage().find("action=\"http:///cgi/order\""), std::string::npos) << FilledPage();
 }
 
 // Direct post: no prompt (although every option asks), the pairs posted through
 // the dialog instead of a page opened, and nothing recorded.
 TEST_F(ScanHtmlCommand, DirectPostSendsThePairsInsteadOfOpeningThePage) {
   CreateDirectoryA(dir_.File("datahtml").c_str(), nullptr);
-  LoopbackServer server({{Http("<html>Thank you</html>")}});
-  ASSERT_TRUE(server.listening()) << server.error();
+  ASSERT_NO_FATAL_FAILURE(Serve({{Http("<html>Thank you</html>")}}));
   Settings().askForSelect.fill(kAskAllways);
-  SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
+  SelectMailKey();
   const std::string path = SavePage("order.htm", kOrderPage, "127.0.0.1/shop/order.asp");
-  ModalOptions options;
-  options.passOver = IsDownloadDialog;
-  result_ = RunModal([&] { ScanHtml(kScanSavedDocument, path, true, false, true); }, {}, options);
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  const std::vector<std::string> requests = server.Requests();
+  ASSERT_TRUE(Run([&] { ScanHtml(kScanSavedDocument, path, true, false, true); }, {}));
+  const std::vector<std::string> requests = server_->Requests();
   ASSERT_EQ(requests.size(), 1u);
   const std::string line = "POST http://127.0.0.1/cgi/order?email=me%40example.com&nick=own";
   EXPECT_EQ(requests[0].substr(0, line.size()), line) << requests[0];
@@ -328,30 +251,9 @@ TEST_F(ScanHtmlCommand, DirectPostSendsThePairsInsteadOfOpeningThePage) {
   EXPECT_FALSE(FileExists(dir_.File("opened.txt")));
 }
 
-// The saved-from mark once, its number the length of the address after it, in the
-// head before the title.
-TEST_F(ScanHtmlCommand, FilledPageCarriesTheInternetZoneMarkBeforeItsTitle) {
-  const std::string path = SavePage("zone.htm", kOrderPage, "www.example.com/zone.htm");
-  result_ = RunModal([&] { ScanSavedDocument(path, false); }, {});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  const std::string page = FilledPage();
-  const std::string opening = "<!-- saved from url=(";
-  const std::size_t mark = page.find(opening);
-  ASSERT_NE(mark, std::string::npos) << page;
-  EXPECT_EQ(page.find(opening, mark + 1), std::string::npos);
-  EXPECT_LT(page.find("<head>"), mark);
-  const std::size_t digits = mark + opening.size();
-  const std::size_t address = page.find(')', digits) + 1;
-  const std::size_t end = page.find(" -->\r\n", address);
-  ASSERT_EQ(address - digits, 5u) << page.substr(mark, 60);
-  EXPECT_EQ(std::stoul(page.substr(digits, 4)), end - address);
-  EXPECT_EQ(page.substr(address, end - address), "about:internet");
-  EXPECT_LT(end, page.find("<title>"));
-}
-
-// From a program folder with blanks in its path, the browser gets the filled
-// page, the links page and a saved page's site each as one argument.
-TEST_F(ScanHtmlCommand, BrowserGetsEachPageAsOneArgumentFromAFolderWithBlanks) {
+// From a program folder with blanks in its path, the browser gets the filled page
+// as one argument.
+TEST_F(ScanHtmlCommand, BrowserGetsTheFilledPageAsOneArgumentFromAFolderWithBlanks) {
   const std::string program = dir_.File("Program Files");
   CreateDirectoryA(program.c_str(), nullptr);
   CreateDirectoryA((program + "\\DataHtml").c_str(), nullptr);
@@ -361,32 +263,25 @@ TEST_F(ScanHtmlCommand, BrowserGetsEachPageAsOneArgumentFromAFolderWithBlanks) {
   WriteText(program + "\\" + kRegistryFileName,
             std::string(kRegistryHeader) + "\r\nwww.example.com/my order.htm\r\n" + saved + "\r\n");
   const std::string opened = program + "\\opened.txt";
-  std::string expected;
-  // One start at a time: each stand-in appends its line when it runs.
-  const auto open = [&](const std::function<void()>& action, const std::string& argument) {
-    expected += argument + "\r\n";
-    result_ = RunModal(action, {});
-    EXPECT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_TRUE(PumpUntil([&] { return FileExists(opened) && ReadText(opened).size() >= expected.size(); }, 10000));
-  };
-  open([&] { ScanSavedDocument(saved, false); }, program + "\\QuellbarrowTemproaryFile.htm");
-  open([] { OpenLinksPage(); }, program + "\\" + kLinksPageName);
-  open([&] { OpenUrlOfFile(saved); }, "http://www.example.com/my order.htm");
+  EXPECT_TRUE(Run([&] { ScanSavedDocument(saved, false); }, {}));
+  EXPECT_TRUE(PumpUntil([&] { return FileExists(opened) && !ReadText(opened).empty(); }, 10000));
   SetProgramDirectory(dir_.path());
-  EXPECT_EQ(ReadText(opened), expected);
+  EXPECT_EQ(ReadText(opened), program + "\\QuellbarrowTemproaryFile.htm\r\n");
 }
 
-// Browser capture: the windows found, their order, and the choice among them.
+// Browser capture: every window whose caption holds the other browser's text (in
+// any case, once per occurrence), topmost first, and the choice among them.
 TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
-  Settings().browserKind = kBrowserExplorer;
+  StoreSetting(Settings().otherBrowserCaption, "Opera");
   SetBrowserWindowChoiceOption(kPromptForBrowserWindow);
-  ShowBrowser("One - Microsoft Internet Explorer", "http://127.0.0.1/one.htm");
-  ShowBrowser("Two - Microsoft Internet Explorer", "www.example.com/two.htm");
+  ShowBrowser("Page - opera", "http://127.0.0.1/p.htm");
+  ShowBrowser("Opera - OPERA", "www.example.com/twice.htm");
+  ShowBrowser("Operetta", "http://127.0.0.1/not.htm");
   std::vector<std::string> rows;
-  ScanFromBrowser({ReadRowsAndCancel(rows)});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
+  ASSERT_TRUE(ScanFromBrowser({ReadRowsAndCancel(rows)}));
   EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow - Select an Internet browser");
-  EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/one.htm", "www.example.com/two.htm"}));
+  EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/p.htm", "www.example.com/twice.htm",
+                                            "www.example.com/twice.htm"}));
   EXPECT_FALSE(FilledPageWritten());
 
   // OK without a row keeps the dialog open after the message.
@@ -394,61 +289,16 @@ TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
     SendDlgItemMessageA(dialog, IDC_SELECT_BROWSER_LIST, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
     ClickButton(dialog, IDOK);
   };
-  ScanFromBrowser({Custom(unselectAndOk), Press("OK"), Again(Press("Cancel"))});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.at(1).MessageText(), kSelectLinkText);
+  ASSERT_TRUE(ScanFromBrowser({Custom(unselectAndOk), Press("OK"), Again(Press("Cancel"))}));
+  EXPECT_EQ(Message(1), kSelectLinkText);
   EXPECT_EQ(result_.seen.at(1).caption, "Error");
-}
-
-// The other browser's caption text is found in any case, once per occurrence.
-TEST_F(ScanHtmlCommand, OtherBrowserCaptionMatchesInAnyCaseOncePerOccurrence) {
-  StoreSetting(Settings().otherBrowserCaption, "Opera");
-  SetBrowserWindowChoiceOption(kPromptForBrowserWindow);
-  ShowBrowser("Page - opera", "http://127.0.0.1/p.htm");
-  ShowBrowser("Opera - OPERA", "http://127.0.0.1/twice.htm");
-  ShowBrowser("Operetta", "http://127.0.0.1/not.htm");
-  std::vector<std::string> rows;
-  ScanFromBrowser({ReadRowsAndCancel(rows)});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/p.htm", "http://127.0.0.1/twice.htm",
-                                            "http://127.0.0.1/twice.htm"}));
 }
 
 // An address copied in a browser whose address bar is none of Windows' edit
 // controls: "Scan Address from Clipboard", and the offer of "Scan HTML".
-class ScanClipboard : public ScanHtmlCommand {
- protected:
-  void SetUp() override {
-    ScanHtmlCommand::SetUp();
-    ASSERT_NO_FATAL_FAILURE();
-    SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "me@example.com"));
-    SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
-  }
-
-  // Copied as a browser copies: Unicode text.
-  void Copy(const std::string& text) {
-    ASSERT_TRUE(OpenClipboard(window_));
-    EmptyClipboard();
-    const int size = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, static_cast<SIZE_T>(size) * sizeof(wchar_t));
-    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, static_cast<wchar_t*>(GlobalLock(block)), size);
-    GlobalUnlock(block);
-    SetClipboardData(CF_UNICODETEXT, block);
-    CloseClipboard();
-  }
-
-  void Run(WORD command, const std::vector<ModalStep>& steps) {
-    DeleteFileA(dir_.File("QuellbarrowTemproaryFile.htm").c_str());
-    RunCommand(command, steps);
-  }
-
-  bool FilledWithTheKey() const {
-    return FilledPage().find("name=\"email\" value=\"me@example.com\" >") != std::string::npos;
-  }
-};
-
-TEST_F(ScanClipboard, CopiedWebAddressIsDownloadedAndFilled) {
-  const std::string offer = std::string(kOfferClipboardText) + "\n\n";
+TEST_F(ScanHtmlCommand, CopiedWebAddressIsDownloadedAndFilled) {
+  SelectMailKey();
+  SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
   const struct {
     const char* what;
     bool browser;
@@ -456,41 +306,39 @@ TEST_F(ScanClipboard, CopiedWebAddressIsDownloadedAndFilled) {
     std::string address;
     std::vector<ModalStep> steps;
   } rows[] = {
-      {"the command", true, IDM_SCAN_CLIPBOARD, "http://127.0.0.1/one.asp?item=7", {}},
+      {"the command, an address at the length limit", true, IDM_SCAN_CLIPBOARD,
+       "http://127.0.0.1/a.htm?q=" + std::string(kUrlTextMax - 25, 'x'), {}},
       {"the offer, browser without an edit", true, IDM_SCAN_HTML, "http://127.0.0.1/two.asp", {Press("Yes")}},
       {"the offer, no browser window", false, IDM_SCAN_HTML, "http://127.0.0.1/three.asp", {Press("Yes")}},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    for (HWND w : browsers_) DestroyWindow(w);
-    browsers_.clear();
-    if (row.browser) ShowBrowser("Order - Test Browser", "", false);
+    CloseBrowsers();
+    if (row.browser) Show("", false);
     Copy("  " + row.address + " \r\nsecond line");
-    LoopbackServer server({{Http(kOrderPage)}});
-    ASSERT_TRUE(server.listening()) << server.error();
-    Run(row.command, row.steps);
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
+    ASSERT_NO_FATAL_FAILURE(Serve({{Http(kOrderPage)}}));
+    ASSERT_TRUE(Scan(row.command, row.steps));
     if (!row.steps.empty()) {
-      EXPECT_EQ(result_.seen.at(0).MessageText(), offer + row.address);
+      EXPECT_EQ(Message(), std::string(kOfferClipboardText) + "\n\n" + row.address);
       EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow");
     }
-    EXPECT_EQ(server.Requests().size(), 1u);
-    EXPECT_TRUE(FilledWithTheKey()) << FilledPage();
+    EXPECT_EQ(Requests(), 1u);
+    EXPECT_NE(FilledPage().find(kMailFilled), std::string::npos) << FilledPage();
     const std::string schemeless(*StripScheme(row.address));
     EXPECT_TRUE(ProgramRegistry().FindFileForUrl(schemeless)) << schemeless;
   }
 
   // Declined, the scan ends as it did before the clipboard was asked.
   Copy("http://127.0.0.1/four.asp");
-  Run(IDM_SCAN_HTML, {Press("No"), Press("OK")});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_EQ(result_.seen.at(1).MessageText(), kNoBrowserWindowText);
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {Press("No"), Press("OK")}));
+  EXPECT_EQ(Message(1), kNoBrowserWindowText);
   EXPECT_FALSE(FilledPageWritten());
 }
 
 // Saved pages by their file:/// address: from the clipboard even when the program
 // did not save them, from the browser's address bar when it did.
-TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
+TEST_F(ScanHtmlCommand, FileAddressNamesASavedPage) {
+  SelectMailKey();
   CreateDirectoryA(Saved("My Pages").c_str(), nullptr);
   const std::string own = SavePage("My Pages\\order form.htm", kOrderPage);
   const std::string accented = SavePage("My Pages\\caf\xE9.htm", kOrderPage);
@@ -500,70 +348,31 @@ TEST_F(ScanClipboard, FileAddressNamesASavedPage) {
     path.replace(path.find(" Pages/" + name), 7 + name.size(), "%20Pages/" + escaped);
     return "file:///" + path;
   };
+  const std::string ownUrl = fileUrl(own, "order form.htm", "order%20form.htm");
   const struct {
     const char* what;
     std::string address;
     bool browser;
     const char* action;
   } rows[] = {
-      {"clipboard", fileUrl(own, "order form.htm", "order%20form.htm"), false, "http:///cgi/order"},
+      {"clipboard", ownUrl, false, "http:///cgi/order"},
       {"clipboard, UTF-8 escapes", fileUrl(accented, "caf\xE9.htm", "caf%C3%A9.htm"), false, "http:///cgi/order"},
       {"address bar", fileUrl(known, "known page.htm", "known%20page.htm"), true, "http://127.0.0.1/cgi/order"},
-      {"address bar, a page saved elsewhere", fileUrl(own, "order form.htm", "order%20form.htm"), true, "http:///cgi/order"},
+      {"address bar, a page saved elsewhere", ownUrl, true, "http:///cgi/order"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    for (HWND w : browsers_) DestroyWindow(w);
-    browsers_.clear();
-    if (row.browser) ShowBrowser("Saved - Test Browser", row.address);
+    CloseBrowsers();
+    if (row.browser) Show(row.address);
     Copy(row.address);
-    Run(row.browser ? IDM_SCAN_HTML : IDM_SCAN_CLIPBOARD, {});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_TRUE(FilledWithTheKey()) << FilledPage();
+    ASSERT_TRUE(Scan(row.browser ? IDM_SCAN_HTML : IDM_SCAN_CLIPBOARD, {}));
+    EXPECT_NE(FilledPage().find(kMailFilled), std::string::npos) << FilledPage();
     EXPECT_NE(FilledPage().find(std::string("action=\"") + row.action + "\""), std::string::npos) << FilledPage();
   }
 }
 
-// Each row: the clipboard's text, and the one box the command ends with.
-TEST_F(ScanClipboard, TextThatIsNoAddressOrTooLongIsReported) {
-  const std::string longest = "http://127.0.0.1/a.htm?q=" + std::string(kUrlTextMax - 25, 'x');
-  const struct {
-    const char* what;
-    std::string clipboard;
-    std::string message;
-    std::string caption;
-  } rows[] = {
-      {"empty", "", kNoClipboardAddressText, "Quellbarrow"},
-      {"not an address", "about:blank", kNoClipboardAddressText, "Quellbarrow"},
-      {"address on the second line", "Order form\r\nhttp://127.0.0.1/a.htm", kNoClipboardAddressText, "Quellbarrow"},
-      {"one past the limit", longest + "x", DescribePrepareStatus(PrepareStatus::kUrlTooLong), "Error"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    Copy(row.clipboard);
-    Run(IDM_SCAN_CLIPBOARD, {Press("OK")});
-    ASSERT_TRUE(result_.ok()) << result_.Describe();
-    EXPECT_EQ(result_.seen.at(0).MessageText(), row.message);
-    EXPECT_EQ(result_.seen.at(0).caption, row.caption);
-    EXPECT_FALSE(FilledPageWritten());
-  }
-
-  // At the limit the address is scanned.
-  LoopbackServer server({{Http(kOrderPage)}});
-  ASSERT_TRUE(server.listening()) << server.error();
-  Copy(longest);
-  Run(IDM_SCAN_CLIPBOARD, {});
-  ASSERT_TRUE(result_.ok()) << result_.Describe();
-  EXPECT_TRUE(FilledWithTheKey());
-}
-
 // The default-browser dialog through 50009.
-class DefaultBrowserDialog : public ScanTest {
- protected:
-  ModalResult OpenDialog(std::vector<ModalStep> steps) {
-    return RunModal([&] { Command(IDM_SELECT_BROWSER); }, std::move(steps));
-  }
-};
+using DefaultBrowserDialog = ScanTest;
 
 TEST_F(DefaultBrowserDialog, KindChangesAtTheClickAndCancelKeepsIt) {
   Settings().browserKind = kBrowserExplorer;
@@ -571,9 +380,8 @@ TEST_F(DefaultBrowserDialog, KindChangesAtTheClickAndCancelKeepsIt) {
     PostMessageA(GetDlgItem(dialog, IDC_BROWSER_NETSCAPE), BM_CLICK, 0, 0);
     PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
   };
-  const ModalResult result = OpenDialog({Custom(clickNetscapeThenCancel)});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  const WindowSnapshot& dialog = result.seen.at(0);
+  ASSERT_TRUE(RunCommand(IDM_SELECT_BROWSER, {Custom(clickNetscapeThenCancel)}));
+  const WindowSnapshot& dialog = result_.seen.at(0);
   EXPECT_EQ(dialog.caption, "Quellbarrow - Default browser");
   EXPECT_EQ(dialog.Control(IDC_BROWSER_EXPLORER)->checked, BST_CHECKED);
   EXPECT_FALSE(dialog.Control(IDC_BROWSER_CAPTION)->enabled);
@@ -585,55 +393,33 @@ TEST_F(DefaultBrowserDialog, OtherNeedsATitleThenAProgram) {
   StoreSetting(Settings().otherBrowserCaption, "");
   StoreSetting(Settings().browserProgram, "C:\\b.exe");
   const auto typeTitle = [](const std::string& title) {
-    return [title](HWND dialog, const WindowSnapshot&) {
+    return Custom([title](HWND dialog, const WindowSnapshot&) {
       SetControlText(dialog, IDC_BROWSER_CAPTION, title);
       ClickButton(dialog, IDOK);
-    };
+    });
   };
   // The title is checked first, even with a program path set.
-  ModalResult result = OpenDialog({Custom(typeTitle("")), Press("OK"), Again(Press("Cancel"))});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_TRUE(result.seen.at(0).Control(IDC_BROWSER_CAPTION)->enabled);
-  EXPECT_EQ(result.seen.at(0).Control(IDC_BROWSER_PROGRAM)->text, "C:\\b.exe");
-  EXPECT_EQ(result.seen.at(1).MessageText(), kTypeTitleText);
+  ASSERT_TRUE(RunCommand(IDM_SELECT_BROWSER, {typeTitle(""), Press("OK"), Again(Press("Cancel"))}));
+  EXPECT_TRUE(result_.seen.at(0).Control(IDC_BROWSER_CAPTION)->enabled);
+  EXPECT_EQ(result_.seen.at(0).Control(IDC_BROWSER_PROGRAM)->text, "C:\\b.exe");
+  EXPECT_EQ(Message(1), kTypeTitleText);
 
   StoreSetting(Settings().browserProgram, "C:\\b");
-  result = OpenDialog({Custom(typeTitle("Opera")), Press("OK"), Again(Press("Cancel"))});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen.at(1).MessageText(), kSelectProgramText);
+  ASSERT_TRUE(RunCommand(IDM_SELECT_BROWSER, {typeTitle("Opera"), Press("OK"), Again(Press("Cancel"))}));
+  EXPECT_EQ(Message(1), kSelectProgramText);
   EXPECT_EQ(std::string(Settings().otherBrowserCaption.data()), "Opera");
 
+  // With both, OK closes the dialog.
   StoreSetting(Settings().browserProgram, "C:\\b.exe");
-  INT_PTR ended = -1;
-  result = RunModal(
-      [&] { ended = DialogBoxParamA(Instance(), kDefaultBrowserDialogName, window_, DefaultBrowserDialogProc, 0); },
-      {Custom(typeTitle("Opera"))});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(ended, 1);
+  EXPECT_TRUE(RunCommand(IDM_SELECT_BROWSER, {typeTitle("Opera")}));
 }
 
 // Launching: the named program, and the message when it cannot be started.
 TEST_F(ScanHtmlCommand, BrowserThatCannotBeStartedIsReported) {
   StoreSetting(Settings().browserProgram, dir_.File("no-such-browser.exe"));
-  const ModalResult result = RunModal([] { OpenInBrowser("C:\\page.htm"); }, {Press("OK")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen.at(0).MessageText(), kCantOpenBrowserText);
+  ASSERT_TRUE(Run([] { OpenInBrowser("C:\\page.htm"); }, {Press("OK")}));
+  EXPECT_EQ(Message(), kCantOpenBrowserText);
   EXPECT_EQ(Settings().browserKind, kBrowserOther);
-}
-
-struct FoundWindow {
-  std::string part;
-  HWND window = nullptr;
-};
-
-BOOL CALLBACK FindOtherProcessWindow(HWND w, LPARAM param) {
-  auto* found = reinterpret_cast<FoundWindow*>(param);
-  DWORD process = 0;
-  GetWindowThreadProcessId(w, &process);
-  if (process == GetCurrentProcessId() || !IsWindowVisible(w)) return TRUE;
-  if (WindowText(w).find(found->part) == std::string::npos) return TRUE;
-  found->window = w;
-  return FALSE;
 }
 
 // Netscape is not there: the page opens in Internet Explorer, which stays the kind.
@@ -641,17 +427,13 @@ TEST_F(ScanHtmlCommand, MissingNetscapeGivesWayToInternetExplorerForGood) {
   Settings().browserKind = kBrowserNetscape;
   const std::string page = dir_.File("fallback.htm");
   WriteText(page, "<html><head><title>Fallback page</title></head><body>x</body></html>");
-  const ModalResult result = RunModal([&] { OpenInBrowser(page); }, {});
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  ASSERT_TRUE(Run([&] { OpenInBrowser(page); }, {}));
   EXPECT_EQ(Settings().browserKind, kBrowserExplorer);
-  FoundWindow explorer{"Internet Explorer"};
-  EXPECT_TRUE(PumpUntil([&] {
-    EnumWindows(FindOtherProcessWindow, reinterpret_cast<LPARAM>(&explorer));
-    return explorer.window != nullptr;
-  }, 30000));
+  const AddressBar explorer = WaitForBrowser("fallback.htm", 30000);
+  ASSERT_NE(explorer.browser, nullptr);
   // Closed before the next test, whose browser windows it would stand among.
-  if (explorer.window) PostMessageA(explorer.window, WM_CLOSE, 0, 0);
-  EXPECT_TRUE(PumpUntil([&] { return !IsWindow(explorer.window); }, 30000));
+  PostMessageA(explorer.browser, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(PumpUntil([&] { return !IsWindow(explorer.browser); }, 30000));
 }
 
 }  // namespace

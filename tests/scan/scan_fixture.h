@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -71,21 +72,81 @@ inline std::string BrowserOpened(const TempDir& dir) {
   return FileExists(file) ? ReadText(file) : std::string();
 }
 
-// A stand-in browser window titled `caption` whose address bar shows `address`.
-inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address) {
-  HINSTANCE instance = GetModuleHandleA(nullptr);
+// Registered once per process; a test may have taken it away.
+inline void RegisterBrowserClass() {
   WNDCLASSA wc{};
-  if (!GetClassInfoA(instance, kBrowserClass, &wc)) {
-    wc.lpfnWndProc = DefWindowProcA;
-    wc.hInstance = instance;
-    wc.lpszClassName = kBrowserClass;
-    RegisterClassA(&wc);
-  }
+  if (GetClassInfoA(GetModuleHandleA(nullptr), kBrowserClass, &wc)) return;
+  wc.lpfnWndProc = DefWindowProcA;
+  wc.hInstance = GetModuleHandleA(nullptr);
+  wc.lpszClassName = kBrowserClass;
+  RegisterClassA(&wc);
+}
+
+// A stand-in browser window titled `caption` whose address bar shows `address`.
+// Without `editAddressBar` the bar is drawn by the browser, as today's browsers do.
+inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address,
+                                     bool editAddressBar = true) {
+  RegisterBrowserClass();
+  HINSTANCE instance = GetModuleHandleA(nullptr);
   HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 300, 120,
                            nullptr, nullptr, instance, nullptr);
-  CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, instance,
-                  nullptr);
+  CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, instance, nullptr);
+  if (editAddressBar) {
+    CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, instance,
+                    nullptr);
+  }
   return w;
+}
+
+// Adds `name` as row `index` of a list view such as the Keys view.
+inline void InsertKeyRow(HWND list, int index, const std::string& name) {
+  LVITEMA item{};
+  item.mask = LVIF_TEXT;
+  item.iItem = index;
+  item.pszText = const_cast<char*>(name.c_str());
+  SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+// The download dialog closes by itself, often before anyone could see it.
+inline bool IsDownloadDialog(HWND window) {
+  return GetDlgItem(window, IDC_DOWNLOAD_STATUS) && GetDlgItem(window, IDC_DOWNLOAD_GROUP);
+}
+
+struct AddressBar {
+  std::string wanted;  // a part of the address
+  HWND browser = nullptr;
+  std::string text;
+};
+
+inline BOOL CALLBACK FindEdit(HWND child, LPARAM param) {
+  auto* bar = reinterpret_cast<AddressBar*>(param);
+  char cls[64] = {};
+  GetClassNameA(child, cls, sizeof(cls));
+  if (_stricmp(cls, "Edit") != 0) return TRUE;
+  const std::string text = WindowText(child);
+  if (text.find(bar->wanted) == std::string::npos) return TRUE;
+  bar->text = text;
+  return FALSE;
+}
+
+inline BOOL CALLBACK FindBrowser(HWND w, LPARAM param) {
+  auto* bar = reinterpret_cast<AddressBar*>(param);
+  if (!IsWindowVisible(w) || WindowText(w).find("Internet Explorer") == std::string::npos) return TRUE;
+  EnumChildWindows(w, FindEdit, param);
+  if (bar->text.empty()) return TRUE;
+  bar->browser = w;
+  return FALSE;
+}
+
+// An Internet Explorer window whose address bar holds `wanted`, once one shows it.
+inline AddressBar WaitForBrowser(const std::string& wanted, int timeoutMs) {
+  AddressBar bar;
+  bar.wanted = wanted;
+  PumpUntil([&] {
+    EnumWindows(FindBrowser, reinterpret_cast<LPARAM>(&bar));
+    return bar.browser != nullptr;
+  }, timeoutMs);
+  return bar;
 }
 
 class ScanTest : public MainWindowTest {
@@ -99,16 +160,11 @@ class ScanTest : public MainWindowTest {
     SharedDownloadRequest() = DownloadRequest{};
     UseStandInBrowser();
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    WNDCLASSA wc{};
-    wc.lpfnWndProc = DefWindowProcA;
-    wc.hInstance = Instance();
-    wc.lpszClassName = kBrowserClass;
-    RegisterClassA(&wc);
     EmptyTheClipboard();
   }
 
   void TearDown() override {
-    for (HWND w : browsers_) DestroyWindow(w);
+    CloseBrowsers();
     EmptyTheClipboard();
     MainWindowTest::TearDown();
   }
@@ -120,38 +176,39 @@ class ScanTest : public MainWindowTest {
     CloseClipboard();
   }
 
-  // A top-level window titled `caption` whose address bar shows `address`,
-  // placed just below the main window or below the previous stand-in. Without
-  // `editAddressBar` the bar is drawn by the browser, as today's browsers do.
+  // A stand-in browser placed just below the main window or below the previous one.
   HWND ShowBrowser(const std::string& caption, const std::string& address, bool editAddressBar = true) {
-    HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
-                             300, 120, nullptr, nullptr, Instance(), nullptr);
-    CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, Instance(), nullptr);
-    if (editAddressBar) {
-      CreateWindowExA(0, "Edit", address.c_str(), WS_CHILD | WS_VISIBLE, 40, 0, 250, 20, w, nullptr, Instance(),
-                      nullptr);
-    }
+    HWND w = ShowStandInBrowserWindow(caption, address, editAddressBar);
     SetWindowPos(w, browsers_.empty() ? window_ : browsers_.back(), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     browsers_.push_back(w);
     return w;
   }
 
+  void CloseBrowsers() {
+    for (HWND w : browsers_) DestroyWindow(w);
+    browsers_.clear();
+  }
+
+  // Runs `action`, answering its windows with `steps`; false, with what went
+  // wrong reported, when they were not the windows the steps expected.
+  bool Run(const std::function<void()>& action, std::vector<ModalStep> steps, ModalOptions options = {}) {
+    options.passOver = IsDownloadDialog;
+    result_ = RunModal(action, std::move(steps), options);
+    if (!result_.ok()) ADD_FAILURE() << result_.Describe();
+    return result_.ok();
+  }
+  bool RunCommand(WORD id, std::vector<ModalStep> steps) { return Run([&] { Command(id); }, std::move(steps)); }
+  std::string Message(std::size_t i = 0) const { return result_.seen.at(i).MessageText(); }
+
   // A key at the end of the table; it is also a row of the Keys view.
   int AddKey(const std::string& name, const std::string& searchNames, const std::string& selection,
              const std::string& description) {
-    KeyTable& keys = Keys();
-    const int index = keys.count++;
-    SetKeyField(keys, index, kName, name);
-    SetKeyField(keys, index, kSearchNames, searchNames);
-    SetKeyField(keys, index, kSelection, selection);
-    SetKeyField(keys, index, kDescription, description);
+    const int index = Keys().count++;
+    const std::string texts[kKeyFieldCount] = {name, searchNames, selection, description};
+    for (int f = 0; f < kKeyFieldCount; ++f) SetKeyField(Keys(), index, static_cast<KeyField>(f), texts[f]);
     SetDatabaseChanged(false);
-    LVITEMA item{};
-    item.mask = LVIF_TEXT;
-    item.iItem = index;
-    item.pszText = const_cast<char*>(name.c_str());
-    SendMessageA(App().keysView, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    InsertKeyRow(App().keysView, index, name);
     return index;
   }
 
@@ -173,6 +230,7 @@ class ScanTest : public MainWindowTest {
 
   std::vector<HWND> browsers_;
   std::string registry_;
+  ModalResult result_;
 };
 
 }  // namespace qb::test

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "base/app_state.h"
 #include "resources/resource.h"
@@ -26,15 +27,26 @@ class ScanOptionsDialog : public ::testing::Test {
   }
 };
 
-TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesAndCancelKeepsThem) {
+// Opened through the main window's command table as the Tools menu opens it.
+test::ModalResult OpenFromTheToolsMenu(std::vector<test::ModalStep> steps) {
+  return test::RunModal([] { LookupCommand(kMainCommandMap, App().mainWindow, MAKEWPARAM(IDM_SCAN_OPTIONS, 0), 0); },
+                        std::move(steps));
+}
+
+// Help opens its topic and leaves the dialog open; Cancel then keeps the choices.
+TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesHelpOpensItsTopicAndCancelKeepsThem) {
   Settings().askForSelect = {kAskNever, kAskAllways, kAskUnMatched, kAskAllways, 9};
   Settings().addKeys = {0, 1, 0, 1, 3};
   const AppSettings before = Settings();
-  const auto openFromTheToolsMenu = [] {
-    LookupCommand(kMainCommandMap, App().mainWindow, MAKEWPARAM(IDM_SCAN_OPTIONS, 0), 0);
-  };
-  const auto result = test::RunModal(openFromTheToolsMenu, {test::Press("Cancel")});
+  test::TempDir dir;
+  SetProgramDirectory(dir.path());
+  ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
+  test::HelpPage page;
+  bool stayedOpen = false;
+  const auto result = OpenFromTheToolsMenu({test::HelpThenCancel("Scan options", page, stayedOpen)});
   ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(page.heading, "Scan options");
+  EXPECT_TRUE(stayedOpen);
   const test::WindowSnapshot& dialog = result.seen.at(0);
   EXPECT_EQ(dialog.caption, "Quellbarrow - Scan HTML propertis");
   const auto expectChecked = [&](int firstId, int choices, const std::array<int, 5>& shown) {
@@ -54,32 +66,15 @@ TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesAndCancelKeepsThem) {
 }
 
 TEST_F(ScanOptionsDialog, OkStoresTheButtonsClickedInEachGroup) {
-  INT_PTR ended = -1;
-  const int clicks[] = {202, 204, 208, 210, 214, 216, 220, 224, 222};
   // Clicked as a user would: each auto radio button clears the others of its group.
-  const auto clickThenOk = [&](HWND dialog, const test::WindowSnapshot&) {
-    for (int id : clicks) PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
+  const auto clickThenOk = [](HWND dialog, const test::WindowSnapshot&) {
+    for (int id : {202, 204, 208, 210, 214, 216, 220, 224, 222}) PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
     PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
   };
-  const auto result =
-      test::RunModal([&] { ended = RunScanOptionsDialog(nullptr); }, {test::Custom(clickThenOk)});
+  const auto result = OpenFromTheToolsMenu({test::Custom(clickThenOk)});
   ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(ended, 1);
   EXPECT_EQ(Settings().askForSelect, (std::array<std::uint32_t, 5>{2, 1, 2, 1, 2}));
   EXPECT_EQ(Settings().addKeys, (std::array<std::uint32_t, 5>{1, 0, 1, 1, 1}));
-}
-
-TEST_F(ScanOptionsDialog, HelpOpensTheScanOptionsTopic) {
-  test::TempDir dir;
-  SetProgramDirectory(dir.path());
-  ASSERT_TRUE(test::CopyHelpFileTo(dir.path()));
-  test::HelpPage page;
-  bool stayedOpen = false;
-  const auto result = test::RunModal([] { RunScanOptionsDialog(nullptr); },
-                                     {test::HelpThenCancel("Scan options", page, stayedOpen)});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(page.heading, "Scan options");
-  EXPECT_TRUE(stayedOpen);
 }
 
 }  // namespace
