@@ -15,6 +15,8 @@
 namespace qb::test {
 
 using KeyTexts = std::array<std::string, kKeyFieldCount>;
+using Names = std::vector<std::string>;
+using KeyRows = std::vector<KeyTexts>;
 
 // Replaces the keys of `table` with `keys`.
 inline void FillTable(KeyTable& table, const std::vector<KeyTexts>& keys) {
@@ -65,8 +67,14 @@ inline std::string OneMessage(const char* caption = "", MessageIcon icon = Messa
   return messages[0].text;
 }
 
+inline Names NamesOf(const KeyTable& table) {
+  Names names;
+  for (int i = 0; i < KeysInUse(table); ++i) names.push_back(KeyFieldText(table, i, kName));
+  return names;
+}
+
 // Keys named by `names`, their other fields derived from the name.
-inline std::vector<KeyTexts> NamedKeys(const std::vector<std::string>& names) {
+inline std::vector<KeyTexts> NamedKeys(const Names& names) {
   std::vector<KeyTexts> keys;
   for (const std::string& n : names) keys.push_back({n, n + "-search", n + "-select", n + "-text"});
   return keys;
