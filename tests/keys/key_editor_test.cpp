@@ -106,7 +106,9 @@ TEST_F(KeyEditorTest, EachModeOpensWithItsKeyAndControls) {
     EXPECT_EQ(opened.seen[0].caption, "Quellbarrow - Keys");
     for (int id : {IDC_KEYEDIT_LIST, IDC_KEYEDIT_CREATE, IDC_KEYEDIT_SAVE, IDC_KEYEDIT_DELETE})
       EXPECT_EQ(opened.seen[0].Control(id)->enabled, row.keyControls) << id;
-    if (row.mode == kEditorAddPrepared) EXPECT_EQ(result, 0);
+    if (row.mode == kEditorAddPrepared) {
+      EXPECT_EQ(result, 0);
+    }
     EXPECT_EQ(TableTexts(Keys()), kThree);
     EXPECT_FALSE(DatabaseChanged());
     EXPECT_EQ(refills, 0);
@@ -140,7 +142,9 @@ TEST_F(KeyEditorTest, OkWithAnEmptyNameOrNoKeyChosen) {
       })));
     }
     const auto run = Open(row.mode, std::move(steps), &result);
-    if (row.refused) EXPECT_EQ(run.seen[1].MessageText(), kEmptyNameText);
+    if (row.refused) {
+      EXPECT_EQ(run.seen[1].MessageText(), kEmptyNameText);
+    }
     EXPECT_EQ(result, row.refused ? 0 : 1);
     EXPECT_EQ(TableTexts(Keys()), kThree);
     EXPECT_EQ(DatabaseChanged(), !row.refused);

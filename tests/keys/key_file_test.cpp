@@ -22,7 +22,6 @@ namespace qb::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using Keys = std::vector<KeyTexts>;
 
 // Database images built by hand.
 struct Image {
@@ -41,15 +40,15 @@ struct Image {
     for (const std::string& s : texts) U32(static_cast<std::uint32_t>(s.size())).Raw(s);
     return *this;
   }
-  Image& Add(const Keys& keys) {
+  Image& Add(const KeyRows& keys) {
     for (const KeyTexts& key : keys) Texts({key.begin(), key.end()});
     return *this;
   }
 };
 
 // Keys named k0, k1, ... with no other field.
-Keys Numbered(int n) {
-  Keys keys(n);
+KeyRows Numbered(int n) {
+  KeyRows keys(n);
   for (int i = 0; i < n; ++i) keys[i][kName] = "k" + std::to_string(i);
   return keys;
 }
@@ -69,7 +68,7 @@ class KeyFileTest : public ::testing::Test {
 TEST_F(KeyFileTest, WriteThenReadKeepsEveryFieldInOrder) {
   std::string allBytes;
   for (int c = 1; c < 256; ++c) allBytes.push_back(static_cast<char>(c));
-  const Keys keys = {
+  const KeyRows keys = {
       {"First name", "firstname, fname\r\nfirst", "", "John"},
       {"", "", "", ""},  // no fields at all, still a key
       {"Country", "country", "Germany\r\nFrance", std::string(kMaxFieldLength, 'x')},
@@ -135,7 +134,7 @@ TEST_F(KeyFileTest, MissingFileEmptiesTheSlotNameSilently) {
 TEST_F(KeyFileTest, DamagedFilesLoadWhatTheyHold) {
   const std::string tooMany =
       " keys, but a database can hold at most 2000.\nSaving it keeps only the keys loaded.\n";
-  const std::tuple<Bytes, Keys, std::string> cases[] = {
+  const std::tuple<Bytes, KeyRows, std::string> cases[] = {
       {Image(0).bytes, {}, ""},
       {Image(2000).Add(Numbered(2000)).bytes, Numbered(2000), ""},
       {Image(2001).Add(Numbered(2001)).bytes, Numbered(2000),
@@ -169,14 +168,14 @@ TEST_F(KeyFileTest, DamagedFilesLoadWhatTheyHold) {
 // A file cut at any byte loads the keys before the cut whole and, of the key that
 // was cut, the fields and the start of the text that are there.
 TEST_F(KeyFileTest, TruncatedFilesKeepWhatTheyHold) {
-  const Keys keys = {{"First", "first,fname", "", "John"}, {"Second", "", "Yes\r\nNo", "x"}};
+  const KeyRows keys = {{"First", "first,fname", "", "John"}, {"Second", "", "Yes\r\nNo", "x"}};
   OwnedTable full(keys);
   const Bytes bytes = DatabaseBytes(*full);
   for (std::size_t cut = 4; cut < bytes.size(); ++cut) {
     OwnedTable table;
     const LoadResult r = Load(Bytes(bytes.begin(), bytes.begin() + cut), table);
     ASSERT_TRUE(r.loaded() && r.endedEarly) << cut;
-    const Keys got = table.Texts();
+    const KeyRows got = table.Texts();
     ASSERT_LE(got.size(), keys.size());
     for (std::size_t k = 0; k < got.size(); ++k) {
       for (int f = 0; f < kKeyFieldCount; ++f) {
@@ -229,7 +228,7 @@ TEST(KeyText, FieldsAndRepeatedLines) {
                    "description One\ndescription\ndescription Three",
                    *table, error))
       << error;
-  EXPECT_EQ(table.Texts(), (Keys{{"First name", "fname, first\r\ngiven", "", ""},
+  EXPECT_EQ(table.Texts(), (KeyRows{{"First name", "fname, first\r\ngiven", "", ""},
                                  {"Country", "", "Germany\r\nFrance", "One\r\n\r\nThree"}}));
 }
 

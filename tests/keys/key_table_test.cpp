@@ -9,8 +9,6 @@
 namespace qb::test {
 namespace {
 
-using Names = std::vector<std::string>;
-
 class KeyTableTest : public ::testing::Test {
  protected:
   void SetUp() override {

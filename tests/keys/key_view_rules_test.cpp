@@ -11,14 +11,6 @@
 namespace qb::test {
 namespace {
 
-using Names = std::vector<std::string>;
-
-Names NamesOf(const KeyTable& table) {
-  Names names;
-  for (int i = 0; i < KeysInUse(table); ++i) names.push_back(KeyFieldText(table, i, kName));
-  return names;
-}
-
 // Each drop moves the key where DropTarget says; every key stays exactly once.
 TEST(KeyViewRulesTest, DropsLandBeforeRowsBelowAfterRowsAboveAndFirstInTheTopZone) {
   struct Case {

@@ -71,7 +71,10 @@ class KeysWindowTest : public MainWindowTest {
 
   static std::string Header() {
     char text[40] = {};
-    LVCOLUMNA column{LVCF_TEXT, 0, 0, text, sizeof(text)};
+    LVCOLUMNA column{};
+    column.mask = LVCF_TEXT;
+    column.pszText = text;
+    column.cchTextMax = sizeof(text);
     ListView_GetColumn(List(), 0, &column);
     return text;
   }
