@@ -23,9 +23,27 @@ class KeyListTest : public KeysWindowTest {
     SendMessageA(header, WM_LBUTTONUP, 0, at);
   }
 
+  static RECT RowRect(int row) {
+    RECT r{};
+    ListView_GetItemRect(List(), row, &r, LVIR_BOUNDS);
+    return r;
+  }
   static POINT RowPoint(int row) {
     const RECT r = RowRect(row);
     return POINT{r.left + 30, (r.top + r.bottom) / 2};
+  }
+  // A point on no row: below the last one.
+  static POINT BelowTheRows() {
+    const RECT r = RowRect(ListView_GetItemCount(List()) - 1);
+    return POINT{r.left + 30, r.bottom + 40};
+  }
+
+  // A left click on a row, as the mouse makes it.
+  static void ClickRow(int row) {
+    const POINT p = RowPoint(row);
+    SendMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+    SendMessageA(List(), WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+    Drain();
   }
 
   // Presses on row `from`, moves past the drag threshold and lets go at `drop`
@@ -144,7 +162,7 @@ TEST_F(KeyListTest, DropRules) {
   for (const auto& drop : drops) {
     SCOPED_TRACE(drop.what);
     OpenWith({"A", "B", "C", "D"});
-    POINT at = drop.onRow >= 0 ? RowPoint(drop.onRow) : POINT{RowPoint(3).x, RowRect(3).bottom + 40};
+    POINT at = drop.onRow >= 0 ? RowPoint(drop.onRow) : BelowTheRows();
     Drag(drop.from, at);
     EXPECT_FALSE(KeyDragInProgress());
     ExpectListed(drop.rows);
@@ -277,7 +295,7 @@ TEST_F(KeyListTest, RightClickOpensThePopupMenuOverARow) {
         Sleep(10);
       }
     });
-    const POINT at = overRow ? RowPoint(1) : POINT{RowPoint(2).x, RowRect(2).bottom + 40};
+    const POINT at = overRow ? RowPoint(1) : BelowTheRows();
     PostMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
     PostMessageA(List(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
     PumpUntil([&] { return items >= 0; }, overRow ? 3000 : 500);

@@ -81,24 +81,10 @@ class KeysWindowTest : public MainWindowTest {
 
   static bool Pressed(int button) { return DatabaseBarDescriptor().rows[button].pressed; }
 
-  static RECT RowRect(int row) {
-    RECT r{};
-    ListView_GetItemRect(List(), row, &r, LVIR_BOUNDS);
-    return r;
-  }
 
   static void SelectRow(int row) {
     ListView_SetItemState(List(), -1, 0, LVIS_SELECTED);
     ListView_SetItemState(List(), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-  }
-
-  // A left click on a row, as the mouse makes it.
-  static void ClickRow(int row) {
-    const RECT r = RowRect(row);
-    const LPARAM at = MAKELPARAM(r.left + 30, (r.top + r.bottom) / 2);
-    SendMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, at);
-    SendMessageA(List(), WM_LBUTTONUP, 0, at);
-    Drain();
   }
 
   // A command whose questions the steps answer.
