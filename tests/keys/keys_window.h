@@ -81,7 +81,6 @@ class KeysWindowTest : public MainWindowTest {
 
   static bool Pressed(int button) { return DatabaseBarDescriptor().rows[button].pressed; }
 
-
   static void SelectRow(int row) {
     ListView_SetItemState(List(), -1, 0, LVIS_SELECTED);
     ListView_SetItemState(List(), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
