@@ -4,11 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
-#include "keys/key_file.h"
 #include "tests/keys/key_test_util.h"
-#include "tests/keys/merge_reference.h"
 
 namespace qb::test {
 namespace {
@@ -159,37 +155,6 @@ TEST_F(KeyMergeTest, LimitsAndFailuresLoseNothing) {
   EXPECT_EQ(outcome.skipped, 1);
   EXPECT_EQ(small.Texts(), NamedKeys({"A"}));
   EXPECT_EQ(small->fields[kName][1], kNoBlock);
-}
-
-// Tables of a few hundred keys whose names collide often, merged in every mode:
-// the indexes give what walking every key gives.
-TEST_F(KeyMergeTest, IndexedMergeAgreesWithTheWalk) {
-  std::mt19937 rng(12);
-  const char* const pieces[] = {"a", "B", "b", "c", ",", " ", "\r\n", "\xC4", "\xE4"};
-  const auto text = [&](int pieceCount) {
-    std::string s;
-    for (int n = std::uniform_int_distribution<int>(0, pieceCount)(rng); n > 0; --n) s += pieces[rng() % 9];
-    return s;
-  };
-  const auto randomKeys = [&](int count) {
-    std::vector<KeyTexts> keys(count);
-    for (KeyTexts& k : keys) k = {text(3), text(12), text(10), text(2)};
-    return keys;
-  };
-  for (int mode = 0; mode < 3; ++mode) {
-    for (int round = 0; round < 4; ++round) {
-      const std::vector<KeyTexts> start = randomKeys(300);
-      OwnedTable indexed(start);
-      OwnedTable walked(start);
-      OwnedTable loaded(randomKeys(200));
-      std::vector<int> selected(150);
-      for (int& s : selected) s = static_cast<int>(rng() % 200);
-      const MergeOptions options{round != 1, round != 2, round != 3, static_cast<DuplicateMode>(mode)};
-      MergeKeys(*indexed, *loaded, selected, options);
-      ReferenceMerge(*walked, *loaded, selected, options);
-      ASSERT_EQ(DatabaseBytes(*indexed), DatabaseBytes(*walked)) << mode << " " << round;
-    }
-  }
 }
 
 }  // namespace
