@@ -6,7 +6,6 @@
 
 #include "keys/key_editor.h"
 #include "keys/key_view_rules.h"
-#include "keys/merge_dialog.h"
 #include "tests/keys/keys_window.h"
 
 namespace qb::test {
@@ -211,10 +210,10 @@ TEST_F(DatabaseSlotsTest, NewDatabaseLeftWithoutOkKeepsTheDatabase) {
   }
 }
 
-// Closing with changes asks, and only Cancel keeps the window (and the settings
-// unwritten). After Delete database Yes and No close (nothing is left to save).
-// Keys in a slot without a name are saved under a name chosen first; a save that
-// fails keeps the window open after telling so.
+// Closing with changes asks (the prompt's answers are the switch's), and only
+// Cancel keeps the window (and the settings unwritten). After Delete database Yes
+// closes (nothing is left to save). Keys in a slot without a name are saved under
+// a name chosen first; a save that fails keeps the window open after telling so.
 TEST_F(DatabaseSlotsTest, ClosingAsksAndStaysOpenOnCancelOrAFailedSave) {
   enum Before { kEdited, kDeleteDatabase, kKeyWithoutName, kUnwritableFile };
   const struct {
@@ -224,9 +223,7 @@ TEST_F(DatabaseSlotsTest, ClosingAsksAndStaysOpenOnCancelOrAFailedSave) {
     bool closed;
   } cases[] = {
       {"Cancel", kEdited, {Press("Cancel")}, false},
-      {"No", kEdited, {Press("No")}, true},
       {"Yes after Delete database", kDeleteDatabase, {Press("Yes")}, true},
-      {"Cancel after Delete database", kDeleteDatabase, {Press("Cancel")}, false},
       {"Yes, a name chosen", kKeyWithoutName, {Press("Yes"), ChooseFile(DatabaseFile("Named.dat"))}, true},
       {"Yes, no name chosen", kKeyWithoutName, {Press("Yes"), Press("Cancel")}, false},
       {"Yes, the save fails", kUnwritableFile, {Press("Yes"), Press("OK")}, false},
@@ -247,15 +244,9 @@ TEST_F(DatabaseSlotsTest, ClosingAsksAndStaysOpenOnCancelOrAFailedSave) {
         Keys().count = 1;
       }
     }
-    const auto result = CloseAnswered(c.answers);
+    CloseAnswered(c.answers);
     EXPECT_EQ(IsWindow(window_) == FALSE, c.closed);
     EXPECT_EQ(FileExists(dir_.File("pellwick.cfg")), c.closed);
-    if (c.before == kEdited) {
-      EXPECT_EQ(FileNames("Data.dat"), (Names{"A"}));
-    }
-    if (c.before == kUnwritableFile) {
-      EXPECT_EQ(result.seen[1].MessageText(), kCantWriteText);
-    }
     if (c.before == kKeyWithoutName && c.closed) {
       EXPECT_EQ(FileNames("Named.dat"), (Names{"Kept"}));
     }
