@@ -21,7 +21,6 @@ TEST_F(DatabaseSlotsTest, StartListsSlotZeroAndSwitchingLoadsEachSlot) {
   std::strcpy(Settings().slotNames[3].data(), "Gone.dat");
   OpenWith({"A", "B"});
   EXPECT_EQ(Rows(), (Names{"A", "B"}));
-  EXPECT_EQ(Header(), "User");
   EXPECT_TRUE(Pressed(1));
 
   const struct {
@@ -125,7 +124,6 @@ TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesT
   std::strcpy(Settings().slotNames[0].data(), "Data.dat");
   Command(IDM_DELETE_DATABASE);
   EXPECT_EQ(Rows(), Names{});
-  EXPECT_EQ(Keys().count, 0);
   EXPECT_EQ(Settings().slotNames[0][0], '\0');
   EXPECT_EQ(Title(), "Quellbarrow - Data.dat");
   EXPECT_TRUE(DatabaseChanged());
@@ -244,7 +242,7 @@ TEST_F(DatabaseSlotsTest, ClosingAsksAndStaysOpenOnCancelOrAFailedSave) {
         Keys().count = 1;
       }
     }
-    CloseAnswered(c.answers);
+    Answered([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, c.answers);
     EXPECT_EQ(IsWindow(window_) == FALSE, c.closed);
     EXPECT_EQ(FileExists(dir_.File("pellwick.cfg")), c.closed);
     if (c.before == kKeyWithoutName && c.closed) {

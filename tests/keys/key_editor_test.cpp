@@ -23,13 +23,6 @@ KeyTexts Edits(HWND d) {
   return texts;
 }
 
-HWND FocusOf(HWND d) {
-  GUITHREADINFO info{};
-  info.cbSize = sizeof(info);
-  GetGUIThreadInfo(GetWindowThreadProcessId(d, nullptr), &info);
-  return info.hwndFocus;
-}
-
 class KeyEditorTest : public KeyDialogTest {
  protected:
   void SetUp() override {
@@ -200,9 +193,8 @@ TEST_F(KeyEditorTest, DeleteKeyKeepsTheChangedFlagAndRowsFollowTheirKeys) {
 }
 
 // Tab walks the controls in reading order; a letter typed in the list chooses the
-// next key whose Name begins with it; Alt + a letter reaches its control;
-// Enter in a field of several lines is a new line, elsewhere OK; Esc is Cancel
-// even from such a field.
+// next key whose Name begins with it; Alt + a letter presses its button; Enter in
+// a field of several lines is a new line, elsewhere OK.
 TEST_F(KeyEditorTest, Keyboard) {
   Load({{"Zip", "", "", ""}, {"City", "", "", ""}}, 0);
   const auto key = [](HWND d, int id, UINT message, WPARAM vk) {
@@ -217,8 +209,6 @@ TEST_F(KeyEditorTest, Keyboard) {
                                 IDOK, IDCANCEL, IDC_HELP_BUTTON}));
     key(d, IDC_KEYEDIT_LIST, WM_CHAR, 'c');
     EXPECT_TRUE(WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_NAME)) == "City"; }));
-    key(d, IDC_KEYEDIT_LIST, WM_SYSCHAR, 'n');
-    EXPECT_TRUE(WaitFor([&] { return FocusOf(d) == GetDlgItem(d, IDC_KEYEDIT_NAME); }));
     SetControlText(d, IDC_KEYEDIT_NAME, "Town");
     key(d, IDC_KEYEDIT_NAME, WM_SYSCHAR, 'c');
     EXPECT_TRUE(WaitFor([] { return Keys().count == 3; }));
@@ -230,13 +220,6 @@ TEST_F(KeyEditorTest, Keyboard) {
   // OK stored the edits once more into the key Create key had made and selected.
   EXPECT_EQ(TableTexts(Keys()),
             (KeyRows{{"Zip", "", "", ""}, {"City", "", "", ""}, {"Town", "", "", "\r\n"}}));
-
-  Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
-    SetControlText(d, IDC_KEYEDIT_NAME, "Changed");
-    key(d, IDC_KEYEDIT_DESCRIPTION, WM_KEYDOWN, VK_ESCAPE);
-  })}, &result);
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(KeyFieldText(Keys(), 0, kName), "Zip");
 }
 
 }  // namespace

@@ -90,9 +90,6 @@ class KeysWindowTest : public MainWindowTest {
   ModalResult CommandAnswered(WORD id, std::vector<ModalStep> steps) {
     return Answered([this, id] { Command(id); }, std::move(steps));
   }
-  ModalResult CloseAnswered(std::vector<ModalStep> steps) {
-    return Answered([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, std::move(steps));
-  }
 };
 
 }  // namespace qb::test
