@@ -53,9 +53,8 @@ KeyRows Numbered(int n) {
   return keys;
 }
 
-class KeyFileTest : public ::testing::Test {
+class KeyFileTest : public KeyStateTest {
  protected:
-  void SetUp() override { TakeUserMessages(); }
   LoadResult Load(const Bytes& bytes, OwnedTable& table, SlotName* slot = nullptr) {
     WriteBytes(path_, bytes);
     return LoadDatabase(path_, *table, slot);

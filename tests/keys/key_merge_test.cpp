@@ -9,14 +9,7 @@
 namespace qb::test {
 namespace {
 
-class KeyMergeTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    TakeUserMessages();
-    SetDatabaseChanged(false);
-  }
-  void TearDown() override { FailNextTextBlockAllocations(0); }
-};
+class KeyMergeTest : public KeyStateTest {};
 
 TEST_F(KeyMergeTest, ListsAreSplitTrimmedAndCut) {
   const std::string longName(kMergeNameMax + 3, 'x');

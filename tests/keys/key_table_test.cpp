@@ -9,13 +9,7 @@
 namespace qb::test {
 namespace {
 
-class KeyTableTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    TakeUserMessages();
-    SetDatabaseChanged(false);
-  }
-};
+class KeyTableTest : public KeyStateTest {};
 
 TEST_F(KeyTableTest, FindByNameIgnoresCaseAndEmptyNames) {
   const std::tuple<Names, std::string, int> cases[] = {

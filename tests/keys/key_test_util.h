@@ -56,6 +56,17 @@ class OwnedTable {
   std::unique_ptr<KeyTable> table_;
 };
 
+// A test of the key code that starts with no message waiting and the database
+// unchanged, and leaves no allocation set to fail.
+class KeyStateTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    TakeUserMessages();
+    SetDatabaseChanged(false);
+  }
+  void TearDown() override { FailNextTextBlockAllocations(0); }
+};
+
 // The one message the last operation gave the user, checked for its caption and
 // icon; "" when there was none.
 inline std::string OneMessage(const char* caption = "", MessageIcon icon = MessageIcon::kNone) {
