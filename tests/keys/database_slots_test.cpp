@@ -134,7 +134,7 @@ TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesT
 // Selected rows of the one list move to the end of the other.
 ModalStep MoveRows(int fromList, std::vector<int> rows, int button) {
   return Custom([=](HWND dialog, const WindowSnapshot&) {
-    SelectOnly(GetDlgItem(dialog, fromList), rows);
+    SelectOnly(dialog, fromList, rows);
     ClickButton(dialog, button);
   });
 }

@@ -35,23 +35,17 @@ inline std::vector<std::string> ListTexts(HWND dialog, int listId) {
   return ListTexts(GetDlgItem(dialog, listId));
 }
 
-inline std::vector<int> SelectedRows(HWND list) {
+inline std::vector<int> SelectedRows(HWND dialog, int listId) {
   std::vector<int> rows;
+  HWND list = GetDlgItem(dialog, listId);
   for (int row = -1; (row = ListView_GetNextItem(list, row, LVNI_SELECTED)) >= 0;) rows.push_back(row);
   return rows;
 }
 
-inline std::vector<int> SelectedRows(HWND dialog, int listId) {
-  return SelectedRows(GetDlgItem(dialog, listId));
-}
-
-inline void SelectOnly(HWND list, const std::vector<int>& rows) {
+inline void SelectOnly(HWND dialog, int listId, const std::vector<int>& rows) {
+  HWND list = GetDlgItem(dialog, listId);
   ListView_SetItemState(list, -1, 0, LVIS_SELECTED);
   for (int row : rows) ListView_SetItemState(list, row, LVIS_SELECTED, LVIS_SELECTED);
-}
-
-inline void SelectOnly(HWND dialog, int listId, const std::vector<int>& rows) {
-  SelectOnly(GetDlgItem(dialog, listId), rows);
 }
 
 // A button pressed and its work done before this returns (for buttons that raise no box).
