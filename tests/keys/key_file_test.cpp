@@ -163,30 +163,6 @@ TEST_F(KeyFileTest, DamagedFilesLoadWhatTheyHold) {
   }
 }
 
-// A file cut at any byte loads the keys before the cut whole and, of the key that
-// was cut, the fields and the start of the text that are there.
-TEST_F(KeyFileTest, TruncatedFilesKeepWhatTheyHold) {
-  const KeyRows keys = {{"First", "first,fname", "", "John"}, {"Second", "", "Yes\r\nNo", "x"}};
-  OwnedTable full(keys);
-  const Bytes bytes = DatabaseBytes(*full);
-  for (std::size_t cut = 4; cut < bytes.size(); ++cut) {
-    OwnedTable table;
-    const LoadResult r = Load(Bytes(bytes.begin(), bytes.begin() + cut), table);
-    ASSERT_TRUE(r.loaded() && r.endedEarly) << cut;
-    const KeyRows got = table.Texts();
-    ASSERT_LE(got.size(), keys.size());
-    for (std::size_t k = 0; k < got.size(); ++k) {
-      for (int f = 0; f < kKeyFieldCount; ++f) {
-        const bool cutHere = r.lastKeyCut && k + 1 == got.size();
-        EXPECT_EQ(cutHere ? keys[k][f].substr(0, got[k][f].size()) : keys[k][f], got[k][f]) << cut;
-      }
-    }
-    EXPECT_EQ(OneMessage("", MessageIcon::kWarning)
-                  .rfind("This database file ends early.\nKeys loaded: ", 0),
-              0u);
-  }
-}
-
 TEST_F(KeyFileTest, FailedSaveKeepsTheOldDatabase) {
   OwnedTable table(NamedKeys({"Old"}));
   ASSERT_TRUE(SaveDatabase(path_, *table));
