@@ -116,15 +116,6 @@ TEST_F(KeyFileTest, WrongMagicIsRefusedWhateverTheSize) {
   }
 }
 
-TEST_F(KeyFileTest, MissingFileEmptiesTheSlotNameSilently) {
-  OwnedTable table;
-  SlotName slot{'G', 'o', 'n', 'e'};
-  EXPECT_EQ(LoadDatabase(dir_.File("Gone.dat"), *table, &slot).status,
-            DatabaseLoadStatus::kMissing);
-  EXPECT_EQ(slot, SlotName{});
-  EXPECT_EQ(OneMessage(), "");
-}
-
 // Past the magic a file loads what it holds, at most 2000 keys, and the user is
 // told what was wrong with it; the empty database (8 bytes) loads silently.
 // Lengths of 30000 and more carry no text: the reader takes the next four bytes as
