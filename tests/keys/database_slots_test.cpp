@@ -1,13 +1,11 @@
 // The database slots through the main window: switching with the databases bar's
 // buttons, the save prompt's answers, Open and Save As through the common file
-// dialog, Save and Delete database, New database's two dialogs, and closing.
-#include <chrono>
+// dialog, Save and Delete database, New database's two dialogs, closing, and the
+// key editor's changes in the Keys view.
 #include <cstring>
-#include <thread>
 
 #include "keys/key_editor.h"
 #include "keys/key_view_rules.h"
-#include "keys/merge_dialog.h"
 #include "tests/keys/keys_window.h"
 
 namespace qb::test {
@@ -23,25 +21,24 @@ TEST_F(DatabaseSlotsTest, StartListsSlotZeroAndSwitchingLoadsEachSlot) {
   std::strcpy(Settings().slotNames[3].data(), "Gone.dat");
   OpenWith({"A", "B"});
   EXPECT_EQ(Rows(), (Names{"A", "B"}));
-  EXPECT_EQ(Header(), "User");
   EXPECT_TRUE(Pressed(1));
 
   const struct {
-    WORD command;
     int slot;
     const char* title;
     Names rows;
   } steps[] = {
-      {IDM_DATABASE_FIRST + 2, 2, "Quellbarrow - Other.dat", {"X", "Y"}},
-      {IDM_DATABASE_FIRST + 1, 1, "Quellbarrow - Not Loaded", {}},
-      {IDM_DATABASE_FIRST + 3, 3, "Quellbarrow - Not Loaded", {}},  // its file is missing
-      {IDM_DATABASE_FIRST + 0, 0, "Quellbarrow - Data.dat", {"A", "B"}},
+      {2, "Quellbarrow - Other.dat", {"X", "Y"}},
+      {1, "Quellbarrow - Not Loaded", {}},
+      {3, "Quellbarrow - Not Loaded", {}},  // its file is missing
+      {0, "Quellbarrow - Data.dat", {"A", "B"}},
   };
   for (const auto& step : steps) {
-    Command(step.command);
+    SCOPED_TRACE(step.slot);
+    Command(IDM_DATABASE_FIRST + step.slot);
     EXPECT_EQ(CurrentSlot(), step.slot);
     EXPECT_EQ(Title(), step.title);
-    EXPECT_EQ(Rows(), step.rows) << step.title;
+    EXPECT_EQ(Rows(), step.rows);
     for (int button = 1; button <= kSlotCount; ++button) EXPECT_EQ(Pressed(button), button == step.slot + 1);
   }
   EXPECT_EQ(Settings().slotNames[3][0], '\0');  // a missing file empties its slot
@@ -52,75 +49,62 @@ TEST_F(DatabaseSlotsTest, StartListsSlotZeroAndSwitchingLoadsEachSlot) {
 TEST_F(DatabaseSlotsTest, SavePromptAnswers) {
   const struct {
     const char* answer;
-    WORD command;
-    int slot;
+    int target, slot;
     Names file, rows;
   } cases[] = {
-      {"Yes", IDM_DATABASE_FIRST + 1, 1, {"Edited", "B"}, {}},
-      {"No", IDM_DATABASE_FIRST + 1, 1, {"A", "B"}, {}},
-      {"No", IDM_DATABASE_FIRST + 0, 0, {"A", "B"}, {"A", "B"}},
-      {"Cancel", IDM_DATABASE_FIRST + 1, 0, {"A", "B"}, {"Edited", "B"}},
+      {"Yes", 1, 1, {"Edited", "B"}, {}},
+      {"No", 1, 1, {"A", "B"}, {}},
+      {"No", 0, 0, {"A", "B"}, {"A", "B"}},
+      {"Cancel", 1, 0, {"A", "B"}, {"Edited", "B"}},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.answer);
     OpenWith({"A", "B"});
     SetKeyField(Keys(), 0, kName, "Edited");
-    const auto result = CommandAnswered(c.command, {Press(c.answer)});
-    ASSERT_TRUE(result.ok()) << result.Describe();
+    const auto result = CommandAnswered(IDM_DATABASE_FIRST + c.target, {Press(c.answer)});
     EXPECT_EQ(result.seen[0].caption, "Question");
     EXPECT_EQ(result.seen[0].MessageText(), kDataPrompt);
-    EXPECT_EQ(FileNames("Data.dat"), c.file) << c.answer;
-    EXPECT_EQ(CurrentSlot(), c.slot) << c.answer;
-    EXPECT_EQ(Rows(), c.rows) << c.answer;
+    EXPECT_EQ(FileNames("Data.dat"), c.file);
+    EXPECT_EQ(CurrentSlot(), c.slot);
+    EXPECT_EQ(Rows(), c.rows);
     EXPECT_EQ(DatabaseChanged(), std::string(c.answer) == "Cancel");
-    EXPECT_EQ(Pressed(c.slot + 1), true) << c.answer;
-    EXPECT_EQ(Pressed(2), c.slot == 1) << c.answer;
+    for (int button = 1; button <= 2; ++button) EXPECT_EQ(Pressed(button), button == c.slot + 1);
   }
 }
 
+// Save As names the slot after the file chosen; in a slot that had no name the
+// keys come back into view (found by the careless-user run: a fill, here a sort
+// change, hid them and they stayed out of the view).
 TEST_F(DatabaseSlotsTest, SaveAsAndOpenGoThroughTheFileDialog) {
   WriteDatabase("Other.dat", NamedKeys({"X"}));
   OpenWith({"A", "B"});
   SetKeyField(Keys(), 1, kName, "Bee");
-  auto result = CommandAnswered(IDM_SAVEAS_DATABASE, {ChooseFile(DatabaseFile("Copy.dat"))});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].caption, "Quellbarrow database");
+  CurrentSlotName().fill('\0');
+  FillKeyList();
+  ASSERT_EQ(Rows(), Names{});
+  CommandAnswered(IDM_SAVEAS_DATABASE, {ChooseFile(DatabaseFile("Copy.dat"))});
   EXPECT_EQ(FileNames("Copy.dat"), (Names{"A", "Bee"}));
+  EXPECT_EQ(Rows(), (Names{"A", "Bee"}));
   EXPECT_EQ(FileNames("Data.dat"), (Names{"A", "B"}));
   EXPECT_STREQ(Settings().slotNames[0].data(), "Copy.dat");
   EXPECT_FALSE(DatabaseChanged());
 
-  result = CommandAnswered(IDM_OPEN_DATABASE, {ChooseFile(DatabaseFile("Other.dat"))});
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  CommandAnswered(IDM_OPEN_DATABASE, {ChooseFile(DatabaseFile("Other.dat"))});
   EXPECT_EQ(Title(), "Quellbarrow - Other.dat");
   EXPECT_EQ(Rows(), (Names{"X"}));
 
   // With changes, the prompt already names the chosen file, and Yes writes there.
   WriteDatabase("Third.dat", NamedKeys({"T"}));
   SetKeyField(Keys(), 0, kName, "Changed");
-  result = CommandAnswered(IDM_OPEN_DATABASE, {ChooseFile(DatabaseFile("Third.dat")), Press("Yes")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  const auto result = CommandAnswered(IDM_OPEN_DATABASE, {ChooseFile(DatabaseFile("Third.dat")), Press("Yes")});
   EXPECT_EQ(result.seen[1].MessageText(), "Database Third.dat.dat was changed\nDo you want to save it?");
   EXPECT_EQ(FileNames("Third.dat"), (Names{"Changed"}));
   EXPECT_EQ(FileNames("Other.dat"), (Names{"X"}));
   EXPECT_EQ(Rows(), (Names{"Changed"}));
 
   // A cancelled dialog changes nothing.
-  result = CommandAnswered(IDM_OPEN_DATABASE, {Press("Cancel")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  CommandAnswered(IDM_OPEN_DATABASE, {Press("Cancel")});
   EXPECT_STREQ(Settings().slotNames[0].data(), "Third.dat");
-}
-
-// Found by the careless-user run: keys of a slot without a name (hidden by a
-// fill, here a sort change) stayed out of the view after Save As named the slot.
-TEST_F(DatabaseSlotsTest, SaveAsShowsTheKeysOfASlotThatHadNoName) {
-  OpenWith({"A", "B"});
-  CurrentSlotName().fill('\0');
-  FillKeyList();
-  ASSERT_EQ(Rows(), Names{});
-  const auto result = CommandAnswered(IDM_SAVEAS_DATABASE, {ChooseFile(DatabaseFile("Named.dat"))});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(FileNames("Named.dat"), (Names{"A", "B"}));
-  EXPECT_EQ(Rows(), (Names{"A", "B"}));
 }
 
 TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesTheFile) {
@@ -140,7 +124,6 @@ TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesT
   std::strcpy(Settings().slotNames[0].data(), "Data.dat");
   Command(IDM_DELETE_DATABASE);
   EXPECT_EQ(Rows(), Names{});
-  EXPECT_EQ(Keys().count, 0);
   EXPECT_EQ(Settings().slotNames[0][0], '\0');
   EXPECT_EQ(Title(), "Quellbarrow - Data.dat");
   EXPECT_TRUE(DatabaseChanged());
@@ -151,69 +134,35 @@ TEST_F(DatabaseSlotsTest, SaveNeedsANameOfFiveCharactersAndDeleteDatabaseLeavesT
 // Selected rows of the one list move to the end of the other.
 ModalStep MoveRows(int fromList, std::vector<int> rows, int button) {
   return Custom([=](HWND dialog, const WindowSnapshot&) {
-    HWND list = GetDlgItem(dialog, fromList);
-    LVITEMA none{};
-    none.stateMask = LVIS_SELECTED;
-    SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
-    for (int row : rows) {
-      LVITEMA item{};
-      item.stateMask = LVIS_SELECTED;
-      item.state = LVIS_SELECTED;
-      SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
-    }
+    SelectOnly(dialog, fromList, rows);
     ClickButton(dialog, button);
   });
-}
-
-Names DialogRows(HWND dialog, int id) {
-  HWND list = GetDlgItem(dialog, id);
-  Names rows;
-  const int count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
-  for (int row = 0; row < count; ++row) {
-    char text[300] = {};
-    LVITEMA item{};
-    item.pszText = text;
-    item.cchTextMax = sizeof(text);
-    SendMessageA(list, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
-    rows.push_back(text);
-  }
-  return rows;
 }
 
 TEST_F(DatabaseSlotsTest, NewDatabaseFromChosenKeysIsWrittenOnlyBySave) {
   WriteDatabase("Other.dat", NamedKeys({"X", "Y"}));
   OpenWith({"A", "B", "C"});
-  std::string group, startName;
-  Names loadedAfterMoves, newAfterMoves, loadedFromFile;
-  const auto result = CommandAnswered(IDM_NEW_DATABASE, {
+  CommandAnswered(IDM_NEW_DATABASE, {
       Custom([&](HWND dialog, const WindowSnapshot& snap) {
-        group = WindowText(GetDlgItem(dialog, IDC_MAKEDIR_GROUP));
-        startName = snap.Control(IDC_MAKEDIR_NAME)->text;
+        EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_MAKEDIR_GROUP)), "Type a new Database name");
+        EXPECT_EQ(snap.Control(IDC_MAKEDIR_NAME)->text, "Data.dat");
         SetControlText(dialog, IDC_MAKEDIR_NAME, "Fresh.dat");
         ClickButton(dialog, IDOK);
       }),
       MoveRows(IDC_NAMEKEY_LOADED, {0, 2}, IDC_NAMEKEY_ADD),
       Again(MoveRows(IDC_NAMEKEY_NEW, {0}, IDC_NAMEKEY_REMOVE)),
       Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-        loadedAfterMoves = DialogRows(dialog, IDC_NAMEKEY_LOADED);
-        newAfterMoves = DialogRows(dialog, IDC_NAMEKEY_NEW);
+        EXPECT_EQ(ListTexts(dialog, IDC_NAMEKEY_LOADED), (Names{"B", "A"}));
+        EXPECT_EQ(ListTexts(dialog, IDC_NAMEKEY_NEW), (Names{"C"}));
         ClickButton(dialog, IDC_NAMEKEY_LOAD);
       })),
       ChooseFile(DatabaseFile("Other.dat")),
       Again(MoveRows(IDC_NAMEKEY_LOADED, {1}, IDC_NAMEKEY_ADD)),
       Again(Custom([&](HWND dialog, const WindowSnapshot&) {
-        loadedFromFile = DialogRows(dialog, IDC_NAMEKEY_LOADED);
+        EXPECT_EQ(ListTexts(dialog, IDC_NAMEKEY_LOADED), (Names{"X"}));
         ClickButton(dialog, IDOK);
       })),
   });
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].caption, "Quellbarrow - New name");
-  EXPECT_EQ(group, "Type a new Database name");
-  EXPECT_EQ(startName, "Data.dat");
-  EXPECT_EQ(result.seen[1].caption, "Quellbarrow - New database");
-  EXPECT_EQ(loadedAfterMoves, (Names{"B", "A"}));
-  EXPECT_EQ(newAfterMoves, (Names{"C"}));
-  EXPECT_EQ(loadedFromFile, (Names{"X"}));
 
   EXPECT_EQ(Rows(), (Names{"C", "Y"}));
   EXPECT_EQ(Title(), "Quellbarrow - Fresh.dat");
@@ -224,107 +173,78 @@ TEST_F(DatabaseSlotsTest, NewDatabaseFromChosenKeysIsWrittenOnlyBySave) {
   EXPECT_EQ(FileNames("Fresh.dat"), (Names{"C", "Y"}));
 }
 
-TEST_F(DatabaseSlotsTest, NewDatabaseCancelledKeepsTheDatabase) {
-  OpenWith({"A", "B"});
-  auto result = CommandAnswered(IDM_NEW_DATABASE, {Press("Cancel")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  result = CommandAnswered(IDM_NEW_DATABASE, {Press("OK"), Press("Cancel")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_STREQ(Settings().slotNames[0].data(), "Data.dat");
-  EXPECT_EQ(Rows(), (Names{"A", "B"}));
-  EXPECT_FALSE(DatabaseChanged());
-  // An empty name ends the name dialog with nothing made, the slot left empty.
-  result = CommandAnswered(IDM_NEW_DATABASE, {Custom([](HWND dialog, const WindowSnapshot&) {
-                             SetControlText(dialog, IDC_MAKEDIR_NAME, "");
-                             ClickButton(dialog, IDOK);
-                           })});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(Settings().slotNames[0][0], '\0');
-}
-
-// Enter takes the name, Tab walks New database's controls in their order, Esc
-// leaves it with nothing made.
-TEST_F(DatabaseSlotsTest, NewDatabaseDialogsFromTheKeyboard) {
-  OpenWith({"A"});
-  std::vector<int> tabOrder;
-  const auto key = [](HWND window, WPARAM vk) {
-    PostMessageA(window, WM_KEYDOWN, vk, 0);
-    PostMessageA(window, WM_KEYUP, vk, 0);
+// Cancel in either dialog, Esc in the second (reached with Enter in the first,
+// its controls in Tab order) or an empty name leave with nothing made; the empty
+// name leaves the slot empty.
+TEST_F(DatabaseSlotsTest, NewDatabaseLeftWithoutOkKeepsTheDatabase) {
+  const auto key = [](HWND dialog, int id, WPARAM vk) {
+    PostMessageA(GetDlgItem(dialog, id), WM_KEYDOWN, vk, 0);
+    PostMessageA(GetDlgItem(dialog, id), WM_KEYUP, vk, 0);
   };
-  const auto result = CommandAnswered(IDM_NEW_DATABASE, {
-      Custom([&](HWND dialog, const WindowSnapshot&) { key(GetDlgItem(dialog, IDC_MAKEDIR_NAME), VK_RETURN); }),
-      Custom([&](HWND dialog, const WindowSnapshot&) {
-        HWND first = GetDlgItem(dialog, IDC_NAMEKEY_LOADED);
-        HWND at = first;
-        do {
-          tabOrder.push_back(GetDlgCtrlID(at));
-          at = GetNextDlgTabItem(dialog, at, FALSE);
-        } while (at && at != first && tabOrder.size() < 20);
-        key(first, VK_ESCAPE);
-      }),
-  });
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(tabOrder, (std::vector<int>{IDC_NAMEKEY_LOADED, IDC_NAMEKEY_ADD, IDC_NAMEKEY_REMOVE, IDC_NAMEKEY_LOAD,
-                                        IDC_NAMEKEY_NEW, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
-  EXPECT_STREQ(Settings().slotNames[0].data(), "Data.dat");
-  EXPECT_EQ(Rows(), (Names{"A"}));
+  const struct {
+    const char* what;
+    std::vector<ModalStep> steps;
+    const char* slotName;
+  } cases[] = {
+      {"Cancel", {Press("Cancel")}, "Data.dat"},
+      {"Enter, then Esc",
+       {Custom([&](HWND dialog, const WindowSnapshot&) { key(dialog, IDC_MAKEDIR_NAME, VK_RETURN); }),
+        Custom([&](HWND dialog, const WindowSnapshot&) {
+          EXPECT_EQ(TabOrder(dialog, IDC_NAMEKEY_LOADED),
+                    (std::vector<int>{IDC_NAMEKEY_LOADED, IDC_NAMEKEY_ADD, IDC_NAMEKEY_REMOVE, IDC_NAMEKEY_LOAD,
+                                      IDC_NAMEKEY_NEW, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
+          key(dialog, IDC_NAMEKEY_LOADED, VK_ESCAPE);
+        })},
+       "Data.dat"},
+      {"an empty name", {TypeAndOk("", IDC_MAKEDIR_NAME)}, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    OpenWith({"A", "B"});
+    CommandAnswered(IDM_NEW_DATABASE, c.steps);
+    EXPECT_STREQ(Settings().slotNames[0].data(), c.slotName);
+    EXPECT_EQ(Rows(), (Names{"A", "B"}));
+    EXPECT_FALSE(DatabaseChanged());
+  }
 }
 
-TEST_F(DatabaseSlotsTest, CloseAsksAndStaysOpenOnCancel) {
-  OpenWith({"A"});
-  SetKeyField(Keys(), 0, kName, "Edited");
-  auto result = RunModal([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, {Press("Cancel")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].MessageText(), kDataPrompt);
-  EXPECT_TRUE(IsWindow(window_));
-  EXPECT_FALSE(FileExists(dir_.File("pellwick.cfg")));
-
-  result = RunModal([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, {Press("No")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_FALSE(IsWindow(window_));
-  EXPECT_TRUE(FileExists(dir_.File("pellwick.cfg")));
-  EXPECT_EQ(FileNames("Data.dat"), (Names{"A"}));
-}
-
-// Closing after Delete database: Yes and No close (nothing is left to save),
-// Cancel stays. Keys in a slot without a name are saved under a name chosen
-// first; a save that fails keeps the window open after telling so.
-TEST_F(DatabaseSlotsTest, ClosingAfterDeleteDatabaseOrAFailedSave) {
-  enum Before { kDeleteDatabase, kKeyWithoutName, kUnwritableFile };
+// Closing with changes asks (the prompt's answers are the switch's), and only
+// Cancel keeps the window (and the settings unwritten). After Delete database Yes
+// closes (nothing is left to save). Keys in a slot without a name are saved under
+// a name chosen first; a save that fails keeps the window open after telling so.
+TEST_F(DatabaseSlotsTest, ClosingAsksAndStaysOpenOnCancelOrAFailedSave) {
+  enum Before { kEdited, kDeleteDatabase, kKeyWithoutName, kUnwritableFile };
   const struct {
     const char* what;
     Before before;
     std::vector<ModalStep> answers;
     bool closed;
   } cases[] = {
-      {"Yes", kDeleteDatabase, {Press("Yes")}, true},
-      {"No", kDeleteDatabase, {Press("No")}, true},
-      {"Cancel", kDeleteDatabase, {Press("Cancel")}, false},
+      {"Cancel", kEdited, {Press("Cancel")}, false},
+      {"Yes after Delete database", kDeleteDatabase, {Press("Yes")}, true},
       {"Yes, a name chosen", kKeyWithoutName, {Press("Yes"), ChooseFile(DatabaseFile("Named.dat"))}, true},
       {"Yes, no name chosen", kKeyWithoutName, {Press("Yes"), Press("Cancel")}, false},
       {"Yes, the save fails", kUnwritableFile, {Press("Yes"), Press("OK")}, false},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
     OpenWith({"A"});
+    DeleteFileA(dir_.File("pellwick.cfg").c_str());
+    SetKeyField(Keys(), 0, kName, "Edited");  // the changed flag outlives Delete database
     if (c.before == kUnwritableFile) {
-      SetKeyField(Keys(), 0, kName, "Edited");
       // A folder where the file was cannot be replaced by a file.
       ASSERT_TRUE(DeleteFileA(DatabaseFile("Data.dat").c_str()));
       ASSERT_TRUE(CreateDirectoryA(DatabaseFile("Data.dat").c_str(), nullptr));
-    } else {
-      SetKeyField(Keys(), 0, kName, "Edited");  // the changed flag outlives Delete database
+    } else if (c.before != kEdited) {
       Command(IDM_DELETE_DATABASE);
       if (c.before == kKeyWithoutName) {
         SetKeyField(Keys(), 0, kName, "Kept");
         Keys().count = 1;
       }
     }
-    const auto result = RunModal([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, c.answers);
-    ASSERT_TRUE(result.ok()) << c.what << "\n" << result.Describe();
-    EXPECT_EQ(IsWindow(window_) == FALSE, c.closed) << c.what;
-    if (c.before == kUnwritableFile) {
-      EXPECT_EQ(result.seen[1].MessageText(), kCantWriteText);
-    }
+    Answered([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, c.answers);
+    EXPECT_EQ(IsWindow(window_) == FALSE, c.closed);
+    EXPECT_EQ(FileExists(dir_.File("pellwick.cfg")), c.closed);
     if (c.before == kKeyWithoutName && c.closed) {
       EXPECT_EQ(FileNames("Named.dat"), (Names{"Kept"}));
     }
@@ -333,77 +253,47 @@ TEST_F(DatabaseSlotsTest, ClosingAfterDeleteDatabaseOrAFailedSave) {
 }
 
 // A box a dialog raises is the dialog's: while it is up, the dialog's buttons
-// clicked with the mouse do nothing, and the dialog carries on once it is answered.
+// clicked with the mouse do nothing (they reached the dialog under the box and
+// crashed it), and the dialog carries on once the box is answered.
 TEST_F(DatabaseSlotsTest, ButtonsBehindADialogsBoxDoNothing) {
-  std::vector<std::uint8_t> damaged = [this] {
-    WriteDatabase("Damaged.dat", NamedKeys({"One"}));
-    return ReadBytes(DatabaseFile("Damaged.dat"));
-  }();
-  damaged[4] = 2;  // the count says two keys, the file holds one
-  WriteBytes(DatabaseFile("Damaged.dat"), damaged);
-  WriteText(DatabaseFile("Bad.dat"), "not a database at all");
+  OpenWith({"A"});
   HWND dialog = nullptr;
-  const auto press = [&dialog](int id, const char* name = nullptr) {
-    return Custom([&dialog, id, name](HWND d, const WindowSnapshot&) {
-      dialog = d;
-      if (name) SetControlText(d, IDC_KEYEDIT_NAME, name);
-      ClickButton(d, id);
-    });
-  };
-  const struct {
-    const char* what;
-    WORD command;
-    std::vector<ModalStep> toBox;
-    std::string boxText;
-  } cases[] = {
-      {"Add / Compare", IDM_ADD_COMPARE, {press(IDC_MERGE_LOAD), ChooseFile(DatabaseFile("Damaged.dat"))},
-       "This database file ends early.\nKeys loaded: 1."},
-      {"key editor", IDM_ADD_KEY, {press(IDOK, "")}, kEmptyNameText},
-      {"New database", IDM_NEW_DATABASE, {Press("OK"), press(IDC_NAMEKEY_LOAD), ChooseFile(DatabaseFile("Bad.dat"))},
-       kNotADatabaseText},
-  };
-  for (const auto& c : cases) {
-    OpenWith({"A"});
-    MergeMemory() = MergeDialogMemory{};
-    HWND owner = nullptr;
-    bool carriedOn = false;
-    std::vector<ModalStep> steps = c.toBox;
-    steps.push_back(Custom([&](HWND box, const WindowSnapshot&) {
-      owner = GetWindow(box, GW_OWNER);
-      // Side by side, so that each click lands where it aims.
-      SetWindowPos(dialog, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-      RECT d;
-      GetWindowRect(dialog, &d);
-      SetWindowPos(box, nullptr, d.right + 10, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-      ClickWithMouse(GetDlgItem(dialog, IDCANCEL));
-      ClickWithMouse(GetDlgItem(dialog, IDOK));
-      ClickWithMouse(GetDlgItem(box, IDOK));
-      // Should the pointer have missed, the box is answered all the same.
-      const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(3);
-      while (IsWindow(box) && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-      if (IsWindow(box)) ClickButton(box, IDOK);
-    }));
-    steps.push_back(Again(Custom([&](HWND d, const WindowSnapshot&) {
-      carriedOn = d == dialog;
-      ClickButton(d, IDCANCEL);
-    })));
-    const auto result = CommandAnswered(c.command, steps);
-    ASSERT_TRUE(result.ok()) << c.what << "\n" << result.Describe();
-    EXPECT_EQ(result.seen[c.toBox.size()].MessageText(), c.boxText) << c.what;
-    EXPECT_EQ(owner, dialog) << c.what;
-    EXPECT_TRUE(carriedOn) << c.what;
-    EXPECT_EQ(TableNames(), (Names{"A"})) << c.what;
-  }
-  MergeMemory() = MergeDialogMemory{};
+  HWND owner = nullptr;
+  const auto result = CommandAnswered(IDM_ADD_KEY, {
+      Custom([&](HWND d, const WindowSnapshot&) {
+        dialog = d;
+        SetControlText(d, IDC_KEYEDIT_NAME, "");
+        SetControlText(d, IDC_KEYEDIT_SEARCH, "typed");
+        ClickButton(d, IDOK);
+      }),
+      Custom([&](HWND box, const WindowSnapshot&) {
+        owner = GetWindow(box, GW_OWNER);
+        // Side by side, so that each click lands where it aims.
+        SetWindowPos(dialog, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        RECT d;
+        GetWindowRect(dialog, &d);
+        SetWindowPos(box, nullptr, d.right + 10, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        ClickWithMouse(GetDlgItem(dialog, IDCANCEL));
+        ClickWithMouse(GetDlgItem(dialog, IDOK));
+        ClickWithMouse(GetDlgItem(box, IDOK));
+        // Should the pointer have missed, the box is answered all the same.
+        if (!WaitFor([box] { return !IsWindow(box); })) ClickButton(box, IDOK);
+      }),
+      Again(Custom([&](HWND d, const WindowSnapshot&) {
+        EXPECT_EQ(d, dialog);
+        EXPECT_EQ(WindowText(GetDlgItem(d, IDC_KEYEDIT_SEARCH)), "typed");  // what was typed is kept
+        ClickButton(d, IDCANCEL);
+      })),
+  });
+  EXPECT_EQ(result.seen[1].MessageText(), kEmptyNameText);
+  EXPECT_EQ(owner, dialog);
+  EXPECT_EQ(NamesOf(Keys()), (Names{"A"}));
 }
 
 // Ctrl+2 reaches the slot from the key list, as the message loop translates it.
 TEST_F(DatabaseSlotsTest, AcceleratorFromTheKeyListSwitchesSlots) {
   OpenWith({"A"});
   HACCEL accelerators = LoadAcceleratorsA(Instance(), kMainClassName);
-  ASSERT_TRUE(accelerators);
-  SetFocus(List());
   BYTE keys[256] = {};
   GetKeyboardState(keys);
   keys[VK_CONTROL] = 0x80;
@@ -412,76 +302,39 @@ TEST_F(DatabaseSlotsTest, AcceleratorFromTheKeyListSwitchesSlots) {
   EXPECT_TRUE(TranslateAcceleratorA(msg.hwnd, accelerators, &msg));
   keys[VK_CONTROL] = 0;
   SetKeyboardState(keys);
-  Drain();
   EXPECT_EQ(CurrentSlot(), 1);
-  EXPECT_EQ(Title(), "Quellbarrow - Not Loaded");
 }
 
-}  // namespace
-}  // namespace qb::test
-
-namespace qb::test {
-namespace {
-
-// The key editor and the Keys view together: a key added through the editor and
-// a key changed in it show in the main window's list at once.
-TEST_F(DatabaseSlotsTest, KeysAddedAndChangedInTheEditorShowInTheKeysView) {
-  OpenWith({"A", "B"});
-  ModalResult result = RunModal(
-      [this] { SendMessageA(window_, WM_COMMAND, MAKEWPARAM(IDM_ADD_KEY, 0), 0); },
-      {Custom([](HWND editor, const WindowSnapshot&) {
-         SetControlText(editor, IDC_KEYEDIT_NAME, "C");
-         ClickButton(editor, IDOK);
-       })});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  Drain();
-  EXPECT_EQ(TableNames(), (Names{"A", "B", "C"}));
-  EXPECT_EQ(Rows(), (Names{"A", "B", "C"}));
-
-  ListView_SetItemState(List(), 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-  result = RunModal(
-      [this] { SendMessageA(window_, WM_COMMAND, MAKEWPARAM(IDM_MODIFY_KEY, 0), 0); },
-      {Custom([](HWND editor, const WindowSnapshot& shown) {
-         EXPECT_EQ(shown.Control(IDC_KEYEDIT_NAME)->text, "B");
-         SetControlText(editor, IDC_KEYEDIT_NAME, "Bee");
-         ClickButton(editor, IDOK);
-       })});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  Drain();
-  EXPECT_EQ(Rows(), (Names{"A", "Bee", "C"}));
-}
-
-// OK in the editor leaves the Keys view as it was but for the new key's row: a key
-// added to a slot without a name stays listed, the selected row (the scan's
-// current key) stays selected, and a sorted order is not applied in between.
-TEST_F(DatabaseSlotsTest, EditorOkKeepsTheKeysViewItsSelectionAndOrder) {
+// OK in the key editor shows the key at once and leaves the Keys view as it was
+// but for that key's row: a key added to a slot without a name stays listed, the
+// selected row (the scan's current key) stays selected, and a sorted order is not
+// applied in between. Modify changes the selected row's key.
+TEST_F(DatabaseSlotsTest, EditorOkShowsTheKeyAndKeepsTheKeysViewItsSelectionAndOrder) {
   const struct {
     const char* what;
+    WORD command;
     bool deleteDatabase;
     int sortOrder;
     int selected;  // -1: no row
     Names rows;
   } cases[] = {
-      {"slot without a name", true, kSortUser, -1, {"a"}},
-      {"selected row", false, kSortUser, 1, {"b", "c", "a"}},
-      {"ascending order", false, kSortAscending, 1, {"b", "c", "a"}},
+      {"added to a slot without a name", IDM_ADD_KEY, true, kSortUser, -1, {"a"}},
+      {"added beside a selected row", IDM_ADD_KEY, false, kSortUser, 1, {"b", "c", "a"}},
+      {"added in ascending order", IDM_ADD_KEY, false, kSortAscending, 1, {"b", "c", "a"}},
+      {"the selected key modified", IDM_MODIFY_KEY, false, kSortUser, 1, {"b", "a"}},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
     OpenWith({"b", "c"});
     SetKeySortOrder(c.sortOrder);
     FillKeyList();
     if (c.deleteDatabase) Command(IDM_DELETE_DATABASE);
     if (c.selected >= 0) SelectRow(c.selected);
-    const auto result = CommandAnswered(IDM_ADD_KEY, {Custom([](HWND editor, const WindowSnapshot&) {
-                                          SetControlText(editor, IDC_KEYEDIT_NAME, "a");
-                                          ClickButton(editor, IDOK);
-                                        })});
-    ASSERT_TRUE(result.ok()) << c.what << "\n" << result.Describe();
+    CommandAnswered(c.command, {TypeAndOk("a")});
     Drain();
-    EXPECT_EQ(Rows(), c.rows) << c.what;
-    EXPECT_EQ(TableNames(), c.rows) << c.what;
-    EXPECT_EQ(ListView_GetNextItem(List(), -1, LVNI_SELECTED), c.selected) << c.what;
-    EXPECT_EQ(SelectedKey(), c.selected >= 0 ? c.selected : kNoKey) << c.what;
+    ExpectListed(c.rows);
+    EXPECT_EQ(ListView_GetNextItem(List(), -1, LVNI_SELECTED), c.selected);
+    EXPECT_EQ(SelectedKey(), c.selected >= 0 ? c.selected : kNoKey);
   }
   SetKeySortOrder(kSortUser);
 }

@@ -6,22 +6,20 @@
 #include <fuzzer/FuzzedDataProvider.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <set>
 #include <string>
 
 #include "keys/key_file.h"
 #include "tests/keys/merge_reference.h"
+#include "tests/keys/table_check.h"
 
 namespace {
+
+using qb::test::Check;
+using qb::test::CheckTable;
 
 qb::KeyTable g_table;
 qb::KeyTable g_reference;
 qb::KeyTable g_loaded;
-
-void Check(bool ok) {
-  if (!ok) std::abort();
-}
 
 // Short texts from pieces that collide often: letters that fold to each other,
 // the separators of both lists, and now and then a name past the 512 limit.
@@ -45,19 +43,6 @@ void Fill(FuzzedDataProvider& in, qb::KeyTable& table) {
     for (int f = 0; f < qb::kKeyFieldCount; ++f) qb::SetKeyField(table, k, static_cast<qb::KeyField>(f), Text(in));
   }
   table.count = keys;
-}
-
-void CheckTable(const qb::KeyTable& table) {
-  Check(table.count >= 0 && table.count <= qb::kMaxKeys);
-  std::set<qb::TextBlock> seen;
-  for (const auto& field : table.fields) {
-    for (int i = 0; i < qb::kMaxKeys; ++i) {
-      if (field[i] == qb::kNoBlock) continue;
-      Check(i < table.count && qb::IsTextBlock(field[i]) && seen.insert(field[i]).second);
-      qb::TextLock lock(field[i]);
-      Check(lock.text().size() + 2 <= qb::TextBlockSize(field[i]) && lock.text().size() <= qb::kMaxFieldLength);
-    }
-  }
 }
 
 }  // namespace

@@ -6,26 +6,16 @@
 #include <gtest/gtest.h>
 #include <commctrl.h>
 
-#include <chrono>
-#include <thread>
-
-#include "base/app_state.h"
 #include "keys/key_clipboard.h"
 #include "keys/key_rows.h"
 #include "keys/merge_dialog.h"
 #include "resources/resource.h"
 #include "tests/keys/key_test_util.h"
-#include "tests/keys/list_rows_util.h"
-#include "tests/support/gui_helper.h"
+#include "tests/keys/dialog_util.h"
 #include "tests/support/main_window.h"
 
 namespace qb::test {
 namespace {
-
-int g_refills = 0;
-void CountRefill() { ++g_refills; }
-
-using Texts = std::vector<std::string>;
 
 KeyTexts Edits(HWND d) {
   KeyTexts texts;
@@ -33,49 +23,20 @@ KeyTexts Edits(HWND d) {
   return texts;
 }
 
-// A button pressed and its work done before this returns (for buttons that raise no box).
-void PressNow(HWND d, int id) {
-  SendMessageA(d, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(d, id)));
-}
-
-// Polls from the watcher thread until the dialog's thread has done its part.
-bool WaitFor(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return true;
-}
-
-HWND FocusOf(HWND d) {
-  GUITHREADINFO info{};
-  info.cbSize = sizeof(info);
-  GetGUIThreadInfo(GetWindowThreadProcessId(d, nullptr), &info);
-  return info.hwndFocus;
-}
-
-class KeyEditorTest : public ::testing::Test {
+class KeyEditorTest : public KeyDialogTest {
  protected:
   void SetUp() override {
+    KeyDialogTest::SetUp();
     App().instance = GetModuleHandleA(nullptr);
-    App().mainWindow = nullptr;
-    UseMessageBoxes();
-    SetDatabaseChanged(false);
-    SetKeyListRefill(CountRefill);
-    g_refills = 0;
   }
   void TearDown() override {
     if (App().keysView) DestroyWindow(App().keysView);
     App().keysView = nullptr;
-    ClearAllKeys(Keys());
-    SetDatabaseChanged(false);
-    SetUserMessageSink(nullptr);
-    SetKeyListRefill(nullptr);
+    KeyDialogTest::TearDown();
   }
 
   // The table, and the Keys view listing it with `selected` (-1: none) selected.
-  void Load(const std::vector<KeyTexts>& keys, int selected = -1) {
+  void Load(const KeyRows& keys, int selected = -1) {
     FillTable(Keys(), keys);
     if (App().keysView) DestroyWindow(App().keysView);
     HWND view = CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT | LVS_SINGLESEL, 0, 0, 200, 300,
@@ -89,7 +50,7 @@ class KeyEditorTest : public ::testing::Test {
   // Opens the editor as the no-match prompt does; `result` gets what it returned.
   static ModalResult Open(int mode, std::vector<ModalStep> steps, int* result = nullptr,
                           const std::string& name = "", const std::string& description = "") {
-    return RunModal(
+    return Answered(
         [&] {
           const int r = OpenKeyEditor(nullptr, mode, name, description);
           if (result) *result = r;
@@ -98,11 +59,11 @@ class KeyEditorTest : public ::testing::Test {
   }
   // Opens it as the main window's commands do.
   static ModalResult OpenByCommand(WORD id, std::vector<ModalStep> steps) {
-    return RunModal([id] { LookupCommand(kMainCommandMap, nullptr, MAKEWPARAM(id, 0), 0); }, std::move(steps));
+    return Answered([id] { LookupCommand(kMainCommandMap, nullptr, MAKEWPARAM(id, 0), 0); }, std::move(steps));
   }
 };
 
-const std::vector<KeyTexts> kThree = {
+const KeyRows kThree = {
     {"Zip", "zip,postcode", "", "12345"}, {"", "nameless", "", ""}, {"City", "city", "Berlin\r\nParis", ""}};
 
 // What each mode shows at opening. The key with no Name has no row; rows carry
@@ -114,35 +75,27 @@ TEST_F(KeyEditorTest, EachModeOpensWithItsKeyAndControls) {
     std::string name, description;
     KeyTexts edits;
     bool keyControls;  // the list and Create, Save, Delete key enabled
-    int listRow;
+    std::vector<int> listRows;  // selected
   };
   const Row rows[] = {
-      {kEditorAdd, 2, "", "", {}, false, -1},
-      {kEditorModify, 2, "", "", kThree[2], true, 1},
-      {kEditorModify, -1, "", "", {}, true, -1},
-      {kEditorAddPrepared, 0, "email", "me@example.org", {"email", "", "", "me@example.org"}, false, -1},
+      {kEditorAdd, 2, "", "", {}, false, {}},
+      {kEditorModify, 2, "", "", kThree[2], true, {1}},
+      {kEditorModify, -1, "", "", {}, true, {}},
+      {kEditorAddPrepared, 0, "email", "me@example.org", {"email", "", "", "me@example.org"}, false, {}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.mode * 10 + row.selected);
     Load(kThree, row.selected);
-    KeyTexts edits;
-    Texts listRows;
-    int listRow = -2;
     int result = -1;
     const ModalStep look = Custom([&](HWND d, const WindowSnapshot&) {
-      edits = Edits(d);
-      listRows = ListTexts(GetDlgItem(d, IDC_KEYEDIT_LIST));
-      listRow = SelectedRow(GetDlgItem(d, IDC_KEYEDIT_LIST));
+      EXPECT_EQ(Edits(d), row.edits);
+      EXPECT_EQ(ListTexts(d, IDC_KEYEDIT_LIST), (Names{"Zip", "City"}));
+      EXPECT_EQ(SelectedRows(d, IDC_KEYEDIT_LIST), row.listRows);
       ClickButton(d, IDCANCEL);
     });
     const auto opened = row.mode == kEditorAddPrepared
                             ? Open(row.mode, {look}, &result, row.name, row.description)
                             : OpenByCommand(row.mode == kEditorAdd ? IDM_ADD_KEY : IDM_MODIFY_KEY, {look});
-    ASSERT_TRUE(opened.ok()) << opened.Describe();
-    EXPECT_EQ(opened.seen[0].caption, "Quellbarrow - Keys");
-    EXPECT_EQ(edits, row.edits);
-    EXPECT_EQ(listRows, (Texts{"Zip", "City"}));
-    EXPECT_EQ(listRow, row.listRow);
     for (int id : {IDC_KEYEDIT_LIST, IDC_KEYEDIT_CREATE, IDC_KEYEDIT_SAVE, IDC_KEYEDIT_DELETE})
       EXPECT_EQ(opened.seen[0].Control(id)->enabled, row.keyControls) << id;
     if (row.mode == kEditorAddPrepared) {
@@ -150,48 +103,20 @@ TEST_F(KeyEditorTest, EachModeOpensWithItsKeyAndControls) {
     }
     EXPECT_EQ(TableTexts(Keys()), kThree);
     EXPECT_FALSE(DatabaseChanged());
-    EXPECT_EQ(g_refills, 0);
   }
 }
 
-// OK with an empty Name is refused and keeps what was typed; modify mode with no
-// key chosen closes storing nothing, yet marks the database changed.
-TEST_F(KeyEditorTest, OkWithAnEmptyNameOrNoKeyChosen) {
-  struct Row {
-    int mode;
-    int selected;
-    bool refused;
-  };
-  for (const Row& row : {Row{kEditorAdd, -1, true}, Row{kEditorModify, 0, true}, Row{kEditorModify, -1, false}}) {
-    SCOPED_TRACE(row.mode * 10 + row.selected);
-    Load(kThree, row.selected);
-    g_refills = 0;
-    SetDatabaseChanged(false);
-    KeyTexts keptEdits;
-    int result = -1;
-    std::vector<ModalStep> steps = {Custom([](HWND d, const WindowSnapshot&) {
-      SetControlText(d, IDC_KEYEDIT_NAME, "");
-      SetControlText(d, IDC_KEYEDIT_SEARCH, "typed");
-      ClickButton(d, IDOK);
-    })};
-    if (row.refused) {
-      steps.push_back(Press("OK"));
-      steps.push_back(Again(Custom([&](HWND d, const WindowSnapshot&) {
-        keptEdits = Edits(d);
-        ClickButton(d, IDCANCEL);
-      })));
-    }
-    const auto run = Open(row.mode, std::move(steps), &result);
-    ASSERT_TRUE(run.ok()) << run.Describe();
-    if (row.refused) {
-      EXPECT_EQ(run.seen[1].MessageText(), kEmptyNameText);
-      EXPECT_EQ(keptEdits[kSearchNames], "typed");
-    }
-    EXPECT_EQ(result, row.refused ? 0 : 1);
-    EXPECT_EQ(TableTexts(Keys()), kThree);
-    EXPECT_EQ(DatabaseChanged(), !row.refused);
-    EXPECT_EQ(g_refills, 0);
-  }
+// Modify mode with no key chosen closes at OK storing nothing, even with an empty
+// Name, yet marks the database changed. (An empty Name is refused otherwise: see
+// the slots' test of the box over the editor.)
+TEST_F(KeyEditorTest, OkWithNoKeyChosenStoresNothing) {
+  Load(kThree);
+  int result = -1;
+  Open(kEditorModify, {TypeAndOk("")}, &result);
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(TableTexts(Keys()), kThree);
+  EXPECT_TRUE(DatabaseChanged());
+  EXPECT_EQ(refills, 0);
 }
 
 // Save key on a key: a Name that differs only in letter case is not taken; a new
@@ -201,7 +126,7 @@ TEST_F(KeyEditorTest, SaveKeyRenamesOnlyForANewNameAndClearsEmptiedFields) {
   struct Row {
     std::string typedName, typedDescription;
     KeyTexts stored;
-    Texts viewRows;
+    Names viewRows;
   };
   const Row rows[] = {
       {"ZIP", "", {"Zip", "zip,code", "a\r\nb", ""}, {"Zip", "zip", "Zip"}},
@@ -210,23 +135,17 @@ TEST_F(KeyEditorTest, SaveKeyRenamesOnlyForANewNameAndClearsEmptiedFields) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.typedName);
     Load({{"Zip", "zip", "", "old"}, {"zip", "", "", ""}, {"Zip", "", "", ""}}, 0);
-    Texts listRows, viewRows;
-    KeyTexts stored;
-    const auto run = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
+    Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
       SetControlText(d, IDC_KEYEDIT_NAME, row.typedName);
       SetControlText(d, IDC_KEYEDIT_SEARCH, "zip,code");
       SetControlText(d, IDC_KEYEDIT_SELECTION, "a\r\nb");
       SetControlText(d, IDC_KEYEDIT_DESCRIPTION, row.typedDescription);
       PressNow(d, IDC_KEYEDIT_SAVE);
-      stored = TableTexts(Keys())[0];
-      listRows = ListTexts(GetDlgItem(d, IDC_KEYEDIT_LIST));
-      viewRows = ListTexts(App().keysView);
+      EXPECT_EQ(ListTexts(d, IDC_KEYEDIT_LIST)[0], row.stored[kName]);
+      EXPECT_EQ(ListTexts(App().keysView), row.viewRows);
       ClickButton(d, IDCANCEL);
     })});
-    ASSERT_TRUE(run.ok()) << run.Describe();
-    EXPECT_EQ(stored, row.stored);
-    EXPECT_EQ(listRows[0], row.stored[kName]);
-    EXPECT_EQ(viewRows, row.viewRows);
+    EXPECT_EQ(TableTexts(Keys())[0], row.stored);
     EXPECT_EQ(KeyFieldBlock(Keys(), 0, kDescription) == kNoBlock, row.typedDescription.empty());
     // Paste key reads the last field the editor read, the Description.
     EXPECT_EQ(BufferText(KeyFieldBuffer()), row.typedDescription);
@@ -235,26 +154,18 @@ TEST_F(KeyEditorTest, SaveKeyRenamesOnlyForANewNameAndClearsEmptiedFields) {
 }
 
 TEST_F(KeyEditorTest, TheTwoThousandthKeyIsAcceptedAndTheNextRefused) {
-  std::vector<KeyTexts> keys;
+  KeyRows keys;
   for (int i = 0; i < kMaxKeys - 1; ++i) keys.push_back({"Key " + std::to_string(i), "", "", ""});
   Load(keys);
-  const auto typeName = [](const std::string& name) {
-    return Custom([name](HWND d, const WindowSnapshot&) {
-      SetControlText(d, IDC_KEYEDIT_NAME, name);
-      ClickButton(d, IDOK);
-    });
-  };
   int result = -1;
-  const auto last = Open(kEditorAdd, {typeName("Last")}, &result);
-  ASSERT_TRUE(last.ok()) << last.Describe();
+  Open(kEditorAdd, {TypeAndOk("Last")}, &result);
   EXPECT_EQ(result, 1);
   EXPECT_EQ(Keys().count, kMaxKeys);
   EXPECT_EQ(KeyFieldText(Keys(), kMaxKeys - 1, kName), "Last");
   EXPECT_EQ(KeyEditorNewKey(), kMaxKeys - 1);
   EXPECT_EQ(ListTexts(App().keysView).size(), static_cast<std::size_t>(kMaxKeys));
 
-  const auto refused = Open(kEditorAdd, {typeName("Extra"), Press("OK"), Again(Press("Cancel"))}, &result);
-  ASSERT_TRUE(refused.ok()) << refused.Describe();
+  const auto refused = Open(kEditorAdd, {TypeAndOk("Extra"), Press("OK"), Again(Press("Cancel"))}, &result);
   EXPECT_EQ(refused.seen[1].MessageText(), kNoRoomText);
   EXPECT_EQ(result, 0);
   EXPECT_EQ(Keys().count, kMaxKeys);
@@ -265,79 +176,50 @@ TEST_F(KeyEditorTest, TheTwoThousandthKeyIsAcceptedAndTheNextRefused) {
 // view; the rows after the deleted one still open their own keys.
 TEST_F(KeyEditorTest, DeleteKeyKeepsTheChangedFlagAndRowsFollowTheirKeys) {
   Load({{"A", "", "", "a"}, {"B", "", "", "b"}, {"C", "", "", "c"}}, 0);
-  KeyTexts loadedB, loadedC;
-  Texts listRows;
-  const auto run = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
+  Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
     HWND list = GetDlgItem(d, IDC_KEYEDIT_LIST);
     SelectRow(list, 1, true);
-    loadedB = Edits(d);
+    EXPECT_EQ(Edits(d), (KeyTexts{"B", "", "", "b"}));
     PressNow(d, IDC_KEYEDIT_DELETE);
-    listRows = ListTexts(list);
+    EXPECT_EQ(ListTexts(list), (Names{"A", "C"}));
     SelectRow(list, 1, true);
-    loadedC = Edits(d);
+    EXPECT_EQ(Edits(d), (KeyTexts{"C", "", "", "c"}));
     ClickButton(d, IDCANCEL);
   })});
-  ASSERT_TRUE(run.ok()) << run.Describe();
-  EXPECT_EQ(loadedB, (KeyTexts{"B", "", "", "b"}));
-  EXPECT_EQ(listRows, (Texts{"A", "C"}));
-  EXPECT_EQ(loadedC, (KeyTexts{"C", "", "", "c"}));
-  EXPECT_EQ(TableTexts(Keys()), (std::vector<KeyTexts>{{"A", "", "", "a"}, {"C", "", "", "c"}}));
+  EXPECT_EQ(TableTexts(Keys()), (KeyRows{{"A", "", "", "a"}, {"C", "", "", "c"}}));
   EXPECT_FALSE(DatabaseChanged());
-  EXPECT_EQ(ListTexts(App().keysView), (Texts{"A", "C"}));
-  EXPECT_EQ(g_refills, 0);
+  EXPECT_EQ(ListTexts(App().keysView), (Names{"A", "C"}));
+  EXPECT_EQ(refills, 0);
 }
 
 // Tab walks the controls in reading order; a letter typed in the list chooses the
-// next key whose Name begins with it; Alt + a letter reaches its control;
-// Enter in a field of several lines is a new line, elsewhere OK; Esc is Cancel
-// even from such a field.
+// next key whose Name begins with it; Alt + a letter presses its button; Enter in
+// a field of several lines is a new line, elsewhere OK.
 TEST_F(KeyEditorTest, Keyboard) {
   Load({{"Zip", "", "", ""}, {"City", "", "", ""}}, 0);
-  std::vector<int> tabOrder;
-  bool found = false, nameFocused = false, created = false, newLine = false;
   const auto key = [](HWND d, int id, UINT message, WPARAM vk) {
     // A repeat count of 1, and for WM_SYSCHAR the Alt key down, as typing gives them.
     PostMessageA(GetDlgItem(d, id), message, vk, message == WM_SYSCHAR ? (1 | 1 << 29) : 1);
   };
   int result = -1;
-  const auto entered = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
-    HWND first = GetDlgItem(d, IDC_KEYEDIT_LIST);
-    for (HWND at = first; at && tabOrder.size() < 20;) {
-      tabOrder.push_back(GetDlgCtrlID(at));
-      at = GetNextDlgTabItem(d, at, FALSE);
-      if (at == first) break;
-    }
+  Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
+    EXPECT_EQ(TabOrder(d, IDC_KEYEDIT_LIST),
+              (std::vector<int>{IDC_KEYEDIT_LIST, IDC_KEYEDIT_NAME, IDC_KEYEDIT_SEARCH, IDC_KEYEDIT_SELECTION,
+                                IDC_KEYEDIT_DESCRIPTION, IDC_KEYEDIT_CREATE, IDC_KEYEDIT_SAVE, IDC_KEYEDIT_DELETE,
+                                IDOK, IDCANCEL, IDC_HELP_BUTTON}));
     key(d, IDC_KEYEDIT_LIST, WM_CHAR, 'c');
-    found = WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_NAME)) == "City"; });
-    key(d, IDC_KEYEDIT_LIST, WM_SYSCHAR, 'n');
-    nameFocused = WaitFor([&] { return FocusOf(d) == GetDlgItem(d, IDC_KEYEDIT_NAME); });
+    EXPECT_TRUE(WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_NAME)) == "City"; }));
     SetControlText(d, IDC_KEYEDIT_NAME, "Town");
     key(d, IDC_KEYEDIT_NAME, WM_SYSCHAR, 'c');
-    created = WaitFor([] { return Keys().count == 3; });
+    EXPECT_TRUE(WaitFor([] { return Keys().count == 3; }));
     key(d, IDC_KEYEDIT_DESCRIPTION, WM_KEYDOWN, VK_RETURN);
-    newLine = WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_DESCRIPTION)) == "\r\n"; });
+    EXPECT_TRUE(WaitFor([&] { return WindowText(GetDlgItem(d, IDC_KEYEDIT_DESCRIPTION)) == "\r\n"; }));
     key(d, IDC_KEYEDIT_NAME, WM_KEYDOWN, VK_RETURN);
   })}, &result);
-  ASSERT_TRUE(entered.ok()) << entered.Describe();
-  EXPECT_EQ(tabOrder, (std::vector<int>{IDC_KEYEDIT_LIST, IDC_KEYEDIT_NAME, IDC_KEYEDIT_SEARCH, IDC_KEYEDIT_SELECTION,
-                                        IDC_KEYEDIT_DESCRIPTION, IDC_KEYEDIT_CREATE, IDC_KEYEDIT_SAVE,
-                                        IDC_KEYEDIT_DELETE, IDOK, IDCANCEL, IDC_HELP_BUTTON}));
-  EXPECT_TRUE(found);
-  EXPECT_TRUE(nameFocused);
-  EXPECT_TRUE(created);
-  EXPECT_TRUE(newLine);
   EXPECT_EQ(result, 1);
   // OK stored the edits once more into the key Create key had made and selected.
   EXPECT_EQ(TableTexts(Keys()),
-            (std::vector<KeyTexts>{{"Zip", "", "", ""}, {"City", "", "", ""}, {"Town", "", "", "\r\n"}}));
-
-  const auto escaped = Open(kEditorModify, {Custom([&](HWND d, const WindowSnapshot&) {
-    SetControlText(d, IDC_KEYEDIT_NAME, "Changed");
-    key(d, IDC_KEYEDIT_DESCRIPTION, WM_KEYDOWN, VK_ESCAPE);
-  })}, &result);
-  ASSERT_TRUE(escaped.ok()) << escaped.Describe();
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(KeyFieldText(Keys(), 0, kName), "Zip");
+            (KeyRows{{"Zip", "", "", ""}, {"City", "", "", ""}, {"Town", "", "", "\r\n"}}));
 }
 
 }  // namespace

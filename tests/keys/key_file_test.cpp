@@ -22,7 +22,6 @@ namespace qb::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using Keys = std::vector<KeyTexts>;
 
 // Database images built by hand.
 struct Image {
@@ -41,22 +40,21 @@ struct Image {
     for (const std::string& s : texts) U32(static_cast<std::uint32_t>(s.size())).Raw(s);
     return *this;
   }
-  Image& Add(const Keys& keys) {
+  Image& Add(const KeyRows& keys) {
     for (const KeyTexts& key : keys) Texts({key.begin(), key.end()});
     return *this;
   }
 };
 
 // Keys named k0, k1, ... with no other field.
-Keys Numbered(int n) {
-  Keys keys(n);
+KeyRows Numbered(int n) {
+  KeyRows keys(n);
   for (int i = 0; i < n; ++i) keys[i][kName] = "k" + std::to_string(i);
   return keys;
 }
 
-class KeyFileTest : public ::testing::Test {
+class KeyFileTest : public KeyStateTest {
  protected:
-  void SetUp() override { TakeUserMessages(); }
   LoadResult Load(const Bytes& bytes, OwnedTable& table, SlotName* slot = nullptr) {
     WriteBytes(path_, bytes);
     return LoadDatabase(path_, *table, slot);
@@ -69,7 +67,7 @@ class KeyFileTest : public ::testing::Test {
 TEST_F(KeyFileTest, WriteThenReadKeepsEveryFieldInOrder) {
   std::string allBytes;
   for (int c = 1; c < 256; ++c) allBytes.push_back(static_cast<char>(c));
-  const Keys keys = {
+  const KeyRows keys = {
       {"First name", "firstname, fname\r\nfirst", "", "John"},
       {"", "", "", ""},  // no fields at all, still a key
       {"Country", "country", "Germany\r\nFrance", std::string(kMaxFieldLength, 'x')},
@@ -83,7 +81,6 @@ TEST_F(KeyFileTest, WriteThenReadKeepsEveryFieldInOrder) {
   EXPECT_EQ(loaded.Texts(), keys);
   EXPECT_EQ(loaded->fields[kName][1], kNoBlock);  // an empty field has no block
   EXPECT_EQ(loaded->fields[kName][4], kNoBlock);  // the old keys are gone
-  EXPECT_FALSE(FileExists(path_ + kDatabaseTempSuffix));
   EXPECT_EQ(OneMessage(), "");
 }
 
@@ -119,15 +116,6 @@ TEST_F(KeyFileTest, WrongMagicIsRefusedWhateverTheSize) {
   }
 }
 
-TEST_F(KeyFileTest, MissingFileEmptiesTheSlotNameSilently) {
-  OwnedTable table;
-  SlotName slot{'G', 'o', 'n', 'e'};
-  EXPECT_EQ(LoadDatabase(dir_.File("Gone.dat"), *table, &slot).status,
-            DatabaseLoadStatus::kMissing);
-  EXPECT_EQ(slot, SlotName{});
-  EXPECT_EQ(OneMessage(), "");
-}
-
 // Past the magic a file loads what it holds, at most 2000 keys, and the user is
 // told what was wrong with it; the empty database (8 bytes) loads silently.
 // Lengths of 30000 and more carry no text: the reader takes the next four bytes as
@@ -135,7 +123,7 @@ TEST_F(KeyFileTest, MissingFileEmptiesTheSlotNameSilently) {
 TEST_F(KeyFileTest, DamagedFilesLoadWhatTheyHold) {
   const std::string tooMany =
       " keys, but a database can hold at most 2000.\nSaving it keeps only the keys loaded.\n";
-  const std::tuple<Bytes, Keys, std::string> cases[] = {
+  const std::tuple<Bytes, KeyRows, std::string> cases[] = {
       {Image(0).bytes, {}, ""},
       {Image(2000).Add(Numbered(2000)).bytes, Numbered(2000), ""},
       {Image(2001).Add(Numbered(2001)).bytes, Numbered(2000),
@@ -163,30 +151,6 @@ TEST_F(KeyFileTest, DamagedFilesLoadWhatTheyHold) {
     EXPECT_EQ(table.Texts(), keys);
     EXPECT_EQ(OneMessage("", message.empty() ? MessageIcon::kNone : MessageIcon::kWarning),
               message);
-  }
-}
-
-// A file cut at any byte loads the keys before the cut whole and, of the key that
-// was cut, the fields and the start of the text that are there.
-TEST_F(KeyFileTest, TruncatedFilesKeepWhatTheyHold) {
-  const Keys keys = {{"First", "first,fname", "", "John"}, {"Second", "", "Yes\r\nNo", "x"}};
-  OwnedTable full(keys);
-  const Bytes bytes = DatabaseBytes(*full);
-  for (std::size_t cut = 4; cut < bytes.size(); ++cut) {
-    OwnedTable table;
-    const LoadResult r = Load(Bytes(bytes.begin(), bytes.begin() + cut), table);
-    ASSERT_TRUE(r.loaded() && r.endedEarly) << cut;
-    const Keys got = table.Texts();
-    ASSERT_LE(got.size(), keys.size());
-    for (std::size_t k = 0; k < got.size(); ++k) {
-      for (int f = 0; f < kKeyFieldCount; ++f) {
-        const bool cutHere = r.lastKeyCut && k + 1 == got.size();
-        EXPECT_EQ(cutHere ? keys[k][f].substr(0, got[k][f].size()) : keys[k][f], got[k][f]) << cut;
-      }
-    }
-    EXPECT_EQ(OneMessage("", MessageIcon::kWarning)
-                  .rfind("This database file ends early.\nKeys loaded: ", 0),
-              0u);
   }
 }
 
@@ -229,7 +193,7 @@ TEST(KeyText, FieldsAndRepeatedLines) {
                    "description One\ndescription\ndescription Three",
                    *table, error))
       << error;
-  EXPECT_EQ(table.Texts(), (Keys{{"First name", "fname, first\r\ngiven", "", ""},
+  EXPECT_EQ(table.Texts(), (KeyRows{{"First name", "fname, first\r\ngiven", "", ""},
                                  {"Country", "", "Germany\r\nFrance", "One\r\n\r\nThree"}}));
 }
 

@@ -1,8 +1,8 @@
 // The Keys view through the real list control and the main window's mouse rows:
-// the sort cycle with its questions, every drop rule, rename in place, the
-// Description on the system clipboard, and Copy, Paste and Delete key.
+// the sort cycle with its questions, drops and drags ended otherwise, rename in
+// place, the Description on the system clipboard, the pop-up menu, and Copy,
+// Paste and Delete key.
 #include <atomic>
-#include <cstring>
 #include <thread>
 
 #include "tests/keys/keys_window.h"
@@ -22,13 +22,23 @@ class KeyListTest : public KeysWindowTest {
     SendMessageA(header, WM_LBUTTONUP, 0, at);
   }
 
+  // A point in a row; for row -1 a point on no row, below the last one.
   static POINT RowPoint(int row) {
-    const RECT r = RowRect(row);
-    return POINT{r.left + 30, (r.top + r.bottom) / 2};
+    RECT r{};
+    ListView_GetItemRect(List(), row >= 0 ? row : ListView_GetItemCount(List()) - 1, &r, LVIR_BOUNDS);
+    return POINT{r.left + 30, row >= 0 ? (r.top + r.bottom) / 2 : r.bottom + 40};
+  }
+
+  // A left click on a row, as the mouse makes it.
+  static void ClickRow(int row) {
+    const POINT p = RowPoint(row);
+    SendMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+    SendMessageA(List(), WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+    Drain();
   }
 
   // Presses on row `from`, moves past the drag threshold and lets go at `drop`
-  // (the list's client coordinates); the main window holds the mouse meanwhile.
+  // (the list's client coordinates); the status bar shows where the mouse is.
   void Drag(int from, POINT drop) {
     ASSERT_TRUE(BeginDrag(from));
     POINT at = drop;
@@ -37,10 +47,8 @@ class KeyListTest : public KeysWindowTest {
     ClientToScreen(List(), &screen);
     SetCursorPos(screen.x, screen.y);
     SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x, at.y));
-    dragStatus_ = StatusText();
-    expectedStatus_ = "x=" + std::to_string(screen.x) + ", y=" + std::to_string(screen.y);
-    SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
-    Drain();
+    EXPECT_EQ(StatusText(), "x=" + std::to_string(screen.x) + ", y=" + std::to_string(screen.y));
+    ReleaseAt(drop);
   }
 
   // Presses on row `from` and moves past the drag threshold; true once dragging.
@@ -51,22 +59,12 @@ class KeyListTest : public KeysWindowTest {
     return PumpUntil([] { return KeyDragInProgress(); }, 3000);
   }
 
-  // The left button let go over row `row`, as the main window hears it.
-  void ReleaseOver(int row) {
-    POINT at = RowPoint(row);
+  // The left button let go at `drop`, as the main window hears it holding the mouse.
+  void ReleaseAt(POINT drop) {
+    POINT at = drop;
     MapWindowPoints(List(), window_, &at, 1);
     SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
     Drain();
-  }
-
-  static void SetClipboardText(const std::string& text) {
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, text.size() + 1);
-    std::memcpy(GlobalLock(block), text.c_str(), text.size() + 1);
-    GlobalUnlock(block);
-    SetClipboardData(CF_TEXT, block);
-    CloseClipboard();
   }
 
   static std::string ClipboardText() {
@@ -80,45 +78,11 @@ class KeyListTest : public KeysWindowTest {
     CloseClipboard();
     return text;
   }
-
-  // The clipboard's text as another program gets it (clipboard_text.exe beside
-  // this test).
-  static std::string PastedElsewhere() {
-    char exe[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, exe, sizeof(exe));
-    std::string command = exe;
-    command = "\"" + command.substr(0, command.find_last_of("\\/") + 1) + "clipboard_text.exe\"";
-    SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
-    HANDLE read = nullptr, write = nullptr;
-    if (!CreatePipe(&read, &write, &inherit, 0)) return "<no pipe>";
-    SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
-    STARTUPINFOA si{};
-    si.cb = sizeof(si);
-    si.dwFlags = STARTF_USESTDHANDLES;
-    si.hStdOutput = write;
-    si.hStdError = write;
-    PROCESS_INFORMATION pi{};
-    const BOOL started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &si, &pi);
-    CloseHandle(write);
-    std::string text = started ? "" : "<not started>";
-    char chunk[256];
-    DWORD got = 0;
-    while (started && ReadFile(read, chunk, sizeof(chunk), &got, nullptr) && got > 0) text.append(chunk, got);
-    CloseHandle(read);
-    if (started) {
-      WaitForSingleObject(pi.hProcess, 10000);
-      CloseHandle(pi.hThread);
-      CloseHandle(pi.hProcess);
-    }
-    return text;
-  }
-
-  std::string dragStatus_, expectedStatus_;
 };
 
-// User -> Ascending and the second User -> Descending ask; the way back does not,
-// and keeps the sorted order as the stored one.
-TEST_F(KeyListTest, SortCycleAsksTwiceAndTheUserOrderIsLost) {
+// Leaving a user order asks; the way back does not, and keeps the sorted order
+// as the stored one. (Which order asks and which comes next is the rules' test.)
+TEST_F(KeyListTest, SortCycleAsksAndTheUserOrderIsLost) {
   OpenWith({"b", "C", "a"});
   const struct {
     const char* answer;  // nullptr: no question
@@ -128,78 +92,62 @@ TEST_F(KeyListTest, SortCycleAsksTwiceAndTheUserOrderIsLost) {
       {"No", "User", {"b", "C", "a"}},
       {"Yes", "Ascending", {"a", "b", "C"}},
       {nullptr, "User", {"a", "b", "C"}},
-      {"Yes", "Descending", {"C", "b", "a"}},
-      {nullptr, "User", {"C", "b", "a"}},
   };
   for (const auto& click : clicks) {
     SetDatabaseChanged(false);
     std::vector<ModalStep> steps;
     if (click.answer) steps.push_back(Press(click.answer));
-    const auto result = RunModal(ClickHeader, std::move(steps));
-    ASSERT_TRUE(result.ok()) << click.header << ": " << result.Describe();
+    SCOPED_TRACE(click.header);
+    const auto result = Answered(ClickHeader, std::move(steps));
     if (click.answer) {
       EXPECT_EQ(result.seen[0].caption, "Quellbarrow");
       EXPECT_EQ(result.seen[0].MessageText(), kSortQuestion);
     }
     EXPECT_EQ(Header(), click.header);
-    EXPECT_EQ(Rows(), click.rows) << click.header;
-    EXPECT_EQ(TableNames(), click.rows) << click.header;
+    ExpectListed(click.rows);
     // Only a Yes changes the stored order; the clicks back to User keep it.
-    EXPECT_EQ(DatabaseChanged(), click.answer && std::string(click.answer) == "Yes") << click.header;
+    EXPECT_EQ(DatabaseChanged(), click.answer && std::string(click.answer) == "Yes");
   }
 }
 
-TEST_F(KeyListTest, DropRules) {
-  const struct {
-    const char* what;
-    int from;
-    int onRow;  // -1: below every row
-    Names rows;
-  } drops[] = {
-      {"on a row below: just before it", 0, 2, {"B", "A", "C", "D"}},
-      {"on a row above: just after it", 3, 1, {"A", "B", "D", "C"}},
-      {"on its own row: one place down", 1, 1, {"A", "C", "B", "D"}},
-      {"the last on its own row: every key once", 3, 3, {"A", "B", "C", "D"}},
-      {"outside every row: unchanged", 1, -1, {"A", "B", "C", "D"}},
-  };
-  for (const auto& drop : drops) {
-    OpenWith({"A", "B", "C", "D"});
-    POINT at = drop.onRow >= 0 ? RowPoint(drop.onRow) : POINT{RowPoint(3).x, RowRect(3).bottom + 40};
-    Drag(drop.from, at);
-    EXPECT_FALSE(KeyDragInProgress());
-    EXPECT_EQ(dragStatus_, expectedStatus_);
-    EXPECT_EQ(Rows(), drop.rows) << drop.what;
-    EXPECT_EQ(TableNames(), drop.rows) << drop.what;
-    EXPECT_EQ(DatabaseChanged(), drop.rows != Names({"A", "B", "C", "D"})) << drop.what;
-  }
-}
-
-// A drag ended by anything but the button's release leaves no drag image and the
+// Where each drop lands is the rules' own test; here the window applies them. A
+// drag ended by anything but the button's release leaves no drag image and the
 // order as it was, and the release that follows drops nothing.
-TEST_F(KeyListTest, DragEndedWithoutADropMovesNothing) {
+TEST_F(KeyListTest, DropsMoveTheKeyAndDragsEndedOtherwiseMoveNothing) {
+  const Names abcd = {"A", "B", "C", "D"};
   const struct {
     const char* what;
-    void (*end)();
-  } ends[] = {
-      {"Esc", [] { SendMessageA(List(), WM_KEYDOWN, VK_ESCAPE, 0); }},
+    void (*end)();  // nullptr: dropped
+    int onRow;      // -1: below every row
+    Names rows;
+  } drags[] = {
+      {"dropped on a row below: just before it", nullptr, 2, {"B", "A", "C", "D"}},
+      {"dropped outside every row: unchanged", nullptr, -1, abcd},
+      {"Esc", [] { SendMessageA(List(), WM_KEYDOWN, VK_ESCAPE, 0); }, 2, abcd},
       {"another window takes the mouse",
        [] {
          HWND other = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
          SetCapture(other);
          DestroyWindow(other);
-       }},
-      {"the mouse let go", [] { ReleaseCapture(); }},
+       },
+       2, abcd},
+      {"the mouse let go", [] { ReleaseCapture(); }, 2, abcd},
   };
-  for (const auto& end : ends) {
-    OpenWith({"A", "B", "C"});
-    ASSERT_TRUE(BeginDrag(0)) << end.what;
-    end.end();
-    EXPECT_FALSE(KeyDragInProgress()) << end.what;
-    EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr) << end.what;
-    ReleaseOver(2);
-    EXPECT_EQ(Rows(), (Names{"A", "B", "C"})) << end.what;
-    EXPECT_EQ(TableNames(), (Names{"A", "B", "C"})) << end.what;
-    EXPECT_FALSE(DatabaseChanged()) << end.what;
+  for (const auto& drag : drags) {
+    SCOPED_TRACE(drag.what);
+    OpenWith(abcd);
+    const POINT at = RowPoint(drag.onRow);
+    if (drag.end) {
+      ASSERT_TRUE(BeginDrag(0));
+      drag.end();
+      EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
+      ReleaseAt(at);
+    } else {
+      Drag(0, at);
+    }
+    EXPECT_FALSE(KeyDragInProgress());
+    ExpectListed(drag.rows);
+    EXPECT_EQ(DatabaseChanged(), drag.rows != abcd);
   }
 }
 
@@ -215,6 +163,7 @@ TEST_F(KeyListTest, RenameInPlace) {
       {"Dropped", VK_ESCAPE, {"A", "Renamed"}},
   };
   for (const auto& e : edits) {
+    SCOPED_TRACE(e.typed);
     SetDatabaseChanged(false);
     SetFocus(List());
     HWND edit = ListView_EditLabel(List(), 1);
@@ -222,133 +171,93 @@ TEST_F(KeyListTest, RenameInPlace) {
     SetWindowTextA(edit, e.typed);
     SendMessageA(edit, WM_KEYDOWN, e.key, 0);
     Drain();
-    EXPECT_EQ(Rows(), e.rows) << e.typed;
-    EXPECT_EQ(TableNames(), e.rows) << e.typed;
-    EXPECT_EQ(DatabaseChanged(), std::string(e.typed) == "Renamed") << e.typed;
+    ExpectListed(e.rows);
+    EXPECT_EQ(DatabaseChanged(), std::string(e.typed) == "Renamed");
   }
   EXPECT_EQ(SelectedKey(), 1);
-}
-
-// Other programs get the system's copy of the text, so it is read by a process of
-// its own as well.
-TEST_F(KeyListTest, ClickPutsTheDescriptionOnTheClipboardOnlyWithTheOptionAndAText) {
-  WriteDatabase("Data.dat", {{"Mail", "mail", "", "me@example.org"}, {"Empty", "e", "", ""}});
-  ASSERT_TRUE(Open());
-  CreateKeyListColumn(List());
-  const struct {
-    const char* what;
-    std::uint32_t option;
-    int row;
-    bool placed;
-  } clicks[] = {
-      {"option off", 0, 0, false},
-      {"empty Description", 1, 1, false},
-      {"option on", 1, 0, true},
-  };
-  for (const auto& click : clicks) {
-    SetClipboardText("before");
-    const DWORD before = GetClipboardSequenceNumber();
-    Settings().copyDescription = click.option;
-    ClickRow(click.row);
-    EXPECT_EQ(SelectedKey(), click.row) << click.what;
-    EXPECT_EQ(GetClipboardSequenceNumber() != before, click.placed) << click.what;
-    EXPECT_EQ(GetClipboardOwner() == window_, click.placed) << click.what;
-    if (!click.placed) {
-      EXPECT_EQ(ClipboardText(), "before") << click.what;
-    }
-    EXPECT_EQ(PastedElsewhere(), click.placed ? "me@example.org" : "before") << click.what;
-  }
 }
 
 // Found by the careless-user run (a key's text freed under it): the clipboard
 // frees the block it was given when it is emptied, so a block handed over and
 // freed by the program as well took with it whatever text got that handle next.
-TEST_F(KeyListTest, CopiedDescriptionsNeverFreeAKeysText) {
-  WriteDatabase("Data.dat", {{"Mail", "mail", "", "me@example.org"}, {"Phone", "tel", "", "555"}});
-  ASSERT_TRUE(Open());
-  CreateKeyListColumn(List());
-  Settings().copyDescription = 1;
-  for (int round = 0; round < 4; ++round) {
-    ClickRow(round % 2);
-    ASSERT_TRUE(SetKeyField(Keys(), 1, kSelection, "round " + std::to_string(round)));
-    for (int key = 0; key < 2; ++key) {
+TEST_F(KeyListTest, ClickPutsTheDescriptionOnTheClipboardOnlyWithTheOptionAndNeverFreesAKeysText) {
+  OpenWithKeys({{"Mail", "mail", "", "me@example.org"}, {"Phone", "tel", "", "555"}, {"Empty", "e", "", ""}});
+  ASSERT_TRUE(OpenClipboard(nullptr));
+  EmptyClipboard();
+  CloseClipboard();
+  const struct {
+    std::uint32_t option;
+    int row;
+    const char* clipboard;
+  } clicks[] = {
+      {0, 0, ""}, {1, 2, ""}, {1, 0, "me@example.org"}, {1, 1, "555"}, {1, 0, "me@example.org"},
+  };
+  for (int round = 0; round < 5; ++round) {
+    SCOPED_TRACE(round);
+    const DWORD before = GetClipboardSequenceNumber();
+    Settings().copyDescription = clicks[round].option;
+    ClickRow(clicks[round].row);
+    EXPECT_EQ(SelectedKey(), clicks[round].row);
+    EXPECT_EQ(GetClipboardSequenceNumber() != before, *clicks[round].clipboard != '\0');
+    EXPECT_EQ(ClipboardText(), clicks[round].clipboard);
+    const std::string text = "round " + std::to_string(round);
+    ASSERT_TRUE(SetKeyField(Keys(), 2, kSelection, text));
+    for (int key = 0; key < 3; ++key) {
       for (int f = 0; f < kKeyFieldCount; ++f) {
         const TextBlock block = Keys().fields[f][key];
-        EXPECT_TRUE(block == kNoBlock || IsTextBlock(block)) << "round " << round << " key " << key << " field " << f;
+        EXPECT_TRUE(block == kNoBlock || IsTextBlock(block)) << "key " << key << " field " << f;
       }
     }
-    EXPECT_EQ(KeyFieldText(Keys(), 1, kSelection), "round " + std::to_string(round));
-    EXPECT_EQ(ClipboardText(), round % 2 ? "555" : "me@example.org");
+    EXPECT_EQ(KeyFieldText(Keys(), 2, kSelection), text);
   }
-  EXPECT_EQ(TableNames(), (Names{"Mail", "Phone"}));
+  EXPECT_EQ(GetClipboardOwner(), window_);
+  EXPECT_EQ(NamesOf(Keys()), (Names{"Mail", "Phone", "Empty"}));
 }
 
 // A right click on a row selects it and opens the key commands' pop-up menu,
-// which the watcher reads and closes; on no row nothing opens.
-TEST_F(KeyListTest, RightClickOpensThePopupMenuOverARow) {
+// which the watcher reads and closes.
+TEST_F(KeyListTest, RightClickOnARowOpensThePopupMenu) {
   OpenWith({"A", "B", "C"});
-  for (const bool overRow : {true, false}) {
-    std::atomic<bool> done{false};
-    int items = -1;
-    UINT firstId = 0;
-    std::thread watcher([&] {
-      for (int i = 0; i < 300 && !done; ++i) {
-        HWND menu = FindWindowA("#32768", nullptr);
-        if (menu && IsWindowVisible(menu)) {
-          HMENU handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
-          items = GetMenuItemCount(handle);
-          firstId = GetMenuItemID(handle, 0);
-          PostMessageA(window_, WM_CANCELMODE, 0, 0);
-          PostMessageA(menu, WM_KEYDOWN, VK_ESCAPE, 0);
-          return;
-        }
-        Sleep(10);
+  SelectRow(2);
+  std::atomic<UINT> firstId{0};
+  std::thread watcher([&] {
+    for (int i = 0; i < 300 && !firstId; ++i) {
+      HWND menu = FindWindowA("#32768", nullptr);
+      if (menu && IsWindowVisible(menu)) {
+        firstId = GetMenuItemID(reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0)), 0);
+        PostMessageA(window_, WM_CANCELMODE, 0, 0);
+        PostMessageA(menu, WM_KEYDOWN, VK_ESCAPE, 0);
       }
-    });
-    const POINT at = overRow ? RowPoint(1) : POINT{RowPoint(2).x, RowRect(2).bottom + 40};
-    PostMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
-    PostMessageA(List(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
-    PumpUntil([&] { return items >= 0; }, overRow ? 3000 : 500);
-    done = true;
-    watcher.join();
-    Drain();
-    if (overRow) {
-      EXPECT_EQ(items, 7);  // "&Add key" .. "&Delete key" with two separators
-      EXPECT_EQ(firstId, static_cast<UINT>(IDM_ADD_KEY));
-      EXPECT_EQ(SelectedKey(), 1);
-    } else {
-      EXPECT_EQ(items, -1);
+      Sleep(10);
     }
-  }
+  });
+  const POINT at = RowPoint(0);
+  PostMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
+  PostMessageA(List(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+  PumpUntil([&] { return firstId != 0; }, 3000);
+  watcher.join();
+  Drain();
+  EXPECT_EQ(firstId, static_cast<UINT>(IDM_ADD_KEY));
+  EXPECT_EQ(SelectedKey(), 0);
 }
 
-// Paste before any Copy does nothing; after a delete the pasted row shows what
-// the table holds past its last key: nothing.
+// After a delete the pasted row shows what the table holds past its last key:
+// nothing.
 TEST_F(KeyListTest, CopyPasteAndDeleteKey) {
   OpenWith({"A", "B", "C"});
-  Command(IDM_PASTE_KEY);
-  EXPECT_EQ(Rows(), (Names{"A", "B", "C"}));
-  EXPECT_FALSE(DatabaseChanged());
-
   SelectRow(0);
   Command(IDM_COPY_KEY);
-  EXPECT_EQ(CopiedKeyIndex(), 0u);
-
   SelectRow(2);
-  auto result = CommandAnswered(IDM_DELETE_KEY, {Press("No")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].caption, "Quellbarrow");
+  const auto result = CommandAnswered(IDM_DELETE_KEY, {Press("No")});
   EXPECT_EQ(result.seen[0].MessageText(), kDeleteKeyQuestion);
   EXPECT_EQ(Rows(), (Names{"A", "B", "C"}));
-  result = CommandAnswered(IDM_DELETE_KEY, {Press("Yes")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  CommandAnswered(IDM_DELETE_KEY, {Press("Yes")});
   EXPECT_EQ(Rows(), (Names{"A", "B"}));
   EXPECT_TRUE(DatabaseChanged());
 
   Command(IDM_PASTE_KEY);
   EXPECT_EQ(Rows(), (Names{"A", "B", ""}));
-  EXPECT_EQ(Keys().count, 3);
-  EXPECT_STREQ(KeyNameBuffer().data(), "A");
+  EXPECT_STREQ(KeyNameBuffer().data(), "A");  // the copied key
 
   // With no row selected Copy forgets the key.
   ListView_SetItemState(List(), -1, 0, LVIS_SELECTED);

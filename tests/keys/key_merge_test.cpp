@@ -4,25 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
-#include "keys/key_file.h"
 #include "tests/keys/key_test_util.h"
-#include "tests/keys/merge_reference.h"
 
 namespace qb::test {
 namespace {
 
-using Names = std::vector<std::string>;
-
-class KeyMergeTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    TakeUserMessages();
-    SetDatabaseChanged(false);
-  }
-  void TearDown() override { FailNextTextBlockAllocations(0); }
-};
+class KeyMergeTest : public KeyStateTest {};
 
 TEST_F(KeyMergeTest, ListsAreSplitTrimmedAndCut) {
   const std::string longName(kMergeNameMax + 3, 'x');
@@ -49,105 +36,81 @@ TEST_F(KeyMergeTest, ListsAreSplitTrimmedAndCut) {
 
 struct MergeCase {
   const char* what;
-  std::vector<KeyTexts> table;
-  std::vector<KeyTexts> loaded;
-  std::vector<int> selected;
   MergeOptions options;
-  std::vector<KeyTexts> expected;
+  std::vector<int> selected;
+  std::vector<KeyTexts> table, loaded, expected;
 };
 
 constexpr MergeOptions kAll{true, true, true, kCompareDuplicated};
 constexpr MergeOptions kOverwrite{true, true, true, kOverwriteDuplicated};
 constexpr MergeOptions kSkip{true, true, true, kSkipDuplicated};
+constexpr MergeOptions kSearchOnly{true, false, false, kCompareDuplicated};
 
+// Each case: the table, the loaded keys, and the table after the merge.
 TEST_F(KeyMergeTest, MergesEachSelectedKeyAsTheModeSays) {
   const MergeCase cases[] = {
-      {"a new key comes at the end, its lists rewritten",
+      {"a new key comes at the end, its lists rewritten", kAll, {0},
        {{"City", "city", "", "Bonn"}},
        {{"Zip", " zip\r\n plz ", "1\r\n2", "53111"}},
-       {0},
-       kAll,
        {{"City", "city", "", "Bonn"}, {"Zip", "zip,plz,", "1\r\n2\r\n", "53111"}}},
-      {"do not add duplicated leaves the duplicate alone and still adds new keys",
+      {"do not add duplicated leaves the duplicate alone and still adds new keys", kSkip, {0, 1},
        {{"Zip", "zip", "a", "1"}},
        {{"ZIP", "postal", "b", "2"}, {"Town", "town", "", "Bonn"}},
-       {0, 1},
-       kSkip,
        {{"Zip", "zip", "a", "1"}, {"Town", "town,", "", "Bonn"}}},
-      {"a search name another key holds is not taken, by a new key or a duplicate",
+      {"a search name another key holds is not taken, by a new key or a duplicate", kAll, {0, 1},
        {{"Zip", "zip,plz", "", ""}, {"City", "city", "", ""}},
        {{"City", "PLZ,town", "", ""}, {"Post", "Zip,post", "", ""}},
-       {0, 1},
-       kAll,
        {{"Zip", "zip,plz", "", ""}, {"City", "town,city,", "", ""}, {"Post", "post,", "", ""}}},
-      {"compare keeps the key's own names after the loaded ones, once each",
+      {"compare keeps the key's own names after the loaded ones, once each", kSearchOnly, {0},
        {{"Zip", "plz,zip,Code,code", "", ""}},
        {{"zip", "ZIP,post", "", ""}},
-       {0},
-       {true, false, false, kCompareDuplicated},
        {{"Zip", "ZIP,post,plz,Code,", "", ""}}},
-      {"overwrite drops the key's own names",
+      {"overwrite drops the key's own names", {true, false, false, kOverwriteDuplicated}, {0},
        {{"Zip", "plz,zip", "", ""}},
        {{"zip", "ZIP,post", "", ""}},
-       {0},
-       {true, false, false, kOverwriteDuplicated},
        {{"Zip", "ZIP,post,", "", ""}}},
-      {"a key merged earlier in the round holds its names for the next",
+      {"a key merged earlier in the round holds its names for the next", kAll, {0, 1},
        {},
        {{"A", "one", "", ""}, {"B", "ONE,two", "", ""}},
-       {0, 1},
-       kAll,
        {{"A", "one,", "", ""}, {"B", "two,", "", ""}}},
-      {"the Selection keeps only the loaded values the key lacked",
+      {"the Selection keeps only the loaded values the key lacked", kAll, {0},
        {{"Sex", "", "Male\r\nfemale\r\nother", ""}},
        {{"sex", "", "FEMALE\r\ndiverse\r\nmale", ""}},
-       {0},
-       kAll,
        {{"Sex", "", "diverse\r\n", ""}}},
-      {"with overwrite the Selection ends up empty",
+      {"with overwrite the Selection ends up empty", kOverwrite, {0},
        {{"Sex", "", "Male", ""}},
        {{"sex", "", "Female\r\nMale", ""}},
-       {0},
-       kOverwrite,
        {{"Sex", "", "", ""}}},
-      {"an empty loaded Selection empties the key's",
+      {"an empty loaded Selection empties the key's", kAll, {0},
        {{"Sex", "", "Male", ""}},
        {{"sex", "", "", ""}},
-       {0},
-       kAll,
        {{"Sex", "", "", ""}}},
-      {"the Description is replaced only by one that is there",
+      {"the Description is replaced only by one that is there", kAll, {0, 1},
        {{"A", "", "", "old"}, {"B", "", "", "old"}},
        {{"a", "", "", "new"}, {"b", "", "", ""}},
-       {0, 1},
-       kAll,
        {{"A", "", "", "new"}, {"B", "", "", "old"}}},
       {"fields not taken stay as they were; a new key gets its Name only",
+       {false, false, false, kOverwriteDuplicated}, {0, 1},
        {{"A", "a", "x", "old"}},
        {{"a", "b", "y", "new"}, {"C", "c", "z", "c"}},
-       {0, 1},
-       {false, false, false, kOverwriteDuplicated},
        {{"A", "a", "x", "old"}, {"C", "", "", ""}}},
-      {"the same Name twice: the second merges into the key the first added",
+      {"the same Name twice: the second merges into the key the first added", kAll, {0, 1, 5, -1},
        {},
        {{"\xC9mile", "a", "1", "first"}, {"\xE9MILE", "b", "2", "second"}},
-       {0, 1, 5, -1},
-       kAll,
        {{"\xC9mile", "b,a,", "2\r\n", "second"}}},
-      {"Names are found from the first key; keys without a Name are never found",
+      {"Names are found from the first key; keys without a Name are never found", kSearchOnly, {0, 1},
        {{"", "e", "", ""}, {"Mail", "m", "", ""}, {"mail", "n", "", ""}},
        {{"MAIL", "x", "", ""}, {"", "y", "", ""}},
-       {0, 1},
-       {true, false, false, kCompareDuplicated},
        {{"", "e", "", ""}, {"Mail", "x,m,", "", ""}, {"mail", "n", "", ""}, {"", "y,", "", ""}}},
   };
   for (const MergeCase& c : cases) {
+    SCOPED_TRACE(c.what);
     OwnedTable table(c.table);
     OwnedTable loaded(c.loaded);
     SetDatabaseChanged(false);
     MergeKeys(*table, *loaded, c.selected, c.options);
-    EXPECT_EQ(table.Texts(), c.expected) << c.what;
-    EXPECT_EQ(DatabaseChanged(), table.Texts() != c.table) << c.what;
+    EXPECT_EQ(table.Texts(), c.expected);
+    EXPECT_EQ(DatabaseChanged(), table.Texts() != c.table);
   }
 }
 
@@ -185,37 +148,6 @@ TEST_F(KeyMergeTest, LimitsAndFailuresLoseNothing) {
   EXPECT_EQ(outcome.skipped, 1);
   EXPECT_EQ(small.Texts(), NamedKeys({"A"}));
   EXPECT_EQ(small->fields[kName][1], kNoBlock);
-}
-
-// Tables of a few hundred keys whose names collide often, merged in every mode:
-// the indexes give what walking every key gives.
-TEST_F(KeyMergeTest, IndexedMergeAgreesWithTheWalk) {
-  std::mt19937 rng(12);
-  const char* const pieces[] = {"a", "B", "b", "c", ",", " ", "\r\n", "\xC4", "\xE4"};
-  const auto text = [&](int pieceCount) {
-    std::string s;
-    for (int n = std::uniform_int_distribution<int>(0, pieceCount)(rng); n > 0; --n) s += pieces[rng() % 9];
-    return s;
-  };
-  const auto randomKeys = [&](int count) {
-    std::vector<KeyTexts> keys(count);
-    for (KeyTexts& k : keys) k = {text(3), text(12), text(10), text(2)};
-    return keys;
-  };
-  for (int mode = 0; mode < 3; ++mode) {
-    for (int round = 0; round < 4; ++round) {
-      const std::vector<KeyTexts> start = randomKeys(300);
-      OwnedTable indexed(start);
-      OwnedTable walked(start);
-      OwnedTable loaded(randomKeys(200));
-      std::vector<int> selected(150);
-      for (int& s : selected) s = static_cast<int>(rng() % 200);
-      const MergeOptions options{round != 1, round != 2, round != 3, static_cast<DuplicateMode>(mode)};
-      MergeKeys(*indexed, *loaded, selected, options);
-      ReferenceMerge(*walked, *loaded, selected, options);
-      ASSERT_EQ(DatabaseBytes(*indexed), DatabaseBytes(*walked)) << mode << " " << round;
-    }
-  }
 }
 
 }  // namespace

@@ -15,6 +15,8 @@
 namespace qb::test {
 
 using KeyTexts = std::array<std::string, kKeyFieldCount>;
+using Names = std::vector<std::string>;
+using KeyRows = std::vector<KeyTexts>;
 
 // Replaces the keys of `table` with `keys`.
 inline void FillTable(KeyTable& table, const std::vector<KeyTexts>& keys) {
@@ -54,6 +56,17 @@ class OwnedTable {
   std::unique_ptr<KeyTable> table_;
 };
 
+// A test of the key code that starts with no message waiting and the database
+// unchanged, and leaves no allocation set to fail.
+class KeyStateTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    TakeUserMessages();
+    SetDatabaseChanged(false);
+  }
+  void TearDown() override { FailNextTextBlockAllocations(0); }
+};
+
 // The one message the last operation gave the user, checked for its caption and
 // icon; "" when there was none.
 inline std::string OneMessage(const char* caption = "", MessageIcon icon = MessageIcon::kNone) {
@@ -65,8 +78,14 @@ inline std::string OneMessage(const char* caption = "", MessageIcon icon = Messa
   return messages[0].text;
 }
 
+inline Names NamesOf(const KeyTable& table) {
+  Names names;
+  for (int i = 0; i < KeysInUse(table); ++i) names.push_back(KeyFieldText(table, i, kName));
+  return names;
+}
+
 // Keys named by `names`, their other fields derived from the name.
-inline std::vector<KeyTexts> NamedKeys(const std::vector<std::string>& names) {
+inline std::vector<KeyTexts> NamedKeys(const Names& names) {
   std::vector<KeyTexts> keys;
   for (const std::string& n : names) keys.push_back({n, n + "-search", n + "-select", n + "-text"});
   return keys;

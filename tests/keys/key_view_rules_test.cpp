@@ -11,14 +11,6 @@
 namespace qb::test {
 namespace {
 
-using Names = std::vector<std::string>;
-
-Names NamesOf(const KeyTable& table) {
-  Names names;
-  for (int i = 0; i < KeysInUse(table); ++i) names.push_back(KeyFieldText(table, i, kName));
-  return names;
-}
-
 // Each drop moves the key where DropTarget says; every key stays exactly once.
 TEST(KeyViewRulesTest, DropsLandBeforeRowsBelowAfterRowsAboveAndFirstInTheTopZone) {
   struct Case {
@@ -108,20 +100,18 @@ class PasteKeyTest : public ::testing::Test {
   void TearDown() override { SetCopiedKeyIndex(kNoCopiedKey); }
 };
 
-TEST_F(PasteKeyTest, NothingBeforeACopyOrForAKeyWithoutName) {
-  OwnedTable table(NamedKeys({"A", "B"}));
-  EXPECT_EQ(PasteKey(*table), -1);
-  SetCopiedKeyIndex(5);  // past the keys: no Name there
-  EXPECT_EQ(PasteKey(*table), -1);
-  EXPECT_EQ(table->count, 2);
-  EXPECT_FALSE(DatabaseChanged());
-}
-
-// The steps in their order: the Name into the editor's buffer, the field buffer as
-// the copied key's Description, then a key more that is whatever its position holds.
+// Nothing before a Copy or for a key without a Name; then the steps in their
+// order: the Name into the editor's buffer, the field buffer as the copied key's
+// Description, then a key more that is whatever its position holds.
 TEST_F(PasteKeyTest, AppendsThePositionPastTheKeysAndTakesTheFieldBuffer) {
   OwnedTable table(NamedKeys({"A", "B", "C"}));
   DeleteKey(*table, 2);
+  EXPECT_EQ(PasteKey(*table), -1);
+  SetCopiedKeyIndex(2);  // past the keys: no Name there
+  EXPECT_EQ(PasteKey(*table), -1);
+  EXPECT_EQ(table->count, 2);
+  EXPECT_FALSE(DatabaseChanged());
+
   SetCopiedKeyIndex(0);
   std::strcpy(KeyFieldBuffer().data(), "last read field");
   const TextBlock replaced = table->fields[kDescription][0];  // Set description keeps it

@@ -16,12 +16,11 @@
 #include "keys/key_file.h"
 #include "keys/key_clipboard.h"
 #include "keys/key_list.h"
+#include "tests/keys/dialog_util.h"
 #include "tests/keys/key_test_util.h"
 #include "tests/support/main_window_fixture.h"
 
 namespace qb::test {
-
-using Names = std::vector<std::string>;
 
 class KeysWindowTest : public MainWindowTest {
  protected:
@@ -43,40 +42,29 @@ class KeysWindowTest : public MainWindowTest {
     ASSERT_TRUE(SaveDatabase(DatabaseFile(name), *table));
   }
 
-  // The main window with "Data.dat" holding keys of these names in slot 0,
-  // started as the program starts it (the column comes once the window is shown).
-  void OpenWith(const Names& names) {
-    WriteDatabase("Data.dat", NamedKeys(names));
+  // The main window with "Data.dat" holding these keys in slot 0, started as the
+  // program starts it (the column comes once the window is shown).
+  void OpenWithKeys(const std::vector<KeyTexts>& keys) {
+    WriteDatabase("Data.dat", keys);
     std::strcpy(Settings().slotNames[0].data(), "Data.dat");
     ASSERT_TRUE(Open());
     CreateKeyListColumn(List());
   }
+  void OpenWith(const Names& names) { OpenWithKeys(NamedKeys(names)); }
 
   static HWND List() { return App().keysView; }
+  static Names Rows() { return ListTexts(List()); }
 
-  static Names Rows() {
-    Names rows;
-    const int count = ListView_GetItemCount(List());
-    for (int row = 0; row < count; ++row) {
-      char text[300] = {};
-      ListView_GetItemText(List(), row, 0, text, sizeof(text));
-      rows.push_back(text);
-    }
-    return rows;
-  }
-
-  static Names TableNames() {
-    Names names;
-    for (int i = 0; i < KeysInUse(Keys()); ++i) names.push_back(KeyFieldText(Keys(), i, kName));
-    return names;
+  // The Keys view and the table both hold keys of these names.
+  static void ExpectListed(const Names& names) {
+    EXPECT_EQ(Rows(), names);
+    EXPECT_EQ(NamesOf(Keys()), names);
   }
 
   Names FileNames(const std::string& name) const {
     OwnedTable table;
     LoadDatabase(DatabaseFile(name), *table);
-    Names names;
-    for (const KeyTexts& key : table.Texts()) names.push_back(key[kName]);
-    return names;
+    return NamesOf(*table);
   }
 
   std::string Title() const { return WindowText(window_); }
@@ -87,36 +75,20 @@ class KeysWindowTest : public MainWindowTest {
     column.mask = LVCF_TEXT;
     column.pszText = text;
     column.cchTextMax = sizeof(text);
-    SendMessageA(List(), LVM_GETCOLUMNA, 0, reinterpret_cast<LPARAM>(&column));
+    ListView_GetColumn(List(), 0, &column);
     return text;
   }
 
   static bool Pressed(int button) { return DatabaseBarDescriptor().rows[button].pressed; }
-
-  static RECT RowRect(int row) {
-    RECT r{};
-    r.left = LVIR_BOUNDS;
-    SendMessageA(List(), LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&r));
-    return r;
-  }
 
   static void SelectRow(int row) {
     ListView_SetItemState(List(), -1, 0, LVIS_SELECTED);
     ListView_SetItemState(List(), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   }
 
-  // A left click on a row, as the mouse makes it.
-  static void ClickRow(int row) {
-    const RECT r = RowRect(row);
-    const LPARAM at = MAKELPARAM(r.left + 30, (r.top + r.bottom) / 2);
-    SendMessageA(List(), WM_LBUTTONDOWN, MK_LBUTTON, at);
-    SendMessageA(List(), WM_LBUTTONUP, 0, at);
-    Drain();
-  }
-
-  // A command whose question the steps answer.
+  // A command whose questions the steps answer.
   ModalResult CommandAnswered(WORD id, std::vector<ModalStep> steps) {
-    return RunModal([this, id] { Command(id); }, std::move(steps));
+    return Answered([this, id] { Command(id); }, std::move(steps));
   }
 };
 

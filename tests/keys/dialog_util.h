@@ -1,0 +1,118 @@
+// What the keys' GUI tests do to dialogs and list views: through messages the
+// window's thread answers, so from the watcher thread of RunModal too.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <commctrl.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "base/app_state.h"
+#include "base/user_message.h"
+#include "keys/key_table.h"
+#include "keys/merge_dialog.h"
+#include "resources/resource.h"
+#include "tests/support/gui_helper.h"
+
+namespace qb::test {
+
+inline std::vector<std::string> ListTexts(HWND list) {
+  std::vector<std::string> rows(ListView_GetItemCount(list));
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    char text[600] = {};
+    ListView_GetItemText(list, static_cast<int>(row), 0, text, sizeof(text));
+    rows[row] = text;
+  }
+  return rows;
+}
+
+inline std::vector<std::string> ListTexts(HWND dialog, int listId) {
+  return ListTexts(GetDlgItem(dialog, listId));
+}
+
+inline std::vector<int> SelectedRows(HWND dialog, int listId) {
+  std::vector<int> rows;
+  HWND list = GetDlgItem(dialog, listId);
+  for (int row = -1; (row = ListView_GetNextItem(list, row, LVNI_SELECTED)) >= 0;) rows.push_back(row);
+  return rows;
+}
+
+inline void SelectOnly(HWND dialog, int listId, const std::vector<int>& rows) {
+  HWND list = GetDlgItem(dialog, listId);
+  ListView_SetItemState(list, -1, 0, LVIS_SELECTED);
+  for (int row : rows) ListView_SetItemState(list, row, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+// A button pressed and its work done before this returns (for buttons that raise no box).
+inline void PressNow(HWND dialog, int id) {
+  SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+               reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+// The control ids Tab walks through, from control `first` round to it.
+inline std::vector<int> TabOrder(HWND dialog, int first) {
+  std::vector<int> order;
+  HWND start = GetDlgItem(dialog, first);
+  for (HWND at = start; at && order.size() < 20;) {
+    order.push_back(GetDlgCtrlID(at));
+    at = GetNextDlgTabItem(dialog, at, FALSE);
+    if (at == start) break;
+  }
+  return order;
+}
+
+// Polls from the watcher thread until the dialog's thread has done its part.
+inline bool WaitFor(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+// RunModal with its failures reported here; `seen` holds a snapshot for every
+// step even then, so that the checks after it fail rather than crash.
+inline ModalResult Answered(const std::function<void()>& action, std::vector<ModalStep> steps) {
+  const std::size_t count = steps.size();
+  ModalResult result = RunModal(action, std::move(steps));
+  EXPECT_TRUE(result.ok()) << result.Describe();
+  if (result.seen.size() < count) result.seen.resize(count);
+  return result;
+}
+
+// A dialog given `text` in its control `id` (the key editor's Name) and closed with OK.
+inline ModalStep TypeAndOk(const std::string& text, int id = IDC_KEYEDIT_NAME) {
+  return Custom([text, id](HWND dialog, const WindowSnapshot&) {
+    SetControlText(dialog, id, text);
+    ClickButton(dialog, IDOK);
+  });
+}
+
+// A key dialog opened on its own, without a main window; `refills` counts the
+// times it had the Keys view filled again.
+class KeyDialogTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    App().mainWindow = nullptr;
+    UseMessageBoxes();
+    SetDatabaseChanged(false);
+    refills = 0;
+    SetKeyListRefill([] { ++refills; });
+  }
+  void TearDown() override {
+    ClearAllKeys(Keys());
+    SetDatabaseChanged(false);
+    SetUserMessageSink(nullptr);
+    SetKeyListRefill(nullptr);
+  }
+
+  static inline int refills = 0;
+};
+
+}  // namespace qb::test
