@@ -10,7 +10,7 @@
 
 #include "scan/scan_driver.h"
 #include "scan/scan_options.h"
-#include "tests/keys/list_rows_util.h"
+#include "tests/keys/dialog_util.h"
 #include "tests/scan/scan_fixture.h"
 
 namespace qb::test {
