@@ -66,10 +66,14 @@ class FaultTest : public MainWindowTest {
   virtual std::string ProgramFolder() { return dir_.path(); }
   std::string Database(const std::string& name) const { return program_ + "\\Databases\\" + name; }
 
-  // The main window over Data.dat with one key added and not saved yet.
-  void OpenWithAnEdit() {
+  void OpenProgram() {
     ASSERT_TRUE(Open());
     CreateKeyListColumn(App().keysView);
+  }
+
+  // The main window over Data.dat with one key added and not saved yet.
+  void OpenWithAnEdit() {
+    OpenProgram();
     ASSERT_TRUE(SetKeyField(Keys(), Keys().count, kName, "Added"));
     // Longer than the 4 KiB a nearly full disk has left: only part of it fits.
     ASSERT_TRUE(SetKeyField(Keys(), Keys().count, kDescription, std::string(6000, 'd')));
@@ -92,7 +96,11 @@ class FaultTest : public MainWindowTest {
     }
   }
 
-  void ShowBrowserAt(const std::string& address) { browser_ = ShowStandInBrowserWindow(kTestBrowserName, address); }
+  void ShowBrowser() { browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm"); }
+
+  void SelectLink(int row) {
+    ListView_SetItemState(App().linksView, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  }
 
   ModalResult Scan(std::vector<ModalStep> steps) {
     ModalOptions options;
@@ -171,8 +179,7 @@ TEST_F(FullDiskTest, SavingKeepsTheOldFileAndTheUnsavedKeys) {
 
 // A new database made on a full disk: its first Save fails whole, the keys stay.
 TEST_F(FullDiskTest, NewDatabaseIsNotLeftHalfWritten) {
-  ASSERT_TRUE(Open());
-  CreateKeyListColumn(App().keysView);
+  OpenProgram();
   kept_ = ReadBytes(Database("Data.dat"));
   Fill();
   ModalResult r = RunModal([&] { Command(IDM_NEW_DATABASE); },
@@ -217,9 +224,8 @@ TEST_F(FullDiskTest, DownloadAndRegistryEntryAreWholeOrNotThere) {
   std::string registry = header + "127.0.0.1/old.htm\n" + program_ + "\\DataHtml\\";
   registry += std::string(4096 - 8 - registry.size() - 1, 'o') + "\n";
   WriteText(registryPath, registry);
-  ShowBrowserAt("http://127.0.0.1/form.htm");
-  ASSERT_TRUE(Open());
-  CreateKeyListColumn(App().keysView);
+  ShowBrowser();
+  OpenProgram();
   const std::string saved = program_ + "\\DataHtml\\127.0.0.1.form.htm.htm";
   const struct {
     const char* what;
@@ -288,9 +294,8 @@ TEST_F(FaultTest, DatabaseHeldOpenWithoutWriteSharing) {
 TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   WriteText(program_ + "\\DataHtml\\Shop\\page.htm", kPage);
   ASSERT_TRUE(Open());
-  ListView_SetItemState(App().linksView, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  SelectLink(0);
   std::filesystem::remove_all(program_ + "\\DataHtml");
-  const std::vector<std::string> before = {"Data.dat"};
   for (WORD id : {IDM_LINKS_ENTER, IDM_SCAN_FILE_HTML, IDM_RENAME_FOLDER, IDM_DELETE_LINK, IDM_NEW_FOLDER,
                   IDM_MOVE_LINK, IDM_COMPACT_CONFIGHTML}) {
     SCOPED_TRACE(id);
@@ -299,9 +304,10 @@ TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
     EXPECT_TRUE(IsWindow(window_));
     EXPECT_TRUE(IsWindowEnabled(window_));
   }
-  std::vector<std::string> top;
-  for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) top.push_back(entry.path().filename().string());
-  for (const std::string& name : top) EXPECT_TRUE(name == "Databases" || name == kRegistryFileName || name == "DataHtml") << name;
+  for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_TRUE(name == "Databases" || name == kRegistryFileName || name == "DataHtml") << name;
+  }
 }
 
 // Found by the careless-user run: a folder link entered in the Links view took the
@@ -312,16 +318,14 @@ TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
   ASSERT_TRUE(CreateDirectoryA(dir_.File("Outside").c_str(), nullptr));
   ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../Outside"));
   WriteText(program_ + "\\DataHtml\\page.htm", kPage);
-  ASSERT_TRUE(Open());
-  CreateKeyListColumn(App().keysView);
-  ShowBrowserAt("http://127.0.0.1/form.htm");
+  OpenProgram();
+  ShowBrowser();
   LVFINDINFOA find{};
   find.flags = LVFI_STRING;
   find.psz = "Elsewhere";
-  const int row = static_cast<int>(SendMessageA(App().linksView, LVM_FINDITEMA, static_cast<WPARAM>(-1),
-                                                reinterpret_cast<LPARAM>(&find)));
+  const int row = ListView_FindItem(App().linksView, -1, &find);
   ASSERT_GE(row, 0);
-  ListView_SetItemState(App().linksView, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  SelectLink(row);
   const std::string folder = App().linksFolder;
   for (WORD id : {IDM_LINKS_ENTER, IDM_RENAME_FOLDER}) {
     const ModalResult r = RunModal([&] { Command(id); }, {Press("OK")});
@@ -331,8 +335,7 @@ TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
     EXPECT_TRUE(FileExists(program_ + "\\DataHtml\\Elsewhere"));
   }
   // Nor is it offered as the place to move a page to.
-  const int page = static_cast<int>(SendMessageA(App().linksView, LVM_GETITEMCOUNT, 0, 0)) - 1;
-  ListView_SetItemState(App().linksView, page, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  SelectLink(ListView_GetItemCount(App().linksView) - 1);
   std::vector<std::string> destinations;
   ModalResult r = RunModal([&] { Command(IDM_MOVE_LINK); }, {Custom([&](HWND dialog, const WindowSnapshot&) {
                              HWND list = GetDlgItem(dialog, IDC_DESTINATION_LIST);
@@ -355,23 +358,20 @@ TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
 // of a page is left to be scanned later as if it were the page. The reset waits
 // until the first part has arrived (Wine reports an early one as an orderly end).
 TEST_F(FaultTest, ServerThatBreaksOffMidPage) {
-  const std::string head = "HTTP/1.0 200 OK\r\n\r\n<html><form action=\"/post\" method=\"POST\"><input type=text name=email>";
-  LoopbackReply reset{{head}};
-  reset.paced = true;
-  reset.reset = true;
-  ASSERT_TRUE(Open());
-  CreateKeyListColumn(App().keysView);
-  ShowBrowserAt("http://127.0.0.1/form.htm");
+  LoopbackReply reset{{Http(std::string(kPage).substr(0, std::string(kPage).find("</form>")))}};
+  reset.paced = reset.reset = true;
+  OpenProgram();
+  ShowBrowser();
   const std::string saved = program_ + "\\DataHtml\\127.0.0.1.form.htm.htm";
   const std::string registry = ReadText(program_ + "\\" + kRegistryFileName);
   LoopbackServer server(reset);
   ASSERT_TRUE(server.listening()) << server.error();
   const auto resetOnceSomeCame = [&](HWND dialog, const WindowSnapshot&) {
-    for (int i = 0; i < 500 && WindowText(GetDlgItem(dialog, IDC_DOWNLOAD_STATUS)).find("Bytes") == std::string::npos;
-         ++i)
-      Sleep(10);
+    HWND status = GetDlgItem(dialog, IDC_DOWNLOAD_STATUS);
+    for (int i = 0; i < 500 && WindowText(status).find("Bytes") == std::string::npos; ++i) Sleep(10);
     server.Continue();
   };
+  // The download dialog is a step of its own here.
   const ModalResult r = RunModal([this] { Command(IDM_SCAN_HTML); }, {Custom(resetOnceSomeCame), Press("OK")});
   ASSERT_TRUE(r.ok()) << r.Describe();
   EXPECT_EQ(r.seen.at(1).MessageText(), kCantDownloadText);

@@ -4,16 +4,17 @@
 // was saved, the registry and a folder beside the program folder are checked.
 // QB_MONKEY_SEED and QB_MONKEY_SECONDS choose the run (scripts/monkey.sh); without
 // a seed one is made from the clock and printed.
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <random>
+#include <sstream>
 #include <cstring>
 #include <thread>
 
@@ -179,13 +180,11 @@ class Monkey : public MainWindowTest {
   // Fails the run when the user-interface thread stops answering for 10 seconds or
   // one action of the main window does not come back within 40.
   void Watch() {
+    const auto since = [](Clock::rep then) { return Clock::now() - Clock::time_point(Clock::duration(then)); };
     while (!done_) {
       Sleep(200);
-      const auto now = Clock::now().time_since_epoch().count();
-      if (now - beat_.load() > std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(10)).count())
-        Die("hang: nothing happened for 10 seconds");
-      if (actionStart_ && now - actionStart_.load() >
-                              std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(40)).count())
+      if (since(beat_) > std::chrono::seconds(10)) Die("hang: nothing happened for 10 seconds");
+      if (actionStart_ && since(actionStart_) > std::chrono::seconds(40))
         Die("hang: one action did not return within 40 seconds");
     }
   }
@@ -198,27 +197,30 @@ class Monkey : public MainWindowTest {
 
   // --- dialogs and boxes ---------------------------------------------------
 
-  static BOOL CALLBACK CollectModal(HWND w, LPARAM out) {
+  static BOOL CALLBACK CollectShown(HWND w, LPARAM out) {
     if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
     return TRUE;
   }
 
-  // The window that has the user: an enabled top-level window of this thread
-  // other than the main window and the browser.
+  static std::string ClassOf(HWND w) {
+    char cls[32] = {};
+    GetClassNameA(w, cls, sizeof cls);
+    return cls;
+  }
+
+  // The window that has the user: an enabled dialog of this thread other than the
+  // main window and the browser.
   HWND ModalWindow() const {
     std::vector<HWND> windows;
-    EnumThreadWindows(GetCurrentThreadId(), CollectModal, reinterpret_cast<LPARAM>(&windows));
+    EnumThreadWindows(GetCurrentThreadId(), CollectShown, reinterpret_cast<LPARAM>(&windows));
     for (HWND w : windows) {
-      char cls[32] = {};
-      GetClassNameA(w, cls, sizeof cls);
-      if (w != window_ && w != browser_ && std::strcmp(cls, "#32770") == 0) return w;
+      if (w != window_ && w != browser_ && ClassOf(w) == "#32770") return w;
     }
     return nullptr;
   }
 
-  static BOOL CALLBACK CollectControl(HWND w, LPARAM out) {
-    if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
-    return TRUE;
+  static void Post(HWND dialog, int id, WORD code = BN_CLICKED, HWND control = nullptr) {
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(control));
   }
 
   void ActOnModalWindow() {
@@ -240,7 +242,7 @@ class Monkey : public MainWindowTest {
     }
     if (count > 30 || Pick(10) == 0) {
       Log(caption + "Cancel");
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+      Post(dialog, IDCANCEL);
       return;
     }
     const HWND fileField = GetDlgItem(dialog, cmb13) ? GetDlgItem(dialog, cmb13) : GetDlgItem(dialog, edt1);
@@ -250,59 +252,51 @@ class Monkey : public MainWindowTest {
       const std::string& name = names[Pick(std::size(names))];
       Log(caption + "file name " + name + ", OK");
       SetWindowTextA(fileField, name.c_str());
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+      Post(dialog, IDOK);
       return;
     }
     std::vector<HWND> controls;
-    EnumChildWindows(dialog, CollectControl, reinterpret_cast<LPARAM>(&controls));
+    EnumChildWindows(dialog, CollectShown, reinterpret_cast<LPARAM>(&controls));
     if (controls.empty()) return;
     HWND control = controls[Pick(controls.size())];
-    char cls[32] = {};
-    GetClassNameA(control, cls, sizeof cls);
+    const std::string cls = ClassOf(control);
     const int id = GetDlgCtrlID(control);
     const std::string name = caption + cls + " " + std::to_string(id) + " \"" + WindowText(control).substr(0, 20) + "\"";
-    if (std::strcmp(cls, "Edit") == 0) {
+    if (cls == "Edit") {
       const std::string& text = texts_[Pick(texts_.size())];
       Log(name + " type " + std::to_string(text.size()) + " chars \"" + text.substr(0, 20) + "\"");
       SendMessageA(control, EM_SETSEL, 0, -1);
       SendMessageA(control, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
-    } else if (std::strcmp(cls, "Button") == 0) {
+    } else if (cls == "Button") {
       const LONG style = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
       if (id == IDHELP || id == 9 || WindowText(control) == "&Help" || WindowText(control) == "Help") return;
       if (style == BS_GROUPBOX) return;
       const bool toggles = style == BS_AUTOCHECKBOX || style == BS_AUTORADIOBUTTON || style == BS_CHECKBOX;
       if (toggles) SendMessageA(control, BM_SETCHECK, SendMessageA(control, BM_GETCHECK, 0, 0) ? 0 : 1, 0);
       Log(name + " press");
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(control));
-    } else if (std::strcmp(cls, "SysListView32") == 0) {
+      Post(dialog, id, BN_CLICKED, control);
+    } else if (cls == "SysListView32") {
       const int rows = ListView_GetItemCount(control);
       if (rows == 0) return;
       const int row = static_cast<int>(Pick(rows));
       const bool dbl = Pick(4) == 0;
       Log(name + (dbl ? " double click row " : " select row ") + std::to_string(row));
       ListView_SetItemState(control, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-      if (dbl) Notify(dialog, control, NM_DBLCLK, row);
-    } else if (std::strcmp(cls, "ListBox") == 0 || std::strcmp(cls, "ComboBox") == 0) {
+      if (!dbl) return;
+      NMITEMACTIVATE n{};
+      n.hdr = {control, static_cast<UINT_PTR>(id), static_cast<UINT>(NM_DBLCLK)};
+      n.iItem = row;
+      SendMessageA(dialog, WM_NOTIFY, id, reinterpret_cast<LPARAM>(&n));
+    } else if (cls == "ListBox" || cls == "ComboBox") {
       const bool box = cls[0] == 'L';
       const LRESULT rows = SendMessageA(control, box ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
       if (rows <= 0) return;
       const int row = static_cast<int>(Pick(rows));
       Log(name + " choose row " + std::to_string(row));
       SendMessageA(control, box ? LB_SETCURSEL : CB_SETCURSEL, row, 0);
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, box ? LBN_SELCHANGE : CBN_SELCHANGE),
-                   reinterpret_cast<LPARAM>(control));
-      if (box && Pick(3) == 0)
-        PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, LBN_DBLCLK), reinterpret_cast<LPARAM>(control));
+      Post(dialog, id, box ? LBN_SELCHANGE : CBN_SELCHANGE, control);
+      if (box && Pick(3) == 0) Post(dialog, id, LBN_DBLCLK, control);
     }
-  }
-
-  static void Notify(HWND parent, HWND control, UINT code, int row) {
-    NMITEMACTIVATE n{};
-    n.hdr.hwndFrom = control;
-    n.hdr.idFrom = GetDlgCtrlID(control);
-    n.hdr.code = code;
-    n.iItem = row;
-    SendMessageA(parent, WM_NOTIFY, n.hdr.idFrom, reinterpret_cast<LPARAM>(&n));
   }
 
   // --- actions on the main window -------------------------------------------
@@ -350,14 +344,9 @@ class Monkey : public MainWindowTest {
     PointCursor(list, start);
     PostMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
     PostMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&msg);
+    Drain();
     MapWindowPoints(list, window_, &drop, 1);
-    POINT screen = drop;
-    ClientToScreen(window_, &screen);
-    SetCursorPos(screen.x, screen.y);
-    SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
-    SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
+    DropAt(drop);
   }
 
   // A click on a button of the tool bar or the databases bar, or a drag of one by
@@ -372,7 +361,7 @@ class Monkey : public MainWindowTest {
         bar.kind->buttons[which].command == IDM_HELP_TOPICS)
       return Log("bar click on Help left out");
     const RECT r = which < buttons.size() ? buttons[which] : BarGripRect(bar);
-    POINT p{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+    const POINT p = Centre(r);
     Log(std::string(&bar == &ToolBarDescriptor() ? "tool bar" : "databases bar") +
         (which < buttons.size() ? " button " + std::to_string(which) : " drag by the grip"));
     PointCursor(bar.window, p);
@@ -381,13 +370,7 @@ class Monkey : public MainWindowTest {
       SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
       RECT client;
       GetClientRect(window_, &client);
-      POINT drop{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))};
-      POINT screen = drop;
-      ClientToScreen(window_, &screen);
-      SetCursorPos(screen.x, screen.y);
-      SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
-      SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
-      return;
+      return DropAt(POINT{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))});
     }
     SendMessageA(bar.window, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
   }
@@ -396,9 +379,7 @@ class Monkey : public MainWindowTest {
     HWND focus = GetFocus() ? GetFocus() : window_;
     const WPARAM key = kKeys[Pick(std::size(kKeys))];
     const bool control = key >= 'A' && key <= 'Z' && Pick(2);
-    char cls[32] = {};
-    GetClassNameA(focus, cls, sizeof cls);
-    Log(std::string("key ") + (control ? "Ctrl+" : "") + std::to_string(key) + " to " + cls);
+    Log(std::string("key ") + (control ? "Ctrl+" : "") + std::to_string(key) + " to " + ClassOf(focus));
     BYTE state[256];
     GetKeyboardState(state);
     if (control) {
@@ -407,11 +388,7 @@ class Monkey : public MainWindowTest {
       pressed[VK_CONTROL] = 0x80;
       SetKeyboardState(pressed);
     }
-    MSG msg{};
-    msg.hwnd = focus;
-    msg.message = WM_KEYDOWN;
-    msg.wParam = key;
-    msg.lParam = 1;
+    MSG msg{focus, WM_KEYDOWN, key, 1, 0, {}};
     if (IsEditControl(focus) || !TranslateAcceleratorA(focus, accelerators_, &msg)) {
       TranslateMessage(&msg);
       DispatchMessageA(&msg);
@@ -424,10 +401,7 @@ class Monkey : public MainWindowTest {
   void Restart() {
     Log("close the program and start it again");
     SendMessageA(window_, WM_CLOSE, 0, 0);
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-      if (msg.message != WM_QUIT) DispatchMessageA(&msg);
-    }
+    Drain();
     if (IsWindow(window_)) return;  // the user cancelled the save prompt
     window_ = nullptr;
     const Bytes settings = ReadBytes(program_ + "\\pellwick.cfg");
@@ -468,11 +442,10 @@ class Monkey : public MainWindowTest {
          }},
         {2, [this] {
            Log("click the Keys column");
+           const int id = GetDlgCtrlID(App().keysView);
            NMLISTVIEW n{};
-           n.hdr.hwndFrom = App().keysView;
-           n.hdr.idFrom = GetDlgCtrlID(App().keysView);
-           n.hdr.code = LVN_COLUMNCLICK;
-           SendMessageA(window_, WM_NOTIFY, n.hdr.idFrom, reinterpret_cast<LPARAM>(&n));
+           n.hdr = {App().keysView, static_cast<UINT_PTR>(id), static_cast<UINT>(LVN_COLUMNCLICK)};
+           SendMessageA(window_, WM_NOTIFY, id, reinterpret_cast<LPARAM>(&n));
          }},
         {3, [this] {
            const char* addresses[] = {"http://127.0.0.1/form.htm", "http://127.0.0.1/Shop/order.htm",
@@ -536,25 +509,15 @@ class Monkey : public MainWindowTest {
     std::map<std::string, Bytes> now;
     Snapshot(outside_, "", now);
     if (now != outsideBefore_) Die("the folder beside the program folder changed");
-    std::map<std::string, Bytes> top;
-    WIN32_FIND_DATAA found;
-    HANDLE find = FindFirstFileA((dir_.path() + "\\*").c_str(), &found);
-    int entries = 0;
-    do {
-      ++entries;
-    } while (find != INVALID_HANDLE_VALUE && FindNextFileA(find, &found));
-    FindClose(find);
-    if (entries != 4) Die("something was made beside the program folder");  // ".", "..", Program, Outside
+    // Only Program and Outside lie there.
+    if (std::distance(std::filesystem::directory_iterator(dir_.path()), {}) != 2)
+      Die("something was made beside the program folder");
   }
 
   void CheckRegistry() {
-    const std::string text = ReadText(program_ + "\\" + kRegistryFileName);
-    std::size_t start = 0;
-    while (start < text.size()) {
-      std::size_t end = text.find('\n', start);
-      if (end == std::string::npos) end = text.size();
-      if (end - start > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(end - start) + " characters");
-      start = end + 1;
+    std::istringstream text(ReadText(program_ + "\\" + kRegistryFileName));
+    for (std::string line; std::getline(text, line);) {
+      if (line.size() > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(line.size()) + " characters");
     }
     std::FILE* in = std::fopen((program_ + "\\" + kRegistryFileName).c_str(), "r");
     if (!in) return;  // the user may compact it away
@@ -593,9 +556,7 @@ class Monkey : public MainWindowTest {
       while (roll >= actions[i].weight) roll -= actions[i++].weight;
       actionStart_ = Clock::now().time_since_epoch().count();
       actions[i].run();
-      MSG msg;
-      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        if (msg.message == WM_QUIT) continue;
+      for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);) {
         TranslateMessage(&msg);
         DispatchMessageA(&msg);
       }

@@ -44,7 +44,6 @@ BOOL CALLBACK AddControl(HWND child, LPARAM param) {
   c.className = ClassOf(child);
   c.text = WindowText(child);
   c.enabled = IsWindowEnabled(child) != FALSE;
-  c.visible = IsWindowVisible(child) != FALSE;
   if (IsButton(c)) {
     DWORD_PTR state = 0;
     SendMessageTimeoutA(child, BM_GETCHECK, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &state);
@@ -65,24 +64,19 @@ WindowSnapshot Snapshot(HWND window) {
 
 struct FindState {
   DWORD thread;
-  DWORD process;
-  bool anyProcess;
-  bool wantHandled;
-  bool shownOnly;
-  const std::set<HWND>* handled;
-  const std::function<bool(HWND)>* passOver;
+  const ModalOptions& options;
+  bool wantHandled, shownOnly;
+  const std::set<HWND>& handled;
   HWND found;
 };
 
 BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
   auto* st = reinterpret_cast<FindState*>(param);
-  DWORD pid = 0;
-  DWORD tid = GetWindowThreadProcessId(w, &pid);
-  if (st->anyProcess ? false : tid != st->thread) return TRUE;
+  if (!st->options.anyProcess && GetWindowThreadProcessId(w, nullptr) != st->thread) return TRUE;
   if (st->shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) return TRUE;
   if (ClassOf(w) != "#32770") return TRUE;
-  if ((st->handled->count(w) != 0) != st->wantHandled) return TRUE;
-  if (*st->passOver && (*st->passOver)(w)) return TRUE;
+  if ((st->handled.count(w) != 0) != st->wantHandled) return TRUE;
+  if (st->options.passOver && st->options.passOver(w)) return TRUE;
   st->found = w;
   return FALSE;
 }
@@ -92,8 +86,7 @@ BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
 // failed to show itself must still be closed, or the action would never return).
 HWND FindModal(DWORD thread, const ModalOptions& options, bool wantHandled,
                const std::set<HWND>& handled, bool shownOnly = true) {
-  FindState st{thread,   GetCurrentProcessId(), options.anyProcess, wantHandled, shownOnly,
-               &handled, &options.passOver,     nullptr};
+  FindState st{thread, options, wantHandled, shownOnly, handled, nullptr};
   EnumWindows(MatchModal, reinterpret_cast<LPARAM>(&st));
   return st.found;
 }
