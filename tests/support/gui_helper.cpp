@@ -34,6 +34,14 @@ std::string ClassOf(HWND window) {
   return name;
 }
 
+// A message to a window of the thread under test, which may be busy: given up
+// after a while rather than waited for.
+DWORD_PTR Send(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+  DWORD_PTR result = 0;
+  SendMessageTimeoutA(window, message, wParam, lParam, SMTO_NORMAL, kSendTimeoutMs, &result);
+  return result;
+}
+
 bool IsButton(const ControlInfo& c) { return _stricmp(c.className.c_str(), "Button") == 0; }
 
 BOOL CALLBACK AddControl(HWND child, LPARAM param) {
@@ -44,11 +52,7 @@ BOOL CALLBACK AddControl(HWND child, LPARAM param) {
   c.className = ClassOf(child);
   c.text = WindowText(child);
   c.enabled = IsWindowEnabled(child) != FALSE;
-  if (IsButton(c)) {
-    DWORD_PTR state = 0;
-    SendMessageTimeoutA(child, BM_GETCHECK, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &state);
-    c.checked = static_cast<int>(state);
-  }
+  if (IsButton(c)) c.checked = static_cast<int>(Send(child, BM_GETCHECK));
   snap->controls.push_back(c);
   return TRUE;
 }
@@ -107,9 +111,7 @@ std::string WindowText(HWND window) {
   if (!SendMessageTimeoutA(window, WM_GETTEXTLENGTH, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &length))
     return {};
   std::string text(length + 1, '\0');
-  DWORD_PTR copied = 0;
-  SendMessageTimeoutA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
-                      SMTO_NORMAL, kSendTimeoutMs, &copied);
+  const DWORD_PTR copied = Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
   text.resize(std::min<std::size_t>(copied, length));
   return text;
 }
@@ -174,15 +176,11 @@ ModalStep Again(ModalStep step) {
 }
 
 void SetControlText(HWND dialog, int id, const std::string& text) {
-  DWORD_PTR r;
-  SendMessageTimeoutA(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()),
-                      SMTO_NORMAL, kSendTimeoutMs, &r);
+  Send(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 void SetCheck(HWND dialog, int id, bool checked) {
-  DWORD_PTR r;
-  SendMessageTimeoutA(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0,
-                      SMTO_NORMAL, kSendTimeoutMs, &r);
+  Send(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED);
 }
 
 void ClickButton(HWND dialog, int id) { PressById(dialog, GetDlgItem(dialog, id), id); }
