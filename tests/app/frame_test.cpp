@@ -86,31 +86,6 @@ TEST_F(MainWindow, BarClassesThatCannotBeRegisteredAreReported) {
   }
 }
 
-TEST_F(MainWindow, ZeroRectangleGivesASmallWindowAtTheTopLeft) {
-  ASSERT_NE(Open(0), nullptr);
-  EXPECT_EQ(App().mainWindow, window_);
-  RECT r;
-  GetWindowRect(window_, &r);
-  EXPECT_EQ(Describe(r), Describe(RECT{0, 0, 300, 100}));
-  EXPECT_EQ(WindowText(window_), "Quellbarrow - Data.dat");
-  EXPECT_EQ(GetMenuItemCount(GetMenu(window_)), 7);
-
-  Settings().maximized = 1;
-  ASSERT_NE(Open(0), nullptr);
-  EXPECT_TRUE(IsZoomed(window_));
-}
-
-TEST_F(MainWindow, ExitDoesNothingAndADisplayChangeIsRecorded) {
-  ASSERT_NE(Open(0), nullptr);
-  auto result = RunModal([&] { EXPECT_EQ(Command(IDM_EXIT), 0); }, {});
-  EXPECT_TRUE(result.ok()) << result.Describe();
-  EXPECT_TRUE(IsWindow(window_));
-  EXPECT_FALSE(FileExists(dir_.File("pellwick.cfg")));
-
-  EXPECT_EQ(SendMessageA(window_, WM_DISPLAYCHANGE, 32, MAKELPARAM(1600, 900)), 0);
-  EXPECT_EQ(std::tie(App().screenWidth, App().screenHeight), std::make_tuple(1600, 900));
-}
-
 // A modal window that closes gives the keyboard back to the list the user was in,
 // not to the frame, where arrow keys and Delete would reach nothing.
 TEST_F(MainWindow, FocusReturnsToTheListThatHadItWhenAModalWindowCloses) {
@@ -165,24 +140,39 @@ TEST_F(MainWindow, ABarThatCannotBeCreatedEndsTheProgram) {
   EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
-TEST_F(MainWindow, CloseSavesTheSettingsWithTheWindowRectangleAndQuits) {
-  Settings().windowRect = {40, 50, 540, 450};
+// A zero rectangle gives a small window at the top left; Exit does nothing; close
+// saves the settings with the window's rectangle and quits.
+TEST_F(MainWindow, OpensSmallWithoutARectangleAndCloseSavesWhereItWent) {
   // An empty database, so that slot 0 keeps its name (a missing file empties it).
   CreateDirectoryA(dir_.File("Databases").c_str(), nullptr);
   WriteBytes(dir_.File("Databases\\Data.dat"), {0xC6, 0x1E, 0x27, 0x00, 0, 0, 0, 0});
   ASSERT_NE(Open(0), nullptr);
+  EXPECT_EQ(App().mainWindow, window_);
+  RECT r;
+  GetWindowRect(window_, &r);
+  EXPECT_EQ(Describe(r), Describe(RECT{0, 0, 300, 100}));
+  EXPECT_EQ(WindowText(window_), "Quellbarrow - Data.dat");
+  auto result = RunModal([&] { EXPECT_EQ(Command(IDM_EXIT), 0); }, {});
+  EXPECT_TRUE(result.ok()) << result.Describe();
+  EXPECT_FALSE(FileExists(dir_.File("pellwick.cfg")));
+  EXPECT_EQ(SendMessageA(window_, WM_DISPLAYCHANGE, 32, MAKELPARAM(1600, 900)), 0);
+  EXPECT_EQ(std::tie(App().screenWidth, App().screenHeight), std::make_tuple(1600, 900));
+
   SetWindowPos(window_, nullptr, 60, 70, 400, 300, SWP_NOZORDER);
   SendMessageA(window_, WM_CLOSE, 0, 0);
   EXPECT_FALSE(IsWindow(window_));
   MSG msg;
   EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-
   AppSettings saved;
   ASSERT_TRUE(ReadSettingsFile(dir_.File("pellwick.cfg"), saved));
-  const WindowRect& r = saved.windowRect;
-  EXPECT_EQ(std::tie(r.left, r.top, r.right, r.bottom), std::make_tuple(60, 70, 460, 370));
+  const WindowRect& w = saved.windowRect;
+  EXPECT_EQ(std::tie(w.left, w.top, w.right, w.bottom), std::make_tuple(60, 70, 460, 370));
   EXPECT_EQ(saved.maximized, 0u);
   EXPECT_STREQ(saved.slotNames[0].data(), "Data.dat");
+
+  Settings().maximized = 1;
+  ASSERT_NE(Open(0), nullptr);
+  EXPECT_TRUE(IsZoomed(window_));
 }
 
 }  // namespace

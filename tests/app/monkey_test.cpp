@@ -10,11 +10,11 @@
 #include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <random>
-#include <sstream>
 #include <cstring>
 #include <thread>
 
@@ -122,7 +122,7 @@ class Monkey : public MainWindowTest {
     SetCurrentLinksFolder("");
     ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Data.dat", *OwnedTable(kFirstKeys)));
     ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Second.dat", *OwnedTable(kSecondKeys)));
-    const std::string html = std::string(kFormPage).substr(std::string(kFormPage).find("<html>"));
+    const std::string html = std::strstr(kFormPage, "<html>");
     const std::string root = program_ + "\\DataHtml\\";
     std::string registry = std::string(kRegistryHeader) + "\r\n";
     for (const char* page : {"form.htm", "Shop\\order.htm", "Shop\\Deep\\deep.htm"}) {
@@ -130,7 +130,7 @@ class Monkey : public MainWindowTest {
       registry += std::string("127.0.0.1/") + page + "\r\n" + root + page + "\r\n";
     }
     WriteText(program_ + "\\" + kRegistryFileName, registry);
-    ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../../Outside"));
+    ASSERT_TRUE(MakeUnixLink(root, "Elsewhere", "../../Outside"));
     Snapshot(outside_, "", outsideBefore_);
     std::strcpy(Settings().slotNames[1].data(), "Second.dat");
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
@@ -162,17 +162,15 @@ class Monkey : public MainWindowTest {
     beat_ = Clock::now().time_since_epoch().count();
   }
 
-  std::string Report(const std::string& what) {
-    std::lock_guard<std::mutex> lock(logMutex_);
-    std::string text = "monkey: " + what + "\nmonkey: seed " + std::to_string(seed_) + " after " +
-                       std::to_string(actions_) + " actions; the last ones:\n";
-    for (const std::string& line : log_) text += "  " + line + "\n";
-    return text;
-  }
-
+  // Reports the seed and the last actions, to replay the run, and ends it.
   [[noreturn]] void Die(const std::string& what) {
-    std::fputs(Report(what).c_str(), stderr);
-    std::fflush(stderr);
+    {
+      std::lock_guard<std::mutex> lock(logMutex_);
+      std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(),
+                   static_cast<unsigned long long>(seed_), static_cast<unsigned long long>(actions_));
+      for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
+      std::fflush(stderr);
+    }
     TerminateProcess(GetCurrentProcess(), 3);
     std::abort();
   }
@@ -223,6 +221,9 @@ class Monkey : public MainWindowTest {
     PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(control));
   }
 
+  // One answer to the dialog or box on top, on every tick of the timer: a file
+  // name, typing, a press or a choice in a random control; a window that stays
+  // open is cancelled, then closed, then reported.
   void ActOnModalWindow() {
     beat_ = Clock::now().time_since_epoch().count();
     if (HWND menu = FindWindowA("#32768", nullptr); menu && IsWindowVisible(menu)) {
@@ -234,7 +235,7 @@ class Monkey : public MainWindowTest {
     if (!dialog) return;
     const int count = ++modalActions_[dialog];
     const std::string caption = "[" + WindowText(dialog) + "] ";
-    if (count > 120) Die("the window \"" + WindowText(dialog) + "\" does not close");
+    if (count > 120) Die("the window " + caption + "does not close");
     if (count > 60) {
       Log(caption + "WM_CLOSE");
       PostMessageA(dialog, WM_CLOSE, 0, 0);
@@ -242,18 +243,15 @@ class Monkey : public MainWindowTest {
     }
     if (count > 30 || Pick(10) == 0) {
       Log(caption + "Cancel");
-      Post(dialog, IDCANCEL);
-      return;
+      return Post(dialog, IDCANCEL);
     }
-    const HWND fileField = GetDlgItem(dialog, cmb13) ? GetDlgItem(dialog, cmb13) : GetDlgItem(dialog, edt1);
-    if (fileField) {
+    if (HWND field = GetDlgItem(dialog, GetDlgItem(dialog, cmb13) ? cmb13 : edt1)) {
       const std::string names[] = {"Data.dat", "Second.dat", "Third.dat", "x", outside_ + "\\o.dat",
                                    "..\\..\\Outside\\p.dat", "..\\DataHtml\\form.htm", "nofolder\\x.dat"};
       const std::string& name = names[Pick(std::size(names))];
       Log(caption + "file name " + name + ", OK");
-      SetWindowTextA(fileField, name.c_str());
-      Post(dialog, IDOK);
-      return;
+      SetWindowTextA(field, name.c_str());
+      return Post(dialog, IDOK);
     }
     std::vector<HWND> controls;
     EnumChildWindows(dialog, CollectShown, reinterpret_cast<LPARAM>(&controls));
@@ -268,21 +266,21 @@ class Monkey : public MainWindowTest {
       SendMessageA(control, EM_SETSEL, 0, -1);
       SendMessageA(control, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
     } else if (cls == "Button") {
+      // Help starts the help viewer, another program, which the run leaves alone.
       const LONG style = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
-      if (id == IDHELP || id == 9 || WindowText(control) == "&Help" || WindowText(control) == "Help") return;
-      if (style == BS_GROUPBOX) return;
-      const bool toggles = style == BS_AUTOCHECKBOX || style == BS_AUTORADIOBUTTON || style == BS_CHECKBOX;
-      if (toggles) SendMessageA(control, BM_SETCHECK, SendMessageA(control, BM_GETCHECK, 0, 0) ? 0 : 1, 0);
+      if (id == IDHELP || style == BS_GROUPBOX) return;
+      if (style == BS_AUTOCHECKBOX || style == BS_AUTORADIOBUTTON || style == BS_CHECKBOX)
+        SendMessageA(control, BM_SETCHECK, !SendMessageA(control, BM_GETCHECK, 0, 0), 0);
       Log(name + " press");
       Post(dialog, id, BN_CLICKED, control);
     } else if (cls == "SysListView32") {
       const int rows = ListView_GetItemCount(control);
       if (rows == 0) return;
       const int row = static_cast<int>(Pick(rows));
-      const bool dbl = Pick(4) == 0;
-      Log(name + (dbl ? " double click row " : " select row ") + std::to_string(row));
+      const bool twice = Pick(4) == 0;
+      Log(name + (twice ? " double click row " : " select row ") + std::to_string(row));
       ListView_SetItemState(control, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-      if (!dbl) return;
+      if (!twice) return;
       NMITEMACTIVATE n{};
       n.hdr = {control, static_cast<UINT_PTR>(id), static_cast<UINT>(NM_DBLCLK)};
       n.iItem = row;
@@ -304,75 +302,65 @@ class Monkey : public MainWindowTest {
   std::size_t Pick(std::size_t n) { return n ? std::uniform_int_distribution<std::size_t>(0, n - 1)(rng_) : 0; }
 
   HWND AnyList() { return Pick(2) ? App().keysView : App().linksView; }
-  static const char* ListName(HWND list) { return list == App().keysView ? "Keys" : "Links"; }
 
   // A point on a random row of `list` (or below the rows), in its client coordinates.
-  POINT RowPoint(HWND list, int* row) {
+  POINT RowPoint(HWND list) {
     const int rows = ListView_GetItemCount(list);
-    *row = static_cast<int>(Pick(rows + 1));
-    RECT r{};
-    r.left = LVIR_BOUNDS;
-    if (*row < rows && SendMessageA(list, LVM_GETITEMRECT, *row, reinterpret_cast<LPARAM>(&r))) {
+    const int row = static_cast<int>(Pick(rows + 1));
+    RECT r{LVIR_BOUNDS, 0, 0, 0};
+    if (row < rows && SendMessageA(list, LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&r)))
       return POINT{r.left + 20, (r.top + r.bottom) / 2};
-    }
     GetClientRect(list, &r);
     return POINT{r.right / 2, r.bottom - 5};
   }
 
-  static void PointCursor(HWND list, POINT p) {
-    ClientToScreen(list, &p);
-    SetCursorPos(p.x, p.y);
+  // A press at `p` in `window` and its release, as the mouse sends them: the
+  // pointer put there, the release waiting in the queue (a list watches the
+  // queue for it before it acts on the press). With `drop`, the press becomes a
+  // drag that ends there, in the main window's client coordinates.
+  void Mouse(const std::string& what, HWND window, POINT p, UINT down, const POINT* drop = nullptr) {
+    Log(what + " at " + std::to_string(p.x) + "," + std::to_string(p.y));
+    POINT screen = p;
+    ClientToScreen(window, &screen);
+    SetCursorPos(screen.x, screen.y);
+    if (drop) {
+      PostMessageA(window, down, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+      PostMessageA(window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
+      Drain();
+      return DropAt(*drop);
+    }
+    PostMessageA(window, down == WM_RBUTTONDOWN ? WM_RBUTTONUP : WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+    SendMessageA(window, down, down == WM_RBUTTONDOWN ? MK_RBUTTON : MK_LBUTTON, MAKELPARAM(p.x, p.y));
   }
 
-  void Mouse(HWND list, UINT down, UINT up, const char* what) {
-    int row = 0;
-    const POINT p = RowPoint(list, &row);
-    Log(std::string(what) + " " + ListName(list) + " row " + std::to_string(row));
-    PointCursor(list, p);
-    // The release waits in the queue, as it does for a real click: the list
-    // watches the queue for it before it acts on the press.
-    PostMessageA(list, up, 0, MAKELPARAM(p.x, p.y));
-    SendMessageA(list, down, down == WM_RBUTTONDOWN ? MK_RBUTTON : MK_LBUTTON, MAKELPARAM(p.x, p.y));
-  }
-
-  void Drag() {
+  // A row clicked, or dragged onto a row of either list.
+  void OnList(const char* what, UINT down, bool drag = false) {
     HWND list = AnyList();
-    int from = 0, to = 0;
-    const POINT start = RowPoint(list, &from);
-    POINT drop = RowPoint(Pick(4) ? list : AnyList(), &to);
-    Log(std::string("drag ") + ListName(list) + " row " + std::to_string(from) + " to " + std::to_string(to));
-    PointCursor(list, start);
-    PostMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
-    PostMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
-    Drain();
-    MapWindowPoints(list, window_, &drop, 1);
-    DropAt(drop);
+    HWND target = Pick(4) ? list : AnyList();
+    POINT drop = RowPoint(target);
+    MapWindowPoints(target, window_, &drop, 1);
+    Mouse(std::string(what) + (list == App().keysView ? " Keys" : " Links"), list, RowPoint(list), down,
+          drag ? &drop : nullptr);
   }
 
-  // A click on a button of the tool bar or the databases bar, or a drag of one by
+  // A button of the tool bar or the databases bar clicked, or the bar dragged by
   // its grip to anywhere over the main window.
-  void BarClick() {
+  void OnBar() {
     DockBar& bar = Pick(2) ? ToolBarDescriptor() : DatabaseBarDescriptor();
-    if (!bar.window || !IsWindowVisible(bar.window)) return Log("bar click on a hidden bar");
+    const char* name = &bar == &ToolBarDescriptor() ? "tool bar" : "databases bar";
+    if (!bar.window || !IsWindowVisible(bar.window)) return Log(std::string(name) + " hidden");
     const std::vector<RECT> buttons = BarButtonRects(bar);
     const std::size_t which = Pick(buttons.size() + 1);
-    // Help starts the help viewer, another program, which the run leaves alone.
-    if (which < buttons.size() && bar.kind && static_cast<int>(which) < bar.kind->count &&
-        bar.kind->buttons[which].command == IDM_HELP_TOPICS)
-      return Log("bar click on Help left out");
-    const RECT r = which < buttons.size() ? buttons[which] : BarGripRect(bar);
-    const POINT p = Centre(r);
-    Log(std::string(&bar == &ToolBarDescriptor() ? "tool bar" : "databases bar") +
-        (which < buttons.size() ? " button " + std::to_string(which) : " drag by the grip"));
-    PointCursor(bar.window, p);
-    SendMessageA(bar.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
     if (which == buttons.size()) {
-      SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
       RECT client;
       GetClientRect(window_, &client);
-      return DropAt(POINT{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))});
+      const POINT drop{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))};
+      return Mouse(std::string(name) + " grip", bar.window, Centre(BarGripRect(bar)), WM_LBUTTONDOWN, &drop);
     }
-    SendMessageA(bar.window, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+    // Help starts the help viewer, another program, which the run leaves alone.
+    if (bar.kind && static_cast<int>(which) < bar.kind->count && bar.kind->buttons[which].command == IDM_HELP_TOPICS)
+      return Log(std::string(name) + " Help left out");
+    Mouse(std::string(name) + " button " + std::to_string(which), bar.window, Centre(buttons[which]), WM_LBUTTONDOWN);
   }
 
   void Key() {
@@ -429,15 +417,15 @@ class Monkey : public MainWindowTest {
            Log("command " + std::to_string(id));
            SendMessageA(window_, WM_COMMAND, id, 0);
          }},
-        {12, [this] { Mouse(AnyList(), WM_LBUTTONDOWN, WM_LBUTTONUP, "click"); }},
-        {5, [this] { Mouse(AnyList(), WM_LBUTTONDBLCLK, WM_LBUTTONUP, "double click"); }},
-        {4, [this] { Mouse(AnyList(), WM_RBUTTONDOWN, WM_RBUTTONUP, "right click"); }},
-        {4, [this] { Drag(); }},
-        {6, [this] { BarClick(); }},
+        {12, [this] { OnList("click", WM_LBUTTONDOWN); }},
+        {5, [this] { OnList("double click", WM_LBUTTONDBLCLK); }},
+        {4, [this] { OnList("right click", WM_RBUTTONDOWN); }},
+        {4, [this] { OnList("drag", WM_LBUTTONDOWN, true); }},
+        {6, [this] { OnBar(); }},
         {16, [this] { Key(); }},
         {4, [this] {
            HWND list = AnyList();
-           Log(std::string("focus ") + ListName(list));
+           Log(list == App().keysView ? "focus Keys" : "focus Links");
            SetFocus(list);
          }},
         {2, [this] {
@@ -472,10 +460,11 @@ class Monkey : public MainWindowTest {
     for (int i = 0; i < kMaxKeys; ++i) {
       for (int f = 0; f < kKeyFieldCount; ++f) {
         const TextBlock block = keys.fields[f][i];
-        if (i >= keys.count && block != kNoBlock) Die("a block past the count at key " + std::to_string(i));
-        if (block != kNoBlock && !IsTextBlock(block)) Die("a dead block at key " + std::to_string(i));
-        if (block != kNoBlock && TextLock(block).text().size() > kMaxFieldLength)
-          Die("a text over its limit at key " + std::to_string(i));
+        if (block == kNoBlock) continue;
+        const std::string at = " at key " + std::to_string(i);
+        if (i >= keys.count) Die("a block past the count" + at);
+        if (!IsTextBlock(block)) Die("a dead block" + at);
+        if (TextLock(block).text().size() > kMaxFieldLength) Die("a text over its limit" + at);
       }
     }
     if (CurrentSlotName()[0] == '\0') return;
@@ -505,28 +494,18 @@ class Monkey : public MainWindowTest {
     }
   }
 
-  void CheckOutside() {
+  // Nothing changed in the folder beside the program folder, nothing was made
+  // beside the two, and the registry's lines stay within what its reader takes.
+  void CheckOutsideAndRegistry() {
     std::map<std::string, Bytes> now;
     Snapshot(outside_, "", now);
     if (now != outsideBefore_) Die("the folder beside the program folder changed");
-    // Only Program and Outside lie there.
     if (std::distance(std::filesystem::directory_iterator(dir_.path()), {}) != 2)
       Die("something was made beside the program folder");
-  }
-
-  void CheckRegistry() {
-    std::istringstream text(ReadText(program_ + "\\" + kRegistryFileName));
-    for (std::string line; std::getline(text, line);) {
+    std::ifstream registry(program_ + "\\" + kRegistryFileName);
+    for (std::string line; std::getline(registry, line);) {
       if (line.size() > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(line.size()) + " characters");
     }
-    std::FILE* in = std::fopen((program_ + "\\" + kRegistryFileName).c_str(), "r");
-    if (!in) return;  // the user may compact it away
-    RegistryReader reader(in);
-    RegistryEntry entry;
-    for (int n = 0; reader.Next(entry); ++n) {
-      if (n > 100000) Die("the registry does not end");
-    }
-    std::fclose(in);
   }
 
   void Run() {
@@ -565,8 +544,7 @@ class Monkey : public MainWindowTest {
       if (!IsWindow(window_)) Die("the main window went away");
       CheckTable();
       CheckSaved(before, tableBefore);
-      CheckOutside();
-      CheckRegistry();
+      CheckOutsideAndRegistry();
     }
     KillTimer(nullptr, timer);
     done_ = true;
