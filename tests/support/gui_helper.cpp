@@ -66,38 +66,30 @@ WindowSnapshot Snapshot(HWND window) {
   return s;
 }
 
-struct FindState {
-  DWORD thread;
-  const ModalOptions& options;
-  bool wantHandled, shownOnly;
-  const std::set<HWND>& handled;
-  HWND found;
-};
-
-BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
-  auto* st = reinterpret_cast<FindState*>(param);
-  if (!st->options.anyProcess && GetWindowThreadProcessId(w, nullptr) != st->thread) return TRUE;
-  if (st->shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) return TRUE;
-  if (ClassOf(w) != "#32770") return TRUE;
-  if ((st->handled.count(w) != 0) != st->wantHandled) return TRUE;
-  if (st->options.passOver && st->options.passOver(w)) return TRUE;
-  st->found = w;
-  return FALSE;
+BOOL CALLBACK CollectWindow(HWND w, LPARAM p) {
+  reinterpret_cast<std::vector<HWND>*>(p)->push_back(w);
+  return TRUE;
 }
 
-// A visible, enabled dialog-class window: the modal window on top of its owner.
+std::vector<HWND> TopLevelWindows() {
+  std::vector<HWND> windows;
+  EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&windows));
+  return windows;
+}
+
+// A visible, enabled dialog-class window of the thread (any thread with
+// anyProcess) that is among `among` or not: the modal window on top of its owner.
 // With shownOnly false, also a window that never became visible (a dialog that
 // failed to show itself must still be closed, or the action would never return).
-HWND FindModal(DWORD thread, const ModalOptions& options, bool wantHandled,
-               const std::set<HWND>& handled, bool shownOnly = true) {
-  FindState st{thread, options, wantHandled, shownOnly, handled, nullptr};
-  EnumWindows(MatchModal, reinterpret_cast<LPARAM>(&st));
-  return st.found;
-}
-
-BOOL CALLBACK CollectWindow(HWND w, LPARAM p) {
-  reinterpret_cast<std::set<HWND>*>(p)->insert(w);
-  return TRUE;
+HWND FindModal(DWORD thread, const ModalOptions& options, const std::set<HWND>& among, bool inAmong,
+               bool shownOnly = true) {
+  for (HWND w : TopLevelWindows()) {
+    if (!options.anyProcess && GetWindowThreadProcessId(w, nullptr) != thread) continue;
+    if (shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) continue;
+    if (ClassOf(w) == "#32770" && (among.count(w) != 0) == inAmong && !(options.passOver && options.passOver(w)))
+      return w;
+  }
+  return nullptr;
 }
 
 void PressById(HWND window, HWND button, int id) {
@@ -232,24 +224,18 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
   ModalResult result;
   const DWORD thread = GetCurrentThreadId();
   std::atomic<bool> actionDone{false};
-  std::set<HWND> handled;
   // Windows already open do not count as opened by the action.
-  EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&handled));
-  const std::set<HWND> preexisting = handled;
+  const std::vector<HWND> open = TopLevelWindows();
+  std::set<HWND> handled(open.begin(), open.end());
+  std::set<HWND> answered;  // by a step, for an Again step to find
 
   std::thread watcher([&] {
     for (std::size_t i = 0; i < steps.size(); ++i) {
       const auto deadline = Clock::now() + std::chrono::milliseconds(options.stepTimeoutMs);
       HWND window = nullptr;
       while (!window && Clock::now() < deadline) {
-        if (steps[i].again) {
-          std::set<HWND> answered = handled;
-          for (HWND w : preexisting) answered.erase(w);
-          // FindModal with wantHandled looks among the windows answered before.
-          window = FindModal(thread, options, true, answered);
-        } else {
-          window = FindModal(thread, options, false, handled);
-        }
+        window = steps[i].again ? FindModal(thread, options, answered, true)
+                                : FindModal(thread, options, handled, false);
         if (!window) {
           if (actionDone) break;
           std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
@@ -260,6 +246,7 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
         break;
       }
       handled.insert(window);
+      answered.insert(window);
       WindowSnapshot snap = Snapshot(window);
       result.seen.push_back(snap);
       try {
@@ -279,7 +266,7 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
     // Anything else that opens before the action ends was not foreseen: cancel it.
     const bool failed = !result.errors.empty();
     while (!actionDone) {
-      HWND extra = FindModal(thread, options, false, handled, !failed);
+      HWND extra = FindModal(thread, options, handled, false, !failed);
       if (extra) {
         handled.insert(extra);
         result.unexpected.push_back(Snapshot(extra));
