@@ -267,27 +267,24 @@ class Monkey : public MainWindowTest {
         SendMessageA(control, BM_SETCHECK, !SendMessageA(control, BM_GETCHECK, 0, 0), 0);
       Log(name + " press");
       Post(dialog, id, BN_CLICKED, control);
-    } else if (cls == "SysListView32") {
-      const int rows = ListView_GetItemCount(control);
-      if (rows == 0) return;
+    } else if (cls == "SysListView32" || cls == "ListBox" || cls == "ComboBox") {
+      const bool view = cls[0] == 'S', box = cls[0] == 'L';
+      const LRESULT rows = SendMessageA(control, view ? LVM_GETITEMCOUNT : box ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
+      if (rows <= 0) return;
       const int row = static_cast<int>(Pick(rows));
-      const bool twice = Pick(4) == 0;
-      Log(name + (twice ? " double click row " : " select row ") + std::to_string(row));
+      const bool twice = cls[0] != 'C' && Pick(4) == 0;
+      Log(name + (twice ? " double click row " : " choose row ") + std::to_string(row));
+      if (!view) {
+        SendMessageA(control, box ? LB_SETCURSEL : CB_SETCURSEL, row, 0);
+        Post(dialog, id, box ? LBN_SELCHANGE : CBN_SELCHANGE, control);
+        if (twice) Post(dialog, id, LBN_DBLCLK, control);
+        return;
+      }
       ListView_SetItemState(control, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-      if (!twice) return;
       NMITEMACTIVATE n{};
       n.hdr = {control, static_cast<UINT_PTR>(id), static_cast<UINT>(NM_DBLCLK)};
       n.iItem = row;
-      SendMessageA(dialog, WM_NOTIFY, id, reinterpret_cast<LPARAM>(&n));
-    } else if (cls == "ListBox" || cls == "ComboBox") {
-      const bool box = cls[0] == 'L';
-      const LRESULT rows = SendMessageA(control, box ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
-      if (rows <= 0) return;
-      const int row = static_cast<int>(Pick(rows));
-      Log(name + " choose row " + std::to_string(row));
-      SendMessageA(control, box ? LB_SETCURSEL : CB_SETCURSEL, row, 0);
-      Post(dialog, id, box ? LBN_SELCHANGE : CBN_SELCHANGE, control);
-      if (box && Pick(3) == 0) Post(dialog, id, LBN_DBLCLK, control);
+      if (twice) SendMessageA(dialog, WM_NOTIFY, id, reinterpret_cast<LPARAM>(&n));
     }
   }
 
