@@ -70,8 +70,9 @@ TEST(Resources, MenusHoldEveryCommandWithItsHelpLine) {
 }
 
 // Both classes exist already, so registering fails at the tool bar; with the tool
-// bar's class gone, at the databases bar.
-TEST_F(MainWindow, BarClassesThatCannotBeRegisteredAreReported) {
+// bar's class gone, at the databases bar. Without that class the main window can
+// make no bar, and the program ends.
+TEST_F(MainWindow, BarClassesAndBarsThatCannotBeMadeAreReported) {
   for (const char* message : {"Could not register a tool bar window", "Could not register a Database bar window"}) {
     const auto result = RunModal([&] { EXPECT_FALSE(RegisterBarClasses(Instance())); }, {Press("OK")});
     ASSERT_TRUE(result.ok()) << result.Describe();
@@ -79,6 +80,14 @@ TEST_F(MainWindow, BarClassesThatCannotBeRegisteredAreReported) {
     EXPECT_EQ(result.seen[0].caption, "Error");
     UnregisterClassA("ToolBar", Instance());
   }
+  ASSERT_TRUE(EnsureClasses());
+  ASSERT_TRUE(UnregisterClassA("DatabaseBar", Instance()));
+  auto result = RunModal([&] { Open(); }, {Press("OK")});
+  ASSERT_TRUE(EnsureClasses());
+  ASSERT_TRUE(result.ok()) << result.Describe();
+  EXPECT_EQ(result.seen[0].MessageText(), "Unable to Create Tool bar window");
+  MSG msg;
+  EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
 // A modal window that closes gives the keyboard back to the list the user was in,
@@ -123,16 +132,6 @@ TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
 
   const FrameGdi& g = Gdi();
   for (HICON icon : {g.hiddenIcon, g.rootFolderIcon, g.openFolderIcon}) EXPECT_NE(icon, nullptr);
-}
-
-TEST_F(MainWindow, ABarThatCannotBeCreatedEndsTheProgram) {
-  ASSERT_TRUE(UnregisterClassA("DatabaseBar", Instance()));
-  auto result = RunModal([&] { Open(); }, {Press("OK")});
-  ASSERT_TRUE(EnsureClasses());
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].MessageText(), "Unable to Create Tool bar window");
-  MSG msg;
-  EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
 // A zero rectangle gives a small window at the top left; Exit does nothing; close
