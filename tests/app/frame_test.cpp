@@ -32,13 +32,6 @@ TEST_F(MainWindow, SettingsFileProblemsAreReportedAndTheSettingsStay) {
   }
 }
 
-TEST_F(MainWindow, ProgramDirectoryIsTheCurrentFolderWithoutAnAppPathsEntry) {
-  char cwd[MAX_PATH] = {};
-  GetCurrentDirectoryA(MAX_PATH, cwd);
-  EXPECT_EQ(FindProgramDirectory(), cwd);
-  EXPECT_EQ(App().helpPath, dir_.path() + "\\QBHELP.HLP");
-}
-
 // Counts the command items of `menu` and its submenus, expecting a help line for each.
 int CountCommandsWithHelp(HMENU menu) {
   int commands = 0;
@@ -134,14 +127,19 @@ TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
   for (HICON icon : {g.hiddenIcon, g.rootFolderIcon, g.openFolderIcon}) EXPECT_NE(icon, nullptr);
 }
 
-// A zero rectangle gives a small window at the top left; Exit does nothing; close
-// saves the settings with the window's rectangle and quits.
+// Without an App Paths entry the program folder is the current one; a zero
+// rectangle gives a small window at the top left; Exit does nothing; close saves
+// the settings with the window's rectangle and quits.
 TEST_F(MainWindow, OpensSmallWithoutARectangleAndCloseSavesWhereItWent) {
   // An empty database, so that slot 0 keeps its name (a missing file empties it).
   CreateDirectoryA(dir_.File("Databases").c_str(), nullptr);
   WriteBytes(dir_.File("Databases\\Data.dat"), {0xC6, 0x1E, 0x27, 0x00, 0, 0, 0, 0});
+  char cwd[MAX_PATH] = {};
+  GetCurrentDirectoryA(MAX_PATH, cwd);
+  EXPECT_EQ(FindProgramDirectory(), cwd);
   ASSERT_NE(Open(0), nullptr);
   EXPECT_EQ(App().mainWindow, window_);
+  EXPECT_EQ(App().helpPath, dir_.path() + "\\QBHELP.HLP");
   RECT r;
   GetWindowRect(window_, &r);
   EXPECT_EQ(Describe(r), Describe(RECT{0, 0, 300, 100}));

@@ -240,6 +240,7 @@ class Monkey : public MainWindowTest {
       return Post(dialog, IDCANCEL);
     }
     if (HWND field = GetDlgItem(dialog, GetDlgItem(dialog, cmb13) ? cmb13 : edt1)) {
+      // Shorter than a path may be: Wine's open dialog overruns its stack on a longer one.
       const std::string names[] = {"Data.dat", "Second.dat", "Third.dat", "x", outside_ + "\\o.dat",
                                    "..\\..\\Outside\\p.dat", "..\\DataHtml\\form.htm", "nofolder\\x.dat"};
       const std::string& name = names[Pick(std::size(names))];
