@@ -519,10 +519,7 @@ class Monkey : public MainWindowTest {
       while (roll >= actions[i].weight) roll -= actions[i++].weight;
       actionStart_ = Clock::now().time_since_epoch().count();
       actions[i].run();
-      for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);) {
-        TranslateMessage(&msg);
-        DispatchMessageA(&msg);
-      }
+      Drain();
       actionStart_ = 0;
       modalActions_.clear();
       if (!IsWindow(window_)) Die("the main window went away");
