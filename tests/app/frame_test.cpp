@@ -32,13 +32,6 @@ TEST_F(MainWindow, SettingsFileProblemsAreReportedAndTheSettingsStay) {
   }
 }
 
-TEST_F(MainWindow, ProgramDirectoryIsTheCurrentFolderWithoutAnAppPathsEntry) {
-  char cwd[MAX_PATH] = {};
-  GetCurrentDirectoryA(MAX_PATH, cwd);
-  EXPECT_EQ(FindProgramDirectory(), cwd);
-  EXPECT_EQ(App().helpPath, dir_.path() + "\\QBHELP.HLP");
-}
-
 // Counts the command items of `menu` and its submenus, expecting a help line for each.
 int CountCommandsWithHelp(HMENU menu) {
   int commands = 0;
@@ -65,52 +58,29 @@ TEST(Resources, MenusHoldEveryCommandWithItsHelpLine) {
   // from Clipboard" included.
   EXPECT_EQ(CountCommandsWithHelp(menu), 50);
   DestroyMenu(menu);
-  for (const char* name : {"IPOPMENU", "POPLIST_MENU"}) {
-    HMENU popup = LoadMenuA(inst, name);
-    ASSERT_NE(popup, nullptr) << name;
-    EXPECT_GT(GetMenuItemCount(GetSubMenu(popup, 0)), 0) << name;
-    DestroyMenu(popup);
-  }
-  EXPECT_NE(LoadAcceleratorsA(inst, "Quellbarrow"), nullptr);
+  // The pop-up menus and the accelerators are used where they show.
   EXPECT_NE(LoadIconA(inst, "APPICON"), nullptr);
 }
 
-TEST_F(MainWindow, BarClassesThatCannotBeRegisteredAreReported) {
-  // Both classes exist already, so registering fails at the tool bar...
-  auto result = RunModal([&] { EXPECT_FALSE(RegisterBarClasses(Instance())); }, {Press("OK")});
+// Both classes exist already, so registering fails at the tool bar; with the tool
+// bar's class gone, at the databases bar. Without that class the main window can
+// make no bar, and the program ends.
+TEST_F(MainWindow, BarClassesAndBarsThatCannotBeMadeAreReported) {
+  for (const char* message : {"Could not register a tool bar window", "Could not register a Database bar window"}) {
+    const auto result = RunModal([&] { EXPECT_FALSE(RegisterBarClasses(Instance())); }, {Press("OK")});
+    ASSERT_TRUE(result.ok()) << result.Describe();
+    EXPECT_EQ(result.seen[0].MessageText(), message);
+    EXPECT_EQ(result.seen[0].caption, "Error");
+    UnregisterClassA("ToolBar", Instance());
+  }
+  ASSERT_TRUE(EnsureClasses());
+  ASSERT_TRUE(UnregisterClassA("DatabaseBar", Instance()));
+  auto result = RunModal([&] { Open(); }, {Press("OK")});
+  ASSERT_TRUE(EnsureClasses());
   ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].MessageText(), "Could not register a tool bar window");
-  EXPECT_EQ(result.seen[0].caption, "Error");
-  // ...and, with the tool bar's class gone, at the databases bar.
-  ASSERT_TRUE(UnregisterClassA("ToolBar", Instance()));
-  result = RunModal([&] { EXPECT_FALSE(RegisterBarClasses(Instance())); }, {Press("OK")});
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].MessageText(), "Could not register a Database bar window");
-}
-
-TEST_F(MainWindow, ZeroRectangleGivesASmallWindowAtTheTopLeft) {
-  ASSERT_NE(Open(0), nullptr);
-  EXPECT_EQ(App().mainWindow, window_);
-  RECT r;
-  GetWindowRect(window_, &r);
-  EXPECT_EQ(Describe(r), Describe(RECT{0, 0, 300, 100}));
-  EXPECT_EQ(WindowText(window_), "Quellbarrow - Data.dat");
-  EXPECT_EQ(GetMenuItemCount(GetMenu(window_)), 7);
-
-  Settings().maximized = 1;
-  ASSERT_NE(Open(0), nullptr);
-  EXPECT_TRUE(IsZoomed(window_));
-}
-
-TEST_F(MainWindow, ExitDoesNothingAndADisplayChangeIsRecorded) {
-  ASSERT_NE(Open(0), nullptr);
-  auto result = RunModal([&] { EXPECT_EQ(Command(IDM_EXIT), 0); }, {});
-  EXPECT_TRUE(result.ok()) << result.Describe();
-  EXPECT_TRUE(IsWindow(window_));
-  EXPECT_FALSE(FileExists(dir_.File("pellwick.cfg")));
-
-  EXPECT_EQ(SendMessageA(window_, WM_DISPLAYCHANGE, 32, MAKELPARAM(1600, 900)), 0);
-  EXPECT_EQ(std::tie(App().screenWidth, App().screenHeight), std::make_tuple(1600, 900));
+  EXPECT_EQ(result.seen[0].MessageText(), "Unable to Create Tool bar window");
+  MSG msg;
+  EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
 // A modal window that closes gives the keyboard back to the list the user was in,
@@ -157,35 +127,44 @@ TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
   for (HICON icon : {g.hiddenIcon, g.rootFolderIcon, g.openFolderIcon}) EXPECT_NE(icon, nullptr);
 }
 
-TEST_F(MainWindow, ABarThatCannotBeCreatedEndsTheProgram) {
-  ASSERT_TRUE(UnregisterClassA("DatabaseBar", Instance()));
-  auto result = RunModal([&] { Open(); }, {Press("OK")});
-  ASSERT_TRUE(EnsureClasses());
-  ASSERT_TRUE(result.ok()) << result.Describe();
-  EXPECT_EQ(result.seen[0].MessageText(), "Unable to Create Tool bar window");
-  MSG msg;
-  EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-}
-
-TEST_F(MainWindow, CloseSavesTheSettingsWithTheWindowRectangleAndQuits) {
-  Settings().windowRect = {40, 50, 540, 450};
+// Without an App Paths entry the program folder is the current one; a zero
+// rectangle gives a small window at the top left; Exit does nothing; close saves
+// the settings with the window's rectangle and quits.
+TEST_F(MainWindow, OpensSmallWithoutARectangleAndCloseSavesWhereItWent) {
   // An empty database, so that slot 0 keeps its name (a missing file empties it).
   CreateDirectoryA(dir_.File("Databases").c_str(), nullptr);
   WriteBytes(dir_.File("Databases\\Data.dat"), {0xC6, 0x1E, 0x27, 0x00, 0, 0, 0, 0});
+  char cwd[MAX_PATH] = {};
+  GetCurrentDirectoryA(MAX_PATH, cwd);
+  EXPECT_EQ(FindProgramDirectory(), cwd);
   ASSERT_NE(Open(0), nullptr);
+  EXPECT_EQ(App().mainWindow, window_);
+  EXPECT_EQ(App().helpPath, dir_.path() + "\\QBHELP.HLP");
+  RECT r;
+  GetWindowRect(window_, &r);
+  EXPECT_EQ(Describe(r), Describe(RECT{0, 0, 300, 100}));
+  EXPECT_EQ(WindowText(window_), "Quellbarrow - Data.dat");
+  auto result = RunModal([&] { EXPECT_EQ(Command(IDM_EXIT), 0); }, {});
+  EXPECT_TRUE(result.ok()) << result.Describe();
+  EXPECT_FALSE(FileExists(dir_.File("pellwick.cfg")));
+  EXPECT_EQ(SendMessageA(window_, WM_DISPLAYCHANGE, 32, MAKELPARAM(1600, 900)), 0);
+  EXPECT_EQ(std::tie(App().screenWidth, App().screenHeight), std::make_tuple(1600, 900));
+
   SetWindowPos(window_, nullptr, 60, 70, 400, 300, SWP_NOZORDER);
   SendMessageA(window_, WM_CLOSE, 0, 0);
   EXPECT_FALSE(IsWindow(window_));
   MSG msg;
   EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-
   AppSettings saved;
   ASSERT_TRUE(ReadSettingsFile(dir_.File("pellwick.cfg"), saved));
-  EXPECT_EQ(ReadBytes(dir_.File("pellwick.cfg")).size(), 3419u);
-  const WindowRect& r = saved.windowRect;
-  EXPECT_EQ(std::tie(r.left, r.top, r.right, r.bottom), std::make_tuple(60, 70, 460, 370));
+  const WindowRect& w = saved.windowRect;
+  EXPECT_EQ(std::tie(w.left, w.top, w.right, w.bottom), std::make_tuple(60, 70, 460, 370));
   EXPECT_EQ(saved.maximized, 0u);
   EXPECT_STREQ(saved.slotNames[0].data(), "Data.dat");
+
+  Settings().maximized = 1;
+  ASSERT_NE(Open(0), nullptr);
+  EXPECT_TRUE(IsZoomed(window_));
 }
 
 }  // namespace

@@ -4,12 +4,13 @@
 // was saved, the registry and a folder beside the program folder are checked.
 // QB_MONKEY_SEED and QB_MONKEY_SECONDS choose the run (scripts/monkey.sh); without
 // a seed one is made from the clock and printed.
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -77,23 +78,16 @@ const WPARAM kKeys[] = {'A', 'K', 'Z', VK_RETURN, VK_ESCAPE, VK_DELETE, VK_F2, V
 
 std::string Size(const Bytes& b) { return std::to_string(b.size()) + " bytes"; }
 
-// Every file under `folder` with its bytes, by path relative to it.
-void Snapshot(const std::string& folder, const std::string& prefix, std::map<std::string, Bytes>& out) {
-  WIN32_FIND_DATAA found;
-  HANDLE find = FindFirstFileA((folder + "\\*").c_str(), &found);
-  if (find == INVALID_HANDLE_VALUE) return;
-  do {
-    const std::string name = found.cFileName;
-    if (name == "." || name == "..") continue;
-    const std::string path = folder + "\\" + name;
-    if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-      out[prefix + name + "\\"] = {};
-      Snapshot(path, prefix + name + "\\", out);
-    } else {
-      out[prefix + name] = ReadBytes(path);
-    }
-  } while (FindNextFileA(find, &found));
-  FindClose(find);
+// Every file and folder under `folder` (folders with a trailing separator), with
+// its bytes, by path relative to it.
+std::map<std::string, Bytes> Files(const std::string& folder) {
+  std::map<std::string, Bytes> out;
+  std::error_code error;
+  for (std::filesystem::recursive_directory_iterator it(folder, error), end; it != end; it.increment(error)) {
+    const std::string name = it->path().string().substr(folder.size() + 1);
+    out[it->is_directory() ? name + "\\" : name] = it->is_directory() ? Bytes{} : ReadBytes(it->path().string());
+  }
+  return out;
 }
 
 class Monkey;
@@ -121,7 +115,7 @@ class Monkey : public MainWindowTest {
     SetCurrentLinksFolder("");
     ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Data.dat", *OwnedTable(kFirstKeys)));
     ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Second.dat", *OwnedTable(kSecondKeys)));
-    const std::string html = std::string(kFormPage).substr(std::string(kFormPage).find("<html>"));
+    const std::string html = std::strstr(kFormPage, "<html>");
     const std::string root = program_ + "\\DataHtml\\";
     std::string registry = std::string(kRegistryHeader) + "\r\n";
     for (const char* page : {"form.htm", "Shop\\order.htm", "Shop\\Deep\\deep.htm"}) {
@@ -129,8 +123,9 @@ class Monkey : public MainWindowTest {
       registry += std::string("127.0.0.1/") + page + "\r\n" + root + page + "\r\n";
     }
     WriteText(program_ + "\\" + kRegistryFileName, registry);
-    ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../../Outside"));
-    Snapshot(outside_, "", outsideBefore_);
+    ASSERT_TRUE(MakeUnixLink(root, "Elsewhere", "../../Outside"));
+    outsideBefore_ = Files(outside_);
+    ASSERT_EQ(outsideBefore_.size(), 3u);  // keep.htm, inner\ and inner\Data.dat
     std::strcpy(Settings().slotNames[1].data(), "Second.dat");
     SetBrowserWindowChoiceOption(kFirstBrowserWindow);
     browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm");
@@ -161,17 +156,15 @@ class Monkey : public MainWindowTest {
     beat_ = Clock::now().time_since_epoch().count();
   }
 
-  std::string Report(const std::string& what) {
-    std::lock_guard<std::mutex> lock(logMutex_);
-    std::string text = "monkey: " + what + "\nmonkey: seed " + std::to_string(seed_) + " after " +
-                       std::to_string(actions_) + " actions; the last ones:\n";
-    for (const std::string& line : log_) text += "  " + line + "\n";
-    return text;
-  }
-
+  // Reports the seed and the last actions, to replay the run, and ends it.
   [[noreturn]] void Die(const std::string& what) {
-    std::fputs(Report(what).c_str(), stderr);
-    std::fflush(stderr);
+    {
+      std::lock_guard<std::mutex> lock(logMutex_);
+      std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(),
+                   static_cast<unsigned long long>(seed_), static_cast<unsigned long long>(actions_));
+      for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
+      std::fflush(stderr);
+    }
     TerminateProcess(GetCurrentProcess(), 3);
     std::abort();
   }
@@ -179,13 +172,11 @@ class Monkey : public MainWindowTest {
   // Fails the run when the user-interface thread stops answering for 10 seconds or
   // one action of the main window does not come back within 40.
   void Watch() {
+    const auto since = [](Clock::rep then) { return Clock::now() - Clock::time_point(Clock::duration(then)); };
     while (!done_) {
       Sleep(200);
-      const auto now = Clock::now().time_since_epoch().count();
-      if (now - beat_.load() > std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(10)).count())
-        Die("hang: nothing happened for 10 seconds");
-      if (actionStart_ && now - actionStart_.load() >
-                              std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(40)).count())
+      if (since(beat_) > std::chrono::seconds(10)) Die("hang: nothing happened for 10 seconds");
+      if (actionStart_ && since(actionStart_) > std::chrono::seconds(40))
         Die("hang: one action did not return within 40 seconds");
     }
   }
@@ -198,29 +189,35 @@ class Monkey : public MainWindowTest {
 
   // --- dialogs and boxes ---------------------------------------------------
 
-  static BOOL CALLBACK CollectModal(HWND w, LPARAM out) {
+  static BOOL CALLBACK CollectShown(HWND w, LPARAM out) {
     if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
     return TRUE;
   }
 
-  // The window that has the user: an enabled top-level window of this thread
-  // other than the main window and the browser.
+  static std::string ClassOf(HWND w) {
+    char cls[32] = {};
+    GetClassNameA(w, cls, sizeof cls);
+    return cls;
+  }
+
+  // The window that has the user: an enabled dialog of this thread other than the
+  // main window and the browser.
   HWND ModalWindow() const {
     std::vector<HWND> windows;
-    EnumThreadWindows(GetCurrentThreadId(), CollectModal, reinterpret_cast<LPARAM>(&windows));
+    EnumThreadWindows(GetCurrentThreadId(), CollectShown, reinterpret_cast<LPARAM>(&windows));
     for (HWND w : windows) {
-      char cls[32] = {};
-      GetClassNameA(w, cls, sizeof cls);
-      if (w != window_ && w != browser_ && std::strcmp(cls, "#32770") == 0) return w;
+      if (w != window_ && w != browser_ && ClassOf(w) == "#32770") return w;
     }
     return nullptr;
   }
 
-  static BOOL CALLBACK CollectControl(HWND w, LPARAM out) {
-    if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
-    return TRUE;
+  static void Post(HWND dialog, int id, WORD code = BN_CLICKED, HWND control = nullptr) {
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(control));
   }
 
+  // One answer to the dialog or box on top, on every tick of the timer: a file
+  // name, typing, a press or a choice in a random control; a window that stays
+  // open is cancelled, then closed, then reported.
   void ActOnModalWindow() {
     beat_ = Clock::now().time_since_epoch().count();
     if (HWND menu = FindWindowA("#32768", nullptr); menu && IsWindowVisible(menu)) {
@@ -232,7 +229,7 @@ class Monkey : public MainWindowTest {
     if (!dialog) return;
     const int count = ++modalActions_[dialog];
     const std::string caption = "[" + WindowText(dialog) + "] ";
-    if (count > 120) Die("the window \"" + WindowText(dialog) + "\" does not close");
+    if (count > 120) Die("the window " + caption + "does not close");
     if (count > 60) {
       Log(caption + "WM_CLOSE");
       PostMessageA(dialog, WM_CLOSE, 0, 0);
@@ -240,69 +237,56 @@ class Monkey : public MainWindowTest {
     }
     if (count > 30 || Pick(10) == 0) {
       Log(caption + "Cancel");
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-      return;
+      return Post(dialog, IDCANCEL);
     }
-    const HWND fileField = GetDlgItem(dialog, cmb13) ? GetDlgItem(dialog, cmb13) : GetDlgItem(dialog, edt1);
-    if (fileField) {
+    if (HWND field = GetDlgItem(dialog, GetDlgItem(dialog, cmb13) ? cmb13 : edt1)) {
+      // Shorter than a path may be: Wine's open dialog overruns its stack on a longer one.
       const std::string names[] = {"Data.dat", "Second.dat", "Third.dat", "x", outside_ + "\\o.dat",
                                    "..\\..\\Outside\\p.dat", "..\\DataHtml\\form.htm", "nofolder\\x.dat"};
       const std::string& name = names[Pick(std::size(names))];
       Log(caption + "file name " + name + ", OK");
-      SetWindowTextA(fileField, name.c_str());
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
-      return;
+      SetWindowTextA(field, name.c_str());
+      return Post(dialog, IDOK);
     }
     std::vector<HWND> controls;
-    EnumChildWindows(dialog, CollectControl, reinterpret_cast<LPARAM>(&controls));
+    EnumChildWindows(dialog, CollectShown, reinterpret_cast<LPARAM>(&controls));
     if (controls.empty()) return;
     HWND control = controls[Pick(controls.size())];
-    char cls[32] = {};
-    GetClassNameA(control, cls, sizeof cls);
+    const std::string cls = ClassOf(control);
     const int id = GetDlgCtrlID(control);
     const std::string name = caption + cls + " " + std::to_string(id) + " \"" + WindowText(control).substr(0, 20) + "\"";
-    if (std::strcmp(cls, "Edit") == 0) {
+    if (cls == "Edit") {
       const std::string& text = texts_[Pick(texts_.size())];
       Log(name + " type " + std::to_string(text.size()) + " chars \"" + text.substr(0, 20) + "\"");
       SendMessageA(control, EM_SETSEL, 0, -1);
       SendMessageA(control, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
-    } else if (std::strcmp(cls, "Button") == 0) {
+    } else if (cls == "Button") {
+      // Help starts the help viewer, another program, which the run leaves alone.
       const LONG style = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
-      if (id == IDHELP || id == 9 || WindowText(control) == "&Help" || WindowText(control) == "Help") return;
-      if (style == BS_GROUPBOX) return;
-      const bool toggles = style == BS_AUTOCHECKBOX || style == BS_AUTORADIOBUTTON || style == BS_CHECKBOX;
-      if (toggles) SendMessageA(control, BM_SETCHECK, SendMessageA(control, BM_GETCHECK, 0, 0) ? 0 : 1, 0);
+      if (id == IDHELP || style == BS_GROUPBOX) return;
+      if (style == BS_AUTOCHECKBOX || style == BS_AUTORADIOBUTTON || style == BS_CHECKBOX)
+        SendMessageA(control, BM_SETCHECK, !SendMessageA(control, BM_GETCHECK, 0, 0), 0);
       Log(name + " press");
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(control));
-    } else if (std::strcmp(cls, "SysListView32") == 0) {
-      const int rows = ListView_GetItemCount(control);
-      if (rows == 0) return;
-      const int row = static_cast<int>(Pick(rows));
-      const bool dbl = Pick(4) == 0;
-      Log(name + (dbl ? " double click row " : " select row ") + std::to_string(row));
-      ListView_SetItemState(control, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-      if (dbl) Notify(dialog, control, NM_DBLCLK, row);
-    } else if (std::strcmp(cls, "ListBox") == 0 || std::strcmp(cls, "ComboBox") == 0) {
-      const bool box = cls[0] == 'L';
-      const LRESULT rows = SendMessageA(control, box ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
+      Post(dialog, id, BN_CLICKED, control);
+    } else if (cls == "SysListView32" || cls == "ListBox" || cls == "ComboBox") {
+      const bool view = cls[0] == 'S', box = cls[0] == 'L';
+      const LRESULT rows = SendMessageA(control, view ? LVM_GETITEMCOUNT : box ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
       if (rows <= 0) return;
       const int row = static_cast<int>(Pick(rows));
-      Log(name + " choose row " + std::to_string(row));
-      SendMessageA(control, box ? LB_SETCURSEL : CB_SETCURSEL, row, 0);
-      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, box ? LBN_SELCHANGE : CBN_SELCHANGE),
-                   reinterpret_cast<LPARAM>(control));
-      if (box && Pick(3) == 0)
-        PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, LBN_DBLCLK), reinterpret_cast<LPARAM>(control));
+      const bool twice = cls[0] != 'C' && Pick(4) == 0;
+      Log(name + (twice ? " double click row " : " choose row ") + std::to_string(row));
+      if (!view) {
+        SendMessageA(control, box ? LB_SETCURSEL : CB_SETCURSEL, row, 0);
+        Post(dialog, id, box ? LBN_SELCHANGE : CBN_SELCHANGE, control);
+        if (twice) Post(dialog, id, LBN_DBLCLK, control);
+        return;
+      }
+      ListView_SetItemState(control, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+      NMITEMACTIVATE n{};
+      n.hdr = {control, static_cast<UINT_PTR>(id), static_cast<UINT>(NM_DBLCLK)};
+      n.iItem = row;
+      if (twice) SendMessageA(dialog, WM_NOTIFY, id, reinterpret_cast<LPARAM>(&n));
     }
-  }
-
-  static void Notify(HWND parent, HWND control, UINT code, int row) {
-    NMITEMACTIVATE n{};
-    n.hdr.hwndFrom = control;
-    n.hdr.idFrom = GetDlgCtrlID(control);
-    n.hdr.code = code;
-    n.iItem = row;
-    SendMessageA(parent, WM_NOTIFY, n.hdr.idFrom, reinterpret_cast<LPARAM>(&n));
   }
 
   // --- actions on the main window -------------------------------------------
@@ -310,124 +294,92 @@ class Monkey : public MainWindowTest {
   std::size_t Pick(std::size_t n) { return n ? std::uniform_int_distribution<std::size_t>(0, n - 1)(rng_) : 0; }
 
   HWND AnyList() { return Pick(2) ? App().keysView : App().linksView; }
-  static const char* ListName(HWND list) { return list == App().keysView ? "Keys" : "Links"; }
 
   // A point on a random row of `list` (or below the rows), in its client coordinates.
-  POINT RowPoint(HWND list, int* row) {
+  POINT RowPoint(HWND list) {
     const int rows = ListView_GetItemCount(list);
-    *row = static_cast<int>(Pick(rows + 1));
-    RECT r{};
-    r.left = LVIR_BOUNDS;
-    if (*row < rows && SendMessageA(list, LVM_GETITEMRECT, *row, reinterpret_cast<LPARAM>(&r))) {
+    const int row = static_cast<int>(Pick(rows + 1));
+    RECT r{LVIR_BOUNDS, 0, 0, 0};
+    if (row < rows && SendMessageA(list, LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&r)))
       return POINT{r.left + 20, (r.top + r.bottom) / 2};
-    }
     GetClientRect(list, &r);
     return POINT{r.right / 2, r.bottom - 5};
   }
 
-  static void PointCursor(HWND list, POINT p) {
-    ClientToScreen(list, &p);
-    SetCursorPos(p.x, p.y);
-  }
-
-  void Mouse(HWND list, UINT down, UINT up, const char* what) {
-    int row = 0;
-    const POINT p = RowPoint(list, &row);
-    Log(std::string(what) + " " + ListName(list) + " row " + std::to_string(row));
-    PointCursor(list, p);
-    // The release waits in the queue, as it does for a real click: the list
-    // watches the queue for it before it acts on the press.
-    PostMessageA(list, up, 0, MAKELPARAM(p.x, p.y));
-    SendMessageA(list, down, down == WM_RBUTTONDOWN ? MK_RBUTTON : MK_LBUTTON, MAKELPARAM(p.x, p.y));
-  }
-
-  void Drag() {
-    HWND list = AnyList();
-    int from = 0, to = 0;
-    const POINT start = RowPoint(list, &from);
-    POINT drop = RowPoint(Pick(4) ? list : AnyList(), &to);
-    Log(std::string("drag ") + ListName(list) + " row " + std::to_string(from) + " to " + std::to_string(to));
-    PointCursor(list, start);
-    PostMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start.x, start.y));
-    PostMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start.x + 12, start.y + 12));
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&msg);
-    MapWindowPoints(list, window_, &drop, 1);
-    POINT screen = drop;
-    ClientToScreen(window_, &screen);
+  // A press at `p` in `window` and its release, as the mouse sends them: the
+  // pointer put there, the release waiting in the queue (a list watches the
+  // queue for it before it acts on the press). With `drop`, the press becomes a
+  // drag that ends there, in the main window's client coordinates.
+  void Mouse(const std::string& what, HWND window, POINT p, UINT down, const POINT* drop = nullptr) {
+    Log(what + " at " + std::to_string(p.x) + "," + std::to_string(p.y));
+    POINT screen = p;
+    ClientToScreen(window, &screen);
     SetCursorPos(screen.x, screen.y);
-    SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
-    SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
+    if (drop) {
+      PostMessageA(window, down, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+      PostMessageA(window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
+      Drain();
+      return DropAt(*drop);
+    }
+    PostMessageA(window, down == WM_RBUTTONDOWN ? WM_RBUTTONUP : WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+    SendMessageA(window, down, down == WM_RBUTTONDOWN ? MK_RBUTTON : MK_LBUTTON, MAKELPARAM(p.x, p.y));
   }
 
-  // A click on a button of the tool bar or the databases bar, or a drag of one by
+  // A row clicked, or dragged onto a row of either list.
+  void OnList(const char* what, UINT down, bool drag = false) {
+    HWND list = AnyList();
+    HWND target = Pick(4) ? list : AnyList();
+    POINT drop = RowPoint(target);
+    MapWindowPoints(target, window_, &drop, 1);
+    Mouse(std::string(what) + (list == App().keysView ? " Keys" : " Links"), list, RowPoint(list), down,
+          drag ? &drop : nullptr);
+  }
+
+  // A button of the tool bar or the databases bar clicked, or the bar dragged by
   // its grip to anywhere over the main window.
-  void BarClick() {
+  void OnBar() {
     DockBar& bar = Pick(2) ? ToolBarDescriptor() : DatabaseBarDescriptor();
-    if (!bar.window || !IsWindowVisible(bar.window)) return Log("bar click on a hidden bar");
+    const char* name = &bar == &ToolBarDescriptor() ? "tool bar" : "databases bar";
+    if (!bar.window || !IsWindowVisible(bar.window)) return Log(std::string(name) + " hidden");
     const std::vector<RECT> buttons = BarButtonRects(bar);
     const std::size_t which = Pick(buttons.size() + 1);
-    // Help starts the help viewer, another program, which the run leaves alone.
-    if (which < buttons.size() && bar.kind && static_cast<int>(which) < bar.kind->count &&
-        bar.kind->buttons[which].command == IDM_HELP_TOPICS)
-      return Log("bar click on Help left out");
-    const RECT r = which < buttons.size() ? buttons[which] : BarGripRect(bar);
-    POINT p{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
-    Log(std::string(&bar == &ToolBarDescriptor() ? "tool bar" : "databases bar") +
-        (which < buttons.size() ? " button " + std::to_string(which) : " drag by the grip"));
-    PointCursor(bar.window, p);
-    SendMessageA(bar.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
     if (which == buttons.size()) {
-      SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
       RECT client;
       GetClientRect(window_, &client);
-      POINT drop{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))};
-      POINT screen = drop;
-      ClientToScreen(window_, &screen);
-      SetCursorPos(screen.x, screen.y);
-      SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(drop.x, drop.y));
-      SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(drop.x, drop.y));
-      return;
+      const POINT drop{static_cast<LONG>(Pick(client.right + 1)), static_cast<LONG>(Pick(client.bottom + 1))};
+      return Mouse(std::string(name) + " grip", bar.window, Centre(BarGripRect(bar)), WM_LBUTTONDOWN, &drop);
     }
-    SendMessageA(bar.window, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+    // Help starts the help viewer, another program, which the run leaves alone.
+    if (bar.kind && static_cast<int>(which) < bar.kind->count && bar.kind->buttons[which].command == IDM_HELP_TOPICS)
+      return Log(std::string(name) + " Help left out");
+    Mouse(std::string(name) + " button " + std::to_string(which), bar.window, Centre(buttons[which]), WM_LBUTTONDOWN);
   }
 
   void Key() {
     HWND focus = GetFocus() ? GetFocus() : window_;
     const WPARAM key = kKeys[Pick(std::size(kKeys))];
     const bool control = key >= 'A' && key <= 'Z' && Pick(2);
-    char cls[32] = {};
-    GetClassNameA(focus, cls, sizeof cls);
-    Log(std::string("key ") + (control ? "Ctrl+" : "") + std::to_string(key) + " to " + cls);
+    Log(std::string("key ") + (control ? "Ctrl+" : "") + std::to_string(key) + " to " + ClassOf(focus));
     BYTE state[256];
     GetKeyboardState(state);
-    if (control) {
-      BYTE pressed[256];
-      std::memcpy(pressed, state, sizeof state);
-      pressed[VK_CONTROL] = 0x80;
-      SetKeyboardState(pressed);
-    }
-    MSG msg{};
-    msg.hwnd = focus;
-    msg.message = WM_KEYDOWN;
-    msg.wParam = key;
-    msg.lParam = 1;
+    const BYTE ctrl = state[VK_CONTROL];
+    state[VK_CONTROL] = control ? 0x80 : ctrl;
+    SetKeyboardState(state);
+    MSG msg{focus, WM_KEYDOWN, key, 1, 0, {}};
     if (IsEditControl(focus) || !TranslateAcceleratorA(focus, accelerators_, &msg)) {
       TranslateMessage(&msg);
       DispatchMessageA(&msg);
       msg.message = WM_KEYUP;
       DispatchMessageA(&msg);
     }
+    state[VK_CONTROL] = ctrl;
     SetKeyboardState(state);
   }
 
   void Restart() {
     Log("close the program and start it again");
     SendMessageA(window_, WM_CLOSE, 0, 0);
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-      if (msg.message != WM_QUIT) DispatchMessageA(&msg);
-    }
+    Drain();
     if (IsWindow(window_)) return;  // the user cancelled the save prompt
     window_ = nullptr;
     const Bytes settings = ReadBytes(program_ + "\\pellwick.cfg");
@@ -455,24 +407,23 @@ class Monkey : public MainWindowTest {
            Log("command " + std::to_string(id));
            SendMessageA(window_, WM_COMMAND, id, 0);
          }},
-        {12, [this] { Mouse(AnyList(), WM_LBUTTONDOWN, WM_LBUTTONUP, "click"); }},
-        {5, [this] { Mouse(AnyList(), WM_LBUTTONDBLCLK, WM_LBUTTONUP, "double click"); }},
-        {4, [this] { Mouse(AnyList(), WM_RBUTTONDOWN, WM_RBUTTONUP, "right click"); }},
-        {4, [this] { Drag(); }},
-        {6, [this] { BarClick(); }},
+        {12, [this] { OnList("click", WM_LBUTTONDOWN); }},
+        {5, [this] { OnList("double click", WM_LBUTTONDBLCLK); }},
+        {4, [this] { OnList("right click", WM_RBUTTONDOWN); }},
+        {4, [this] { OnList("drag", WM_LBUTTONDOWN, true); }},
+        {6, [this] { OnBar(); }},
         {16, [this] { Key(); }},
         {4, [this] {
            HWND list = AnyList();
-           Log(std::string("focus ") + ListName(list));
+           Log(list == App().keysView ? "focus Keys" : "focus Links");
            SetFocus(list);
          }},
         {2, [this] {
            Log("click the Keys column");
+           const int id = GetDlgCtrlID(App().keysView);
            NMLISTVIEW n{};
-           n.hdr.hwndFrom = App().keysView;
-           n.hdr.idFrom = GetDlgCtrlID(App().keysView);
-           n.hdr.code = LVN_COLUMNCLICK;
-           SendMessageA(window_, WM_NOTIFY, n.hdr.idFrom, reinterpret_cast<LPARAM>(&n));
+           n.hdr = {App().keysView, static_cast<UINT_PTR>(id), static_cast<UINT>(LVN_COLUMNCLICK)};
+           SendMessageA(window_, WM_NOTIFY, id, reinterpret_cast<LPARAM>(&n));
          }},
         {3, [this] {
            const char* addresses[] = {"http://127.0.0.1/form.htm", "http://127.0.0.1/Shop/order.htm",
@@ -487,11 +438,7 @@ class Monkey : public MainWindowTest {
 
   // --- invariants -------------------------------------------------------------
 
-  std::map<std::string, Bytes> Databases() const {
-    std::map<std::string, Bytes> files;
-    Snapshot(program_ + "\\Databases", "", files);
-    return files;
-  }
+  std::map<std::string, Bytes> Databases() const { return Files(program_ + "\\Databases"); }
 
   void CheckTable() {
     const KeyTable& keys = Keys();
@@ -499,10 +446,11 @@ class Monkey : public MainWindowTest {
     for (int i = 0; i < kMaxKeys; ++i) {
       for (int f = 0; f < kKeyFieldCount; ++f) {
         const TextBlock block = keys.fields[f][i];
-        if (i >= keys.count && block != kNoBlock) Die("a block past the count at key " + std::to_string(i));
-        if (block != kNoBlock && !IsTextBlock(block)) Die("a dead block at key " + std::to_string(i));
-        if (block != kNoBlock && TextLock(block).text().size() > kMaxFieldLength)
-          Die("a text over its limit at key " + std::to_string(i));
+        if (block == kNoBlock) continue;
+        const std::string at = " at key " + std::to_string(i);
+        if (i >= keys.count) Die("a block past the count" + at);
+        if (!IsTextBlock(block)) Die("a dead block" + at);
+        if (TextLock(block).text().size() > kMaxFieldLength) Die("a text over its limit" + at);
       }
     }
     if (CurrentSlotName()[0] == '\0') return;
@@ -532,38 +480,16 @@ class Monkey : public MainWindowTest {
     }
   }
 
-  void CheckOutside() {
-    std::map<std::string, Bytes> now;
-    Snapshot(outside_, "", now);
-    if (now != outsideBefore_) Die("the folder beside the program folder changed");
-    std::map<std::string, Bytes> top;
-    WIN32_FIND_DATAA found;
-    HANDLE find = FindFirstFileA((dir_.path() + "\\*").c_str(), &found);
-    int entries = 0;
-    do {
-      ++entries;
-    } while (find != INVALID_HANDLE_VALUE && FindNextFileA(find, &found));
-    FindClose(find);
-    if (entries != 4) Die("something was made beside the program folder");  // ".", "..", Program, Outside
-  }
-
-  void CheckRegistry() {
-    const std::string text = ReadText(program_ + "\\" + kRegistryFileName);
-    std::size_t start = 0;
-    while (start < text.size()) {
-      std::size_t end = text.find('\n', start);
-      if (end == std::string::npos) end = text.size();
-      if (end - start > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(end - start) + " characters");
-      start = end + 1;
+  // Nothing changed in the folder beside the program folder, nothing was made
+  // beside the two, and the registry's lines stay within what its reader takes.
+  void CheckOutsideAndRegistry() {
+    if (Files(outside_) != outsideBefore_) Die("the folder beside the program folder changed");
+    if (std::distance(std::filesystem::directory_iterator(dir_.path()), {}) != 2)
+      Die("something was made beside the program folder");
+    std::ifstream registry(program_ + "\\" + kRegistryFileName);
+    for (std::string line; std::getline(registry, line);) {
+      if (line.size() > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(line.size()) + " characters");
     }
-    std::FILE* in = std::fopen((program_ + "\\" + kRegistryFileName).c_str(), "r");
-    if (!in) return;  // the user may compact it away
-    RegistryReader reader(in);
-    RegistryEntry entry;
-    for (int n = 0; reader.Next(entry); ++n) {
-      if (n > 100000) Die("the registry does not end");
-    }
-    std::fclose(in);
   }
 
   void Run() {
@@ -593,29 +519,17 @@ class Monkey : public MainWindowTest {
       while (roll >= actions[i].weight) roll -= actions[i++].weight;
       actionStart_ = Clock::now().time_since_epoch().count();
       actions[i].run();
-      MSG msg;
-      while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        if (msg.message == WM_QUIT) continue;
-        TranslateMessage(&msg);
-        DispatchMessageA(&msg);
-      }
+      Drain();
       actionStart_ = 0;
       modalActions_.clear();
       if (!IsWindow(window_)) Die("the main window went away");
       CheckTable();
       CheckSaved(before, tableBefore);
-      CheckOutside();
-      CheckRegistry();
+      CheckOutsideAndRegistry();
     }
     KillTimer(nullptr, timer);
     done_ = true;
     watchdog.join();
-    for (const auto& [name, bytes] : Databases()) {
-      if (name.size() < 4 || name.substr(name.size() - 4) != ".dat") continue;
-      OwnedTable table;
-      const LoadResult result = ReadDatabaseBytes(bytes.data(), bytes.size(), *table);
-      EXPECT_TRUE(result.loaded() && !result.damaged()) << name;
-    }
     std::printf("monkey: %llu actions in %d seconds, seed %llu\n", static_cast<unsigned long long>(actions_),
                 seconds, static_cast<unsigned long long>(seed_));
   }

@@ -34,6 +34,14 @@ std::string ClassOf(HWND window) {
   return name;
 }
 
+// A message to a window of the thread under test, which may be busy: given up
+// after a while rather than waited for.
+DWORD_PTR Send(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+  DWORD_PTR result = 0;
+  SendMessageTimeoutA(window, message, wParam, lParam, SMTO_NORMAL, kSendTimeoutMs, &result);
+  return result;
+}
+
 bool IsButton(const ControlInfo& c) { return _stricmp(c.className.c_str(), "Button") == 0; }
 
 BOOL CALLBACK AddControl(HWND child, LPARAM param) {
@@ -44,12 +52,7 @@ BOOL CALLBACK AddControl(HWND child, LPARAM param) {
   c.className = ClassOf(child);
   c.text = WindowText(child);
   c.enabled = IsWindowEnabled(child) != FALSE;
-  c.visible = IsWindowVisible(child) != FALSE;
-  if (IsButton(c)) {
-    DWORD_PTR state = 0;
-    SendMessageTimeoutA(child, BM_GETCHECK, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &state);
-    c.checked = static_cast<int>(state);
-  }
+  if (IsButton(c)) c.checked = static_cast<int>(Send(child, BM_GETCHECK));
   snap->controls.push_back(c);
   return TRUE;
 }
@@ -63,44 +66,30 @@ WindowSnapshot Snapshot(HWND window) {
   return s;
 }
 
-struct FindState {
-  DWORD thread;
-  DWORD process;
-  bool anyProcess;
-  bool wantHandled;
-  bool shownOnly;
-  const std::set<HWND>* handled;
-  const std::function<bool(HWND)>* passOver;
-  HWND found;
-};
-
-BOOL CALLBACK MatchModal(HWND w, LPARAM param) {
-  auto* st = reinterpret_cast<FindState*>(param);
-  DWORD pid = 0;
-  DWORD tid = GetWindowThreadProcessId(w, &pid);
-  if (st->anyProcess ? false : tid != st->thread) return TRUE;
-  if (st->shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) return TRUE;
-  if (ClassOf(w) != "#32770") return TRUE;
-  if ((st->handled->count(w) != 0) != st->wantHandled) return TRUE;
-  if (*st->passOver && (*st->passOver)(w)) return TRUE;
-  st->found = w;
-  return FALSE;
+BOOL CALLBACK CollectWindow(HWND w, LPARAM p) {
+  reinterpret_cast<std::vector<HWND>*>(p)->push_back(w);
+  return TRUE;
 }
 
-// A visible, enabled dialog-class window: the modal window on top of its owner.
+std::vector<HWND> TopLevelWindows() {
+  std::vector<HWND> windows;
+  EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&windows));
+  return windows;
+}
+
+// A visible, enabled dialog-class window of the thread (any thread with
+// anyProcess) that is among `among` or not: the modal window on top of its owner.
 // With shownOnly false, also a window that never became visible (a dialog that
 // failed to show itself must still be closed, or the action would never return).
-HWND FindModal(DWORD thread, const ModalOptions& options, bool wantHandled,
-               const std::set<HWND>& handled, bool shownOnly = true) {
-  FindState st{thread,   GetCurrentProcessId(), options.anyProcess, wantHandled, shownOnly,
-               &handled, &options.passOver,     nullptr};
-  EnumWindows(MatchModal, reinterpret_cast<LPARAM>(&st));
-  return st.found;
-}
-
-BOOL CALLBACK CollectWindow(HWND w, LPARAM p) {
-  reinterpret_cast<std::set<HWND>*>(p)->insert(w);
-  return TRUE;
+HWND FindModal(DWORD thread, const ModalOptions& options, const std::set<HWND>& among, bool inAmong,
+               bool shownOnly = true) {
+  for (HWND w : TopLevelWindows()) {
+    if (!options.anyProcess && GetWindowThreadProcessId(w, nullptr) != thread) continue;
+    if (shownOnly && (!IsWindowVisible(w) || !IsWindowEnabled(w))) continue;
+    if (ClassOf(w) == "#32770" && (among.count(w) != 0) == inAmong && !(options.passOver && options.passOver(w)))
+      return w;
+  }
+  return nullptr;
 }
 
 void PressById(HWND window, HWND button, int id) {
@@ -114,9 +103,7 @@ std::string WindowText(HWND window) {
   if (!SendMessageTimeoutA(window, WM_GETTEXTLENGTH, 0, 0, SMTO_NORMAL, kSendTimeoutMs, &length))
     return {};
   std::string text(length + 1, '\0');
-  DWORD_PTR copied = 0;
-  SendMessageTimeoutA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
-                      SMTO_NORMAL, kSendTimeoutMs, &copied);
+  const DWORD_PTR copied = Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
   text.resize(std::min<std::size_t>(copied, length));
   return text;
 }
@@ -181,15 +168,11 @@ ModalStep Again(ModalStep step) {
 }
 
 void SetControlText(HWND dialog, int id, const std::string& text) {
-  DWORD_PTR r;
-  SendMessageTimeoutA(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()),
-                      SMTO_NORMAL, kSendTimeoutMs, &r);
+  Send(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 void SetCheck(HWND dialog, int id, bool checked) {
-  DWORD_PTR r;
-  SendMessageTimeoutA(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0,
-                      SMTO_NORMAL, kSendTimeoutMs, &r);
+  Send(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED);
 }
 
 void ClickButton(HWND dialog, int id) { PressById(dialog, GetDlgItem(dialog, id), id); }
@@ -241,24 +224,18 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
   ModalResult result;
   const DWORD thread = GetCurrentThreadId();
   std::atomic<bool> actionDone{false};
-  std::set<HWND> handled;
   // Windows already open do not count as opened by the action.
-  EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&handled));
-  const std::set<HWND> preexisting = handled;
+  const std::vector<HWND> open = TopLevelWindows();
+  std::set<HWND> handled(open.begin(), open.end());
+  std::set<HWND> answered;  // by a step, for an Again step to find
 
   std::thread watcher([&] {
     for (std::size_t i = 0; i < steps.size(); ++i) {
       const auto deadline = Clock::now() + std::chrono::milliseconds(options.stepTimeoutMs);
       HWND window = nullptr;
       while (!window && Clock::now() < deadline) {
-        if (steps[i].again) {
-          std::set<HWND> answered = handled;
-          for (HWND w : preexisting) answered.erase(w);
-          // FindModal with wantHandled looks among the windows answered before.
-          window = FindModal(thread, options, true, answered);
-        } else {
-          window = FindModal(thread, options, false, handled);
-        }
+        window = steps[i].again ? FindModal(thread, options, answered, true)
+                                : FindModal(thread, options, handled, false);
         if (!window) {
           if (actionDone) break;
           std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
@@ -269,6 +246,7 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
         break;
       }
       handled.insert(window);
+      answered.insert(window);
       WindowSnapshot snap = Snapshot(window);
       result.seen.push_back(snap);
       try {
@@ -288,7 +266,7 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
     // Anything else that opens before the action ends was not foreseen: cancel it.
     const bool failed = !result.errors.empty();
     while (!actionDone) {
-      HWND extra = FindModal(thread, options, false, handled, !failed);
+      HWND extra = FindModal(thread, options, handled, false, !failed);
       if (extra) {
         handled.insert(extra);
         result.unexpected.push_back(Snapshot(extra));

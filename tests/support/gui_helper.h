@@ -21,7 +21,6 @@ struct ControlInfo {
   std::string className;
   std::string text;
   bool enabled = false;
-  bool visible = false;
   int checked = 0;  // BM_GETCHECK for buttons, 0 otherwise
 };
 

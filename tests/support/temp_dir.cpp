@@ -12,14 +12,6 @@ namespace fs = std::filesystem;
 
 namespace qb::test {
 
-namespace {
-#ifdef _WIN32
-constexpr char kSep = '\\';
-#else
-constexpr char kSep = '/';
-#endif
-}  // namespace
-
 TempDir::TempDir() {
   static std::atomic<unsigned> counter{0};
   std::random_device rd;
@@ -28,8 +20,7 @@ TempDir::TempDir() {
     fs::path p = base / ("qbtest-" + std::to_string(rd()) + "-" + std::to_string(counter++));
     std::error_code ec;
     if (fs::create_directory(p, ec)) {
-      path_ = p.string();
-      while (!path_.empty() && (path_.back() == '/' || path_.back() == '\\')) path_.pop_back();
+      path_ = p.string();  // ends with the folder's name, not a separator
       return;
     }
   }
@@ -41,7 +32,9 @@ TempDir::~TempDir() {
   fs::remove_all(path_, ec);
 }
 
-std::string TempDir::File(const std::string& name) const { return path_ + kSep + name; }
+std::string TempDir::File(const std::string& name) const {
+  return path_ + static_cast<char>(fs::path::preferred_separator) + name;
+}
 
 std::vector<std::uint8_t> ReadBytes(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
