@@ -17,6 +17,7 @@ TEST_F(KeyTableTest, FindByNameIgnoresCaseAndEmptyNames) {
       {{"mail", "Mail"}, "MAIL", 0}, {{"", "Phone"}, "", kNoKey},
       {{"", "Phone"}, "phone", 1},   {{"Names"}, "Name", kNoKey},
       {{"\xC9mile"}, "\xE9MILE", 0}, {{"\xD7"}, "\xF7", kNoKey},
+      {{"\xC0\xDE"}, "\xE0\xFE", 0},  // the first and last capitals of the upper half
   };
   for (const auto& [names, query, expected] : cases) {
     OwnedTable table(NamedKeys(names));

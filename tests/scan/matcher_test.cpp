@@ -97,6 +97,7 @@ TEST(LearnAndForgetSearchName, ChangeOnlyWhatTheyMay) {
       {kForget, SearchKey("size, colour", "Red\r\nBlue"), "colour", "green", true, true, "size,",
        "Red\r\nBlue"},
       {kForget, SearchKey("size, colour", "Red"), "colour", "red", false, true, "size,", "Red"},
+      {kForget, SearchKey(" ,\nemail,mail"), "mail", "", false, true, "email,", ""},  // leading separators go
       {kForget, SearchKey("zip"), "town", "", false, false, "zip", ""},  // nobody answers it
       {kForget, SearchKey(""), "city", "", false, true, "city", ""},    // an empty key takes it
   };

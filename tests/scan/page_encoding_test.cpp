@@ -27,6 +27,8 @@ TEST(IsUtf8Page, ByteOrderMarkThenHeaderThenMeta) {
       {"<meta content=\"text/html; charset=utf-8\">", false},  // content alone declares nothing
       {"<meta name=\"description\" content=\"charset=utf-8\">", false},
       {"<meta charset=windows-1252><meta charset=utf-8>", false},  // the first declaration counts
+      {"<meta content=\"text/html; charset = utf-8\" http-equiv=content-type>", true},
+      {"<p>1 <2 <meta charset=utf-8>", true},  // "<" and no letter is text, not a tag
       {"<!-- <meta charset=utf-8> -->", false},
       {"<div title=\"<meta charset=utf-8>\">", false},
       {"<meta charset=\"utf-8", false},
