@@ -106,6 +106,22 @@ TEST_F(KeyEditorTest, EachModeOpensWithItsKeyAndControls) {
   }
 }
 
+// A click on the row of the key shown (row 0 here, selected already, so no
+// selection change reloads it) puts the key's texts back over the edits.
+TEST_F(KeyEditorTest, ClickOnTheShownKeysRowPutsItsTextsBack) {
+  Load(kThree, 0);
+  OpenByCommand(IDM_MODIFY_KEY, {Custom([](HWND d, const WindowSnapshot&) {
+                  SetDlgItemTextA(d, IDC_KEYEDIT_NAME, "Typed");
+                  NMITEMACTIVATE click{};
+                  click.hdr = {GetDlgItem(d, IDC_KEYEDIT_LIST), IDC_KEYEDIT_LIST, static_cast<UINT>(NM_CLICK)};
+                  click.iItem = 0;
+                  SendMessageA(d, WM_NOTIFY, IDC_KEYEDIT_LIST, reinterpret_cast<LPARAM>(&click));
+                  EXPECT_EQ(Edits(d), kThree[0]);
+                  ClickButton(d, IDCANCEL);
+                })});
+  EXPECT_EQ(TableTexts(Keys()), kThree);
+}
+
 // Modify mode with no key chosen closes at OK storing nothing, even with an empty
 // Name, yet marks the database changed. (An empty Name is refused otherwise: see
 // the slots' test of the box over the editor.)
