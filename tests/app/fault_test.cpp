@@ -263,40 +263,6 @@ TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   }
 }
 
-// Found by the careless-user run: a folder link entered in the Links view took the
-// next download out of DataHtml into the folder the link leads to.
-TEST_F(FaultTest, AFolderLinkIsNotEnteredSoNothingLandsBeyondIt) {
-  ASSERT_TRUE(CreateDirectoryA(dir_.File("Outside").c_str(), nullptr));
-  ASSERT_TRUE(MakeUnixLink(program_ + "\\DataHtml", "Elsewhere", "../Outside"));
-  WriteText(program_ + "\\DataHtml\\page.htm", kPage);
-  OpenProgram();
-  LVFINDINFOA find{LVFI_STRING, "Elsewhere", 0, {}, 0};
-  const int row = ListView_FindItem(App().linksView, -1, &find);
-  ASSERT_GE(row, 0);
-  SelectLink(row);
-  const std::string folder = App().linksFolder;
-  for (WORD id : {IDM_LINKS_ENTER, IDM_RENAME_FOLDER}) {
-    const ModalResult r = RunModal([&] { Command(id); }, {Press("OK")});
-    ASSERT_TRUE(r.ok()) << id << " " << r.Describe();
-    EXPECT_EQ(r.seen.at(0).MessageText(), kFolderLinkText) << id;
-    EXPECT_EQ(App().linksFolder, folder);
-    EXPECT_TRUE(FileExists(program_ + "\\DataHtml\\Elsewhere"));
-  }
-  // Nor is it offered as the place to move a page to.
-  SelectLink(ListView_GetItemCount(App().linksView) - 1);
-  std::vector<std::string> destinations;
-  const ModalResult r = RunModal([&] { Command(IDM_MOVE_LINK); }, {Custom([&](HWND dialog, const WindowSnapshot&) {
-                             HWND list = GetDlgItem(dialog, IDC_DESTINATION_LIST);
-                             for (int i = 0; i < ListView_GetItemCount(list); ++i) {
-                               char text[MAX_PATH] = {};
-                               ListView_GetItemText(list, i, 0, text, sizeof text);
-                               destinations.push_back(text);
-                             }
-                             ClickButton(dialog, IDCANCEL);
-                           })});
-  EXPECT_TRUE(r.ok()) << r.Describe();
-  EXPECT_EQ(destinations, std::vector<std::string>{"Shop"});
-}
 
 // A server that breaks off after part of the page: the user is told, and no part
 // of a page is left to be scanned later as if it were the page. The reset waits

@@ -513,6 +513,27 @@ TEST_F(LinksViewTest, NameDialogsAndEditInPlaceRefuseNamesThatLeaveTheFolderOrTh
   EXPECT_EQ(Names(), (std::vector<std::string>{"", "012345678"}));
 }
 
+// Found by the careless-user run: a folder link entered in the Links view took the
+// next download out of DataHtml into the folder the link leads to. It is not
+// entered, not renamed, and not offered as the place to move a page to.
+TEST_F(LinksViewTest, AFolderLinkIsNotEnteredRenamedOrOfferedAsADestination) {
+  ASSERT_TRUE(CreateDirectoryA(dir_.File("Outside").c_str(), nullptr));
+  Make({"Shop\\", "page.htm"});
+  ASSERT_TRUE(MakeUnixLink(dir_.File("DataHtml"), "Elsewhere", "../Outside"));
+  RefreshLinksView();
+  for (WORD id : {IDM_LINKS_ENTER, IDM_RENAME_FOLDER}) {
+    Select("Elsewhere");
+    EXPECT_EQ(MessageOf(id), kFolderLinkText) << id;
+    EXPECT_EQ(App().linksFolder, root_);
+    EXPECT_TRUE(Exists("Elsewhere"));
+  }
+  Select("page.htm");
+  Run(IDM_MOVE_LINK, {Custom([&](HWND dialog, const WindowSnapshot&) {
+        EXPECT_EQ(ItemTexts(GetDlgItem(dialog, IDC_DESTINATION_LIST)), std::vector<std::string>{"Shop"});
+        ClickButton(dialog, IDCANCEL);
+      })});
+}
+
 // The walk the Delete command runs once its dialog is answered, in both option
 // states, on folders holding a link to a folder outside DataHtml and on a link.
 TEST_F(LinksViewTest, DeleteWalkNeverEntersALinkToAFolderElsewhereAndStopsAtItsDeepestLevel) {

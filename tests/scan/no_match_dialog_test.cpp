@@ -23,8 +23,8 @@ const std::string kFormPage =
     "Agree <input type=checkbox name=agree value=yes>\n"
     "Size <select name=size multiple><option>Small<option>Large</select>\n"
     "Nick <input type=text name=Nick>\n"
-    "<textarea name=about></textarea>\n"
-    "<input type=submit></form></body></html>\n";
+    "<input type=submit>\n"
+    "<textarea name=about></textarea></form></body></html>\n";  // the last field has nothing below
 
 std::vector<std::string> KeyRows(HWND dialog) { return ListTexts(GetDlgItem(dialog, IDC_NOMATCH_KEYS)); }
 
