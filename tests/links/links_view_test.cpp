@@ -444,7 +444,10 @@ TEST_F(LinkScanTest, DoubleClickAndScanCommandsScanASavedPage) {
 TEST_F(LinkScanTest, LinkInfoAndGotoSiteUseTheRecordedAddress) {
   MakeFile("loose.htm");
   ASSERT_TRUE(RefreshLinksView());
-  // Nothing is shown or opened for a page the registry does not know, nor for a folder.
+  // Nothing is shown or opened with no row selected, for a folder, or for a page
+  // the registry does not know.
+  ListView_SetItemState(View(), -1, 0, LVIS_SELECTED);
+  Run(IDM_LINK_INFO);
   for (const char* row : {"Shops", "loose.htm"}) {
     SCOPED_TRACE(row);
     Select(row);
