@@ -31,6 +31,7 @@ TEST(IsUtf8Page, ByteOrderMarkThenHeaderThenMeta) {
       {"<p>1 <2 <meta charset=utf-8>", true},  // "<" and no letter is text, not a tag
       {"<!-- <meta charset=utf-8> -->", false},
       {"<?x <meta charset=utf-8>", false},  // read past up to the first ">", as a comment is
+      {"<!doctype x <meta charset=utf-8>", false},
       {"<div title=\"<meta charset=utf-8>\">", false},
       {"<meta charset=\"utf-8", false},
       {std::string(kCharsetPrescanBytes - meta.size(), ' ') + meta, true},

@@ -178,6 +178,15 @@ TEST_F(PageWriter, ChoiceFieldsNoKeyAnswersKeepThePagesMarks) {
   for (const auto& [field, written] : cases) {
     EXPECT_NE(OneFieldForm(field).find(written), std::string::npos) << field;
   }
+  // Past the selects a page keeps, a select's options are not kept: it is written
+  // empty, even where a key answers it, and nothing is read beyond the kept ones.
+  std::string half;
+  for (int i = 0; i < kMaxSelects / 2; ++i) half += "<select name=s><option>o</select>";
+  const std::string form = "<form action=/a method=post>" + half;
+  const std::string page =
+      Forms(form + "</form>" + form + "<select name=colour><option>Red<option selected>Blue</select></form>");
+  EXPECT_NE(page.find("<select name=\"colour\" >\n</select>\n</form>"), std::string::npos)
+      << page.substr(page.size() - 200);
 }
 
 // Key texts are typed in the ANSI code page; a UTF-8 page gets them in UTF-8,
