@@ -16,6 +16,8 @@ m = importlib.util.module_from_spec(spec); spec.loader.exec_module(m)
 import argparse, random
 
 args = sys.argv[1:]
+if not args:
+    sys.exit(__doc__)
 before = args.pop(0)
 also = set()
 lo, hi = 1, 10**9
