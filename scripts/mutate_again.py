@@ -11,8 +11,9 @@ before cannot be killed by fewer tests. BEFORE_LOG "-" runs every pick (a before
 run split over several trees with --range). Run from the project root."""
 import importlib.util, os, re, sys, time
 _tool = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'shared', 'tools', 'mutate.py')
-spec = importlib.util.spec_from_file_location('mutate', _tool)
-m = importlib.util.module_from_spec(spec); spec.loader.exec_module(m)
+found = importlib.util.spec_from_file_location('mutate', _tool)
+m = importlib.util.module_from_spec(found)
+found.loader.exec_module(m)
 import argparse, random
 
 args = sys.argv[1:]
