@@ -9,11 +9,9 @@ is checked against the before log's line) and re-runs those the before run kille
 and those listed with --also (survivors that got a test): a mutant that survived
 before cannot be killed by fewer tests. BEFORE_LOG "-" runs every pick (a before
 run split over several trees with --range). Run from the project root."""
-import importlib.util, os, re, sys, time
-_tool = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'shared', 'tools', 'mutate.py')
-found = importlib.util.spec_from_file_location('mutate', _tool)
-m = importlib.util.module_from_spec(found)
-found.loader.exec_module(m)
+import os, re, sys, time
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'shared', 'tools'))
+import mutate as m  # its drawing and its build and test commands, used as they are
 import argparse, random
 
 args = sys.argv[1:]
