@@ -2,13 +2,14 @@
 """Runs mutants of ../shared/tools/mutate.py's draw again on the current tree, to
 compare tests before and after a change that leaves the product code alone.
 
-    scripts/mutate_again.py BEFORE_LOG [--range A-B] [--also N,M] -- MUTATE.PY ARGUMENTS
+    scripts/mutate_again.py BEFORE_LOG [--range A-B] [--also N,M] [--picks N,M] -- MUTATE.PY ARGUMENTS
 
 It draws the picks as mutate.py does (same seed and count, same places; each place
 is checked against the before log's line) and re-runs those the before run killed
 and those listed with --also (survivors that got a test): a mutant that survived
 before cannot be killed by fewer tests. BEFORE_LOG "-" runs every pick (a before
-run split over several trees with --range). Run from the project root."""
+run split over several trees with --range). --picks runs just the picks named, to
+check the mutants a change of some tests could let through. Run from the project root."""
 import os, re, sys, time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'shared', 'tools'))
 import mutate as m  # its drawing and its build and test commands, used as they are
@@ -24,6 +25,9 @@ if args and args[0] == '--range':
     args.pop(0); lo, hi = (int(x) for x in args.pop(0).split('-'))
 if args and args[0] == '--also':
     args.pop(0); also = {int(x) for x in args.pop(0).split(',') if x}
+only_picks = set()
+if args and args[0] == '--picks':
+    args.pop(0); only_picks = {int(x) for x in args.pop(0).split(',') if x}; also |= only_picks
 if args and args[0] == '--':
     args.pop(0)
 ap = argparse.ArgumentParser()
@@ -45,7 +49,7 @@ t0 = time.time()
 for i, (f, n, s, e, rep) in enumerate(picks, 1):
     text = open(f, encoding='latin-1').read(); lines = text.split('\n'); old = lines[n - 1]
     desc = f'{f}:{n}: {old[s:e].strip() or old[s:e]!r} -> {rep.strip() or repr(rep)}'
-    if not lo <= i <= hi: continue
+    if not lo <= i <= hi or (only_picks and i not in only_picks): continue
     bv, bdesc = verdicts.get(i, ('killed', desc))  # without a before log: run every pick
     assert bdesc == desc, (i, bdesc, desc)  # same places as before
     if bv != 'killed' and i not in also:
