@@ -6,16 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "acquire/document_registry.h"
 #include "acquire/download_dialog.h"
-#include "keys/database_slots.h"
-#include "keys/key_file.h"
-#include "keys/key_list.h"
 #include "keys/key_merge.h"
-#include "links/links_view.h"
 #include "scan/scan_driver.h"
-#include "tests/keys/key_test_util.h"
-#include "tests/scan/scan_fixture.h"
+#include "tests/app/program_folder_fixture.h"
 #include "tests/support/loopback_server.h"
 
 namespace qb::test {
@@ -28,43 +22,21 @@ const std::vector<KeyTexts> kKeys = {{"Email", "email", "", "ann@example.com"}, 
 
 std::string Http(const std::string& body) { return "HTTP/1.0 200 OK\r\n\r\n" + body; }
 
-bool IsDownloadDialog(HWND window) { return GetDlgItem(window, IDC_DOWNLOAD_STATUS) != nullptr; }
-
-class FaultTest : public MainWindowTest {
+class FaultTest : public ProgramFolderTest {
  protected:
   void SetUp() override {
     MainWindowTest::SetUp();
     ASSERT_NO_FATAL_FAILURE();
-    UseMessageBoxes();
-    UseStandInBrowser();
-    SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    program_ = ProgramFolder();
-    if (program_.empty()) GTEST_SKIP() << "no small file system to fill (scripts/full_disk.sh mounts one as root)";
-    for (const char* f : {"", "\\Databases", "\\DataHtml", "\\DataHtml\\Shop"})
-      ASSERT_TRUE(CreateDirectoryA((program_ + f).c_str(), nullptr) || GetLastError() == ERROR_ALREADY_EXISTS);
-    SetProgramDirectory(program_);
-    SetCurrentLinksFolder("");
-    ASSERT_TRUE(SaveDatabase(Database("Data.dat"), *OwnedTable(kKeys)));
-    WriteText(program_ + "\\" + kRegistryFileName, std::string(kRegistryHeader) + "\n");
-  }
-
-  void TearDown() override {
-    if (browser_) DestroyWindow(browser_);
-    MainWindowTest::TearDown();
-    SetUserMessageSink(nullptr);
+    const std::string folder = ProgramFolder();
+    if (folder.empty()) GTEST_SKIP() << "no small file system to fill (scripts/full_disk.sh mounts one as root)";
+    MakeProgramFolder(folder, kKeys);
   }
 
   virtual std::string ProgramFolder() { return dir_.path(); }
-  std::string Database(const std::string& name) const { return program_ + "\\Databases\\" + name; }
-
-  void OpenProgram() {
-    ASSERT_TRUE(Open());
-    CreateKeyListColumn(App().keysView);
-  }
 
   // The main window over Data.dat with one key added and not saved yet.
   void OpenWithAnEdit() {
-    OpenProgram();
+    ASSERT_TRUE(OpenProgram());
     ASSERT_TRUE(SetKeyField(Keys(), Keys().count, kName, "Added"));
     // Longer than the 4 KiB a nearly full disk has left: only part of it fits.
     ASSERT_TRUE(SetKeyField(Keys(), Keys().count, kDescription, std::string(6000, 'd')));
@@ -84,14 +56,6 @@ class FaultTest : public MainWindowTest {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(program_ + "\\Databases"), {}), 1);
   }
 
-  void ShowBrowser() { browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm"); }
-
-  void SelectLink(int row) {
-    ListView_SetItemState(App().linksView, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-  }
-
-  std::string program_;
-  HWND browser_ = nullptr;
   std::vector<std::uint8_t> kept_;
   std::vector<std::uint8_t> table_;
 };
@@ -176,7 +140,7 @@ TEST_F(FullDiskTest, DownloadAndRegistryEntryAreWholeOrNotThere) {
   registry += std::string(4096 - 8 - registry.size() - 1, 'o') + "\n";
   WriteText(registryPath, registry);
   ShowBrowser();
-  OpenProgram();
+  ASSERT_TRUE(OpenProgram());
   const std::string saved = program_ + "\\DataHtml\\127.0.0.1.form.htm.htm";
   const struct {
     const char* what;
@@ -248,7 +212,7 @@ TEST_F(FaultTest, DatabaseHeldOpenWithoutWriteSharing) {
 TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   WriteText(program_ + "\\DataHtml\\Shop\\page.htm", kPage);
   ASSERT_TRUE(Open());
-  SelectLink(0);
+  ListView_SetItemState(App().linksView, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   std::filesystem::remove_all(program_ + "\\DataHtml");
   for (WORD id : {IDM_LINKS_ENTER, IDM_SCAN_FILE_HTML, IDM_RENAME_FOLDER, IDM_DELETE_LINK, IDM_NEW_FOLDER,
                   IDM_MOVE_LINK, IDM_COMPACT_CONFIGHTML}) {
@@ -263,14 +227,13 @@ TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   }
 }
 
-
 // A server that breaks off after part of the page: the user is told, and no part
 // of a page is left to be scanned later as if it were the page. The reset waits
 // until the first part has arrived (Wine reports an early one as an orderly end).
 TEST_F(FaultTest, ServerThatBreaksOffMidPage) {
   LoopbackReply reset{{Http(std::string(kPage).substr(0, std::string(kPage).find("</form>")))}};
   reset.paced = reset.reset = true;
-  OpenProgram();
+  ASSERT_TRUE(OpenProgram());
   ShowBrowser();
   const std::string saved = program_ + "\\DataHtml\\127.0.0.1.form.htm.htm";
   const std::string registry = ReadText(program_ + "\\" + kRegistryFileName);

@@ -19,16 +19,8 @@
 #include <thread>
 
 #include "acquire/acquire_state.h"
-#include "acquire/document_registry.h"
-#include "bars/dock_bar.h"
-#include "keys/database_slots.h"
-#include "keys/key_file.h"
-#include "keys/key_list.h"
-#include "links/links_view.h"
-#include "tests/keys/key_test_util.h"
-#include "tests/scan/scan_fixture.h"
+#include "tests/app/program_folder_fixture.h"
 #include "tests/support/loopback_server.h"
-#include "tests/support/main_window_fixture.h"
 
 #include <dlgs.h>  // after windows.h
 
@@ -78,6 +70,11 @@ const WPARAM kKeys[] = {'A', 'K', 'Z', VK_RETURN, VK_ESCAPE, VK_DELETE, VK_F2, V
 
 std::string Size(const Bytes& b) { return std::to_string(b.size()) + " bytes"; }
 
+std::uint64_t FromEnvironment(const char* name, std::uint64_t otherwise) {
+  const char* text = std::getenv(name);
+  return text && *text ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
 // Every file and folder under `folder` (folders with a trailing separator), with
 // its bytes, by path relative to it.
 std::map<std::string, Bytes> Files(const std::string& folder) {
@@ -93,7 +90,7 @@ std::map<std::string, Bytes> Files(const std::string& folder) {
 class Monkey;
 Monkey* g_monkey = nullptr;
 
-class Monkey : public MainWindowTest {
+class Monkey : public ProgramFolderTest {
  public:
   static void CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD) { g_monkey->ActOnModalWindow(); }
 
@@ -101,34 +98,25 @@ class Monkey : public MainWindowTest {
   void SetUp() override {
     MainWindowTest::SetUp();
     ASSERT_NO_FATAL_FAILURE();
-    UseMessageBoxes();
-    UseStandInBrowser();
-    program_ = dir_.File("Program");
-    outside_ = dir_.File("Outside");
-    for (const char* f : {"Program", "Program\\Databases", "Program\\DataHtml", "Program\\DataHtml\\Shop",
-                          "Program\\DataHtml\\Shop\\Deep", "Outside", "Outside\\inner"}) {
-      CreateDirectoryA(dir_.File(f).c_str(), nullptr);
-    }
-    WriteText(outside_ + "\\keep.htm", "<form action=/x method=post></form>");
-    WriteText(outside_ + "\\inner\\Data.dat", "not a database");
-    SetProgramDirectory(program_);
-    SetCurrentLinksFolder("");
-    ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Data.dat", *OwnedTable(kFirstKeys)));
-    ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Second.dat", *OwnedTable(kSecondKeys)));
-    const std::string html = std::strstr(kFormPage, "<html>");
+    ASSERT_NO_FATAL_FAILURE(MakeProgramFolder(dir_.File("Program"), kFirstKeys));
     const std::string root = program_ + "\\DataHtml\\";
+    outside_ = dir_.File("Outside");
+    for (const std::string& f : {root + "Shop\\Deep", outside_, outside_ + "\\inner"})
+      CreateDirectoryA(f.c_str(), nullptr);
     std::string registry = std::string(kRegistryHeader) + "\r\n";
     for (const char* page : {"form.htm", "Shop\\order.htm", "Shop\\Deep\\deep.htm"}) {
-      WriteText(root + page, html);
+      WriteText(root + page, std::strstr(kFormPage, "<html>"));
       registry += std::string("127.0.0.1/") + page + "\r\n" + root + page + "\r\n";
     }
     WriteText(program_ + "\\" + kRegistryFileName, registry);
+    WriteText(outside_ + "\\keep.htm", "<form action=/x method=post></form>");
+    WriteText(outside_ + "\\inner\\Data.dat", "not a database");
+    ASSERT_TRUE(SaveDatabase(Database("Second.dat"), *OwnedTable(kSecondKeys)));
     ASSERT_TRUE(MakeUnixLink(root, "Elsewhere", "../../Outside"));
     outsideBefore_ = Files(outside_);
     ASSERT_EQ(outsideBefore_.size(), 3u);  // keep.htm, inner\ and inner\Data.dat
     std::strcpy(Settings().slotNames[1].data(), "Second.dat");
-    SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm");
+    ShowBrowser();
     ASSERT_TRUE(OpenProgram());
     accelerators_ = LoadAcceleratorsA(Instance(), kMainClassName);
     g_monkey = this;
@@ -136,15 +124,7 @@ class Monkey : public MainWindowTest {
 
   void TearDown() override {
     g_monkey = nullptr;
-    DestroyWindow(browser_);
-    MainWindowTest::TearDown();
-    SetUserMessageSink(nullptr);
-  }
-
-  bool OpenProgram() {
-    if (!Open(700, 400)) return false;
-    CreateKeyListColumn(App().keysView);
-    return true;
+    ProgramFolderTest::TearDown();
   }
 
   // --- the log, the watchdog and the report -------------------------------
@@ -192,12 +172,6 @@ class Monkey : public MainWindowTest {
   static BOOL CALLBACK CollectShown(HWND w, LPARAM out) {
     if (IsWindowVisible(w) && IsWindowEnabled(w)) reinterpret_cast<std::vector<HWND>*>(out)->push_back(w);
     return TRUE;
-  }
-
-  static std::string ClassOf(HWND w) {
-    char cls[32] = {};
-    GetClassNameA(w, cls, sizeof cls);
-    return cls;
   }
 
   // The window that has the user: an enabled dialog of this thread other than the
@@ -493,11 +467,8 @@ class Monkey : public MainWindowTest {
   }
 
   void Run() {
-    const char* seedText = std::getenv("QB_MONKEY_SEED");
-    const char* secondsText = std::getenv("QB_MONKEY_SECONDS");
-    seed_ = seedText && *seedText ? std::strtoull(seedText, nullptr, 10)
-                                  : static_cast<std::uint64_t>(Clock::now().time_since_epoch().count() % 1000000007);
-    const int seconds = secondsText && *secondsText ? std::atoi(secondsText) : 60;
+    seed_ = FromEnvironment("QB_MONKEY_SEED", Clock::now().time_since_epoch().count() % 1000000007);
+    const int seconds = static_cast<int>(FromEnvironment("QB_MONKEY_SECONDS", 60));
     std::printf("monkey: seed %llu for %d seconds (QB_MONKEY_SEED=%llu QB_MONKEY_SECONDS=%d to replay)\n",
                 static_cast<unsigned long long>(seed_), seconds, static_cast<unsigned long long>(seed_), seconds);
     std::fflush(stdout);
@@ -534,10 +505,8 @@ class Monkey : public MainWindowTest {
                 seconds, static_cast<unsigned long long>(seed_));
   }
 
-  std::string program_;
   std::string outside_;
   std::map<std::string, Bytes> outsideBefore_;
-  HWND browser_ = nullptr;
   HACCEL accelerators_ = nullptr;
   std::mt19937_64 rng_;
   std::uint64_t seed_ = 0;

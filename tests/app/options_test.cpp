@@ -5,12 +5,8 @@
 namespace qb::test {
 namespace {
 
-class Options : public MainWindowTest {
+class Options : public OpenMainWindowTest {
  protected:
-  void SetUp() override {
-    MainWindowTest::SetUp();
-    ASSERT_NE(Open(), nullptr);
-  }
   ModalResult OpenOptions(std::vector<ModalStep> steps) {
     return RunModal([&] { EXPECT_EQ(Command(IDM_GLOBAL_OPTIONS), 0); }, std::move(steps));
   }

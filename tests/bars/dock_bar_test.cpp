@@ -5,13 +5,8 @@
 namespace qb::test {
 namespace {
 
-class Bars : public MainWindowTest {
+class Bars : public OpenMainWindowTest {
  protected:
-  void SetUp() override {
-    MainWindowTest::SetUp();
-    ASSERT_NE(Open(), nullptr);
-  }
-
   static int ButtonOf(const DockBar& bar, WORD command) {
     for (int i = 0; i < bar.kind->count; ++i)
       if (bar.kind->buttons[i].command == command) return i;
@@ -205,14 +200,11 @@ TEST_F(Bars, AButtonSendsItsCommandUnlessItIsGreyed) {
   // Help Topics opens the help file, which this folder lacks: the help program (another
   // process) asks.
   p = ButtonCentre(tool, help);
-  ModalOptions helpProgram;
-  helpProgram.anyProcess = true;
-  auto result = RunModal(
-      [&] {
-        Mouse(tool, WM_LBUTTONDOWN, p);
-        Mouse(tool, WM_LBUTTONUP, p);
-      },
-      {Press("No")}, helpProgram);
+  const auto click = [&] {
+    Mouse(tool, WM_LBUTTONDOWN, p);
+    Mouse(tool, WM_LBUTTONUP, p);
+  };
+  auto result = RunModal(click, {Press("No")}, ModalOptions{10000, true, {}});
   ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_NE(result.seen[0].MessageText().find("QBHELP.HLP"), std::string::npos);
 }

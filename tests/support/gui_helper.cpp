@@ -28,12 +28,6 @@ std::string StripMnemonics(const std::string& text) {
   return out;
 }
 
-std::string ClassOf(HWND window) {
-  char name[256] = {};
-  GetClassNameA(window, name, sizeof(name));
-  return name;
-}
-
 // A message to a window of the thread under test, which may be busy: given up
 // after a while rather than waited for.
 DWORD_PTR Send(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
@@ -47,21 +41,14 @@ bool IsButton(const ControlInfo& c) { return _stricmp(c.className.c_str(), "Butt
 BOOL CALLBACK AddControl(HWND child, LPARAM param) {
   auto* snap = reinterpret_cast<WindowSnapshot*>(param);
   if (GetParent(child) != snap->window) return TRUE;  // direct children only
-  ControlInfo c;
-  c.id = GetDlgCtrlID(child);
-  c.className = ClassOf(child);
-  c.text = WindowText(child);
-  c.enabled = IsWindowEnabled(child) != FALSE;
+  ControlInfo c{GetDlgCtrlID(child), ClassOf(child), WindowText(child), IsWindowEnabled(child) != FALSE};
   if (IsButton(c)) c.checked = static_cast<int>(Send(child, BM_GETCHECK));
   snap->controls.push_back(c);
   return TRUE;
 }
 
 WindowSnapshot Snapshot(HWND window) {
-  WindowSnapshot s;
-  s.window = window;
-  s.caption = WindowText(window);
-  s.className = ClassOf(window);
+  WindowSnapshot s{window, WindowText(window), {}};
   EnumChildWindows(window, AddControl, reinterpret_cast<LPARAM>(&s));
   return s;
 }
@@ -92,11 +79,13 @@ HWND FindModal(DWORD thread, const ModalOptions& options, const std::set<HWND>& 
   return nullptr;
 }
 
-void PressById(HWND window, HWND button, int id) {
-  PostMessageA(window, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(button));
-}
-
 }  // namespace
+
+std::string ClassOf(HWND window) {
+  char name[256] = {};
+  GetClassNameA(window, name, sizeof(name));
+  return name;
+}
 
 std::string WindowText(HWND window) {
   DWORD_PTR length = 0;
@@ -133,31 +122,25 @@ std::vector<std::string> WindowSnapshot::ButtonTexts() const {
 }
 
 ModalStep Press(const std::string& buttonText) {
-  return ModalStep{[buttonText](HWND window, const WindowSnapshot& snap) {
-    for (const auto& c : snap.controls) {
-      if (IsButton(c) && StripMnemonics(c.text) == buttonText && c.enabled) {
-        PressById(window, GetDlgItem(window, c.id), c.id);
-        return;
-      }
-    }
-    throw std::runtime_error("no enabled button \"" + buttonText + "\" in \"" + snap.caption +
-                             "\"");
-  }};
+  return Custom([buttonText](HWND window, const WindowSnapshot& snap) {
+    for (const auto& c : snap.controls)
+      if (IsButton(c) && c.enabled && StripMnemonics(c.text) == buttonText) return ClickButton(window, c.id);
+    throw std::runtime_error("no enabled button \"" + buttonText + "\" in \"" + snap.caption + "\"");
+  });
 }
 
 ModalStep Command(int id) {
-  return ModalStep{
-      [id](HWND window, const WindowSnapshot&) { PressById(window, GetDlgItem(window, id), id); }};
+  return Custom([id](HWND window, const WindowSnapshot&) { ClickButton(window, id); });
 }
 
 ModalStep ChooseFile(const std::string& path) {
-  return ModalStep{[path](HWND window, const WindowSnapshot& snap) {
+  return Custom([path](HWND window, const WindowSnapshot& snap) {
     // The file-name field is a combo box (cmb13) in newer dialogs, an edit (edt1) in older ones.
     const int field = snap.Control(cmb13) ? cmb13 : edt1;
     if (!snap.Control(field)) throw std::runtime_error("no file-name field in \"" + snap.caption + "\"");
     SetControlText(window, field, path);
-    PressById(window, GetDlgItem(window, IDOK), IDOK);
-  }};
+    ClickButton(window, IDOK);
+  });
 }
 
 ModalStep Custom(ModalAction action) { return ModalStep{std::move(action)}; }
@@ -175,7 +158,9 @@ void SetCheck(HWND dialog, int id, bool checked) {
   Send(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED);
 }
 
-void ClickButton(HWND dialog, int id) { PressById(dialog, GetDlgItem(dialog, id), id); }
+void ClickButton(HWND dialog, int id) {
+  PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
 
 void ClickWithMouse(HWND window) {
   RECT r{};
@@ -186,13 +171,11 @@ void ClickWithMouse(HWND window) {
   const LONG x = scale((r.left + r.right) / 2, GetSystemMetrics(SM_CXSCREEN));
   const LONG y = scale((r.top + r.bottom) / 2, GetSystemMetrics(SM_CYSCREEN));
   INPUT click[2] = {};
-  for (INPUT& input : click) {
-    input.type = INPUT_MOUSE;
-    input.mi.dx = x;
-    input.mi.dy = y;
+  for (int i = 0; i < 2; ++i) {
+    click[i].type = INPUT_MOUSE;
+    const DWORD button = i ? MOUSEEVENTF_LEFTUP : MOUSEEVENTF_LEFTDOWN;
+    click[i].mi = {x, y, 0, MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | button, 0, 0};
   }
-  click[0].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_LEFTDOWN;
-  click[1].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_LEFTUP;
   SendInput(2, click, sizeof(INPUT));
 }
 

@@ -27,7 +27,6 @@ struct ControlInfo {
 struct WindowSnapshot {
   HWND window = nullptr;
   std::string caption;
-  std::string className;
   std::vector<ControlInfo> controls;
 
   // The message text of a message box (its static text control).
@@ -96,6 +95,7 @@ bool PumpUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
 
 // Text of any window, read with WM_GETTEXT.
 std::string WindowText(HWND window);
+std::string ClassOf(HWND window);
 
 // A symbolic link `name` in `folder` to `target` (relative to that folder), made
 // on the Unix side under Wine, which makes none itself; true once it is there.

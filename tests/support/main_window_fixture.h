@@ -157,6 +157,15 @@ class MainWindowTest : public ::testing::Test {
   HWND window_ = nullptr;
 };
 
+// The same with the main window open, its client area 700 x 400.
+class OpenMainWindowTest : public MainWindowTest {
+ protected:
+  void SetUp() override {
+    MainWindowTest::SetUp();
+    ASSERT_NE(Open(), nullptr);
+  }
+};
+
 // Rectangles compare as text, so that a failure shows both.
 inline std::string Describe(const RECT& r) {
   return "(" + std::to_string(r.left) + "," + std::to_string(r.top) + ")-(" +
