@@ -241,7 +241,7 @@ TEST_F(FaultTest, ServerThatBreaksOffMidPage) {
   ASSERT_TRUE(server.listening()) << server.error();
   const auto resetOnceSomeCame = [&](HWND dialog, const WindowSnapshot&) {
     HWND status = GetDlgItem(dialog, IDC_DOWNLOAD_STATUS);
-    for (int i = 0; i < 500 && WindowText(status).find("Bytes") == std::string::npos; ++i) Sleep(10);
+    PollUntil([&] { return WindowText(status).find("Bytes") != std::string::npos; });
     server.Continue();
   };
   // The download dialog is a step of its own here.

@@ -73,7 +73,7 @@ TEST_F(About, ShowsNameVersionIconAndWhatTheProgramDoesAndOkEscAndTheCloseBoxClo
                                                  SMTO_NORMAL, 3000, &font);
                              GetObjectA(reinterpret_cast<HFONT>(font), sizeof(nameFont), &nameFont);
                              PostMessageA(dialog, way.message, way.id, 0);
-                             for (int i = 0; i < 150 && IsWindow(dialog); ++i) Sleep(20);
+                             PollUntil([&] { return !IsWindow(dialog); }, 3000);
                              closed = !IsWindow(dialog);
                              if (!closed) ClickButton(dialog, IDOK);
                            })});

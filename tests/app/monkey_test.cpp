@@ -138,13 +138,11 @@ class Monkey : public ProgramFolderTest {
 
   // Reports the seed and the last actions, to replay the run, and ends it.
   [[noreturn]] void Die(const std::string& what) {
-    {
-      std::lock_guard<std::mutex> lock(logMutex_);
-      std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(),
-                   static_cast<unsigned long long>(seed_), static_cast<unsigned long long>(actions_));
-      for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
-      std::fflush(stderr);
-    }
+    std::lock_guard<std::mutex> lock(logMutex_);
+    std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(),
+                 static_cast<unsigned long long>(seed_), static_cast<unsigned long long>(actions_));
+    for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
+    std::fflush(stderr);
     TerminateProcess(GetCurrentProcess(), 3);
     std::abort();
   }
@@ -179,9 +177,8 @@ class Monkey : public ProgramFolderTest {
   HWND ModalWindow() const {
     std::vector<HWND> windows;
     EnumThreadWindows(GetCurrentThreadId(), CollectShown, reinterpret_cast<LPARAM>(&windows));
-    for (HWND w : windows) {
+    for (HWND w : windows)
       if (w != window_ && w != browser_ && ClassOf(w) == "#32770") return w;
-    }
     return nullptr;
   }
 
@@ -286,9 +283,7 @@ class Monkey : public ProgramFolderTest {
   // drag that ends there, in the main window's client coordinates.
   void Mouse(const std::string& what, HWND window, POINT p, UINT down, const POINT* drop = nullptr) {
     Log(what + " at " + std::to_string(p.x) + "," + std::to_string(p.y));
-    POINT screen = p;
-    ClientToScreen(window, &screen);
-    SetCursorPos(screen.x, screen.y);
+    PointerAt(window, p);
     if (drop) {
       PostMessageA(window, down, MK_LBUTTON, MAKELPARAM(p.x, p.y));
       PostMessageA(window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));

@@ -214,16 +214,12 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
 
   std::thread watcher([&] {
     for (std::size_t i = 0; i < steps.size(); ++i) {
-      const auto deadline = Clock::now() + std::chrono::milliseconds(options.stepTimeoutMs);
       HWND window = nullptr;
-      while (!window && Clock::now() < deadline) {
+      PollUntil([&] {
         window = steps[i].again ? FindModal(thread, options, answered, true)
                                 : FindModal(thread, options, handled, false);
-        if (!window) {
-          if (actionDone) break;
-          std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
-        }
-      }
+        return window || actionDone;
+      }, options.stepTimeoutMs);
       if (!window) {
         result.errors.push_back("step " + std::to_string(i + 1) + ": no modal window appeared");
         break;
@@ -241,10 +237,8 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
       // The answer takes effect on the thread under test: wait until the window is
       // gone or covered by a box of its own before looking for the next one. A
       // window that stays open and active is left for an Again step.
-      const auto settle = Clock::now() + std::chrono::milliseconds(kSettleMs);
-      while (Clock::now() < settle && IsWindow(window) && IsWindowVisible(window) &&
-             IsWindowEnabled(window) && !actionDone)
-        std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
+      PollUntil([&] { return !IsWindow(window) || !IsWindowVisible(window) || !IsWindowEnabled(window) || actionDone; },
+              kSettleMs);
     }
     // Anything else that opens before the action ends was not foreseen: cancel it.
     const bool failed = !result.errors.empty();
@@ -264,6 +258,15 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
   actionDone = true;
   watcher.join();
   return result;
+}
+
+bool PollUntil(const std::function<bool()>& condition, int timeoutMs) {
+  const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+  while (!condition()) {
+    if (Clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
+  }
+  return true;
 }
 
 bool PumpUntil(const std::function<bool()>& condition, int timeoutMs) {

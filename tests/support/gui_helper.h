@@ -92,6 +92,9 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
 
 // Pumps this thread's messages until `condition` holds or `timeoutMs` passes.
 bool PumpUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
+// The same without pumping: for a thread whose windows must wait (a modal step's),
+// or for what another process does.
+bool PollUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
 
 // Text of any window, read with WM_GETTEXT.
 std::string WindowText(HWND window);
