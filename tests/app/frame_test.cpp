@@ -53,7 +53,6 @@ TEST(Resources, MenusHoldEveryCommandWithItsHelpLine) {
   HINSTANCE inst = GetModuleHandleA(nullptr);
   HMENU menu = LoadMenuA(inst, "QUELLBARROW");
   ASSERT_NE(menu, nullptr);
-  EXPECT_EQ(GetMenuItemCount(menu), 7);
   // One item per row of the command table, both 50302 items and "Scan Address
   // from Clipboard" included.
   EXPECT_EQ(CountCommandsWithHelp(menu), 50);
@@ -119,7 +118,6 @@ TEST_F(MainWindow, CreationBuildsTheWholeInterior) {
   EXPECT_EQ(static_cast<DWORD>(GetWindowLongA(tip, GWL_STYLE)) & ~WS_CLIPSIBLINGS, 0x80800006u);
   EXPECT_TRUE(Topmost(tip));
   EXPECT_EQ(GetWindow(tip, GW_OWNER), window_);
-  EXPECT_EQ(GetDlgCtrlID(StatusBar().window), IDC_STATUS_BAR);
   EXPECT_EQ(StatusText(), "Quellbarrow");
 
   const FrameGdi& g = Gdi();
