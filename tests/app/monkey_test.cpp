@@ -139,8 +139,8 @@ class Monkey : public ProgramFolderTest {
   // Reports the seed and the last actions, to replay the run, and ends it.
   [[noreturn]] void Die(const std::string& what) {
     std::lock_guard<std::mutex> lock(logMutex_);
-    std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(),
-                 static_cast<unsigned long long>(seed_), static_cast<unsigned long long>(actions_));
+    std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(), seed_,
+                 actions_);
     for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
     std::fflush(stderr);
     TerminateProcess(GetCurrentProcess(), 3);
@@ -456,16 +456,15 @@ class Monkey : public ProgramFolderTest {
     if (std::distance(std::filesystem::directory_iterator(dir_.path()), {}) != 2)
       Die("something was made beside the program folder");
     std::ifstream registry(program_ + "\\" + kRegistryFileName);
-    for (std::string line; std::getline(registry, line);) {
+    for (std::string line; std::getline(registry, line);)
       if (line.size() > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(line.size()) + " characters");
-    }
   }
 
   void Run() {
     seed_ = FromEnvironment("QB_MONKEY_SEED", Clock::now().time_since_epoch().count() % 1000000007);
     const int seconds = static_cast<int>(FromEnvironment("QB_MONKEY_SECONDS", 60));
-    std::printf("monkey: seed %llu for %d seconds (QB_MONKEY_SEED=%llu QB_MONKEY_SECONDS=%d to replay)\n",
-                static_cast<unsigned long long>(seed_), seconds, static_cast<unsigned long long>(seed_), seconds);
+    std::printf("monkey: seed %llu for %d seconds (QB_MONKEY_SEED=%llu QB_MONKEY_SECONDS=%d to replay)\n", seed_,
+                seconds, seed_, seconds);
     std::fflush(stdout);
     rng_.seed(seed_);
     texts_ = TypedTexts(outside_);
@@ -496,20 +495,19 @@ class Monkey : public ProgramFolderTest {
     KillTimer(nullptr, timer);
     done_ = true;
     watchdog.join();
-    std::printf("monkey: %llu actions in %d seconds, seed %llu\n", static_cast<unsigned long long>(actions_),
-                seconds, static_cast<unsigned long long>(seed_));
+    std::printf("monkey: %llu actions in %d seconds, seed %llu\n", actions_, seconds, seed_);
   }
 
   std::string outside_;
   std::map<std::string, Bytes> outsideBefore_;
   HACCEL accelerators_ = nullptr;
   std::mt19937_64 rng_;
-  std::uint64_t seed_ = 0;
+  unsigned long long seed_ = 0;  // as printf takes it
   std::vector<std::string> texts_;
   std::map<HWND, int> modalActions_;
   std::mutex logMutex_;
   std::deque<std::string> log_;
-  std::uint64_t actions_ = 0;
+  unsigned long long actions_ = 0;
   std::atomic<Clock::rep> beat_{0};
   std::atomic<Clock::rep> actionStart_{0};
   std::atomic<bool> done_{false};
