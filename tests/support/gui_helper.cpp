@@ -1,6 +1,7 @@
 #include "tests/support/gui_helper.h"
 
 #include <dlgs.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
@@ -257,6 +258,15 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
   action();
   actionDone = true;
   watcher.join();
+  return result;
+}
+
+ModalResult RunAnswered(const std::function<void()>& action, std::vector<ModalStep> steps,
+                        ModalOptions options) {
+  const std::size_t count = steps.size();
+  ModalResult result = RunModal(action, std::move(steps), std::move(options));
+  EXPECT_TRUE(result.ok()) << result.Describe();
+  if (result.seen.size() < count) result.seen.resize(count);
   return result;
 }
 

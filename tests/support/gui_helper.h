@@ -89,6 +89,10 @@ struct ModalOptions {
 
 ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep> steps,
                      ModalOptions options = {});
+// RunModal with what went wrong added to the test's failures; `seen` holds a
+// snapshot for every step even then, so that the checks after it fail rather than crash.
+ModalResult RunAnswered(const std::function<void()>& action, std::vector<ModalStep> steps,
+                        ModalOptions options = {});
 
 // Pumps this thread's messages until `condition` holds or `timeoutMs` passes.
 bool PumpUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
