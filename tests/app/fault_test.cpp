@@ -133,8 +133,7 @@ TEST_F(FullDiskTest, DownloadAndRegistryEntryAreWholeOrNotThere) {
   ASSERT_TRUE(server.listening()) << server.error();
   const std::string registryPath = program_ + "\\" + kRegistryFileName;
   // An entry that ends a few bytes before the file system's 4 KiB page does.
-  const std::string header = std::string(kRegistryHeader) + "\n";
-  std::string registry = header + "127.0.0.1/old.htm\n" + program_ + "\\DataHtml\\";
+  std::string registry = std::string(kRegistryHeader) + "\n127.0.0.1/old.htm\n" + program_ + "\\DataHtml\\";
   registry += std::string(4096 - 8 - registry.size() - 1, 'o') + "\n";
   WriteText(registryPath, registry);
   ShowBrowser();

@@ -353,13 +353,10 @@ class Monkey : public ProgramFolderTest {
     window_ = nullptr;
     const Bytes settings = ReadBytes(program_ + "\\pellwick.cfg");
     if (settings.size() != kSettingsFileSize) Die("settings file of " + Size(settings) + " after close");
+    // What a new start begins with; the main window resets its lists and slot itself.
     Settings() = AppSettings{};
     LoadOrSaveSettings(kLoadSettings);
     ClearAllKeys(Keys());
-    SetDatabaseChanged(false);
-    SetCurrentSlot(0);
-    ResetKeyList();
-    ResetLinksView();
     SetCurrentLinksFolder("");
     if (!OpenProgram()) Die("the program did not start again");
   }
