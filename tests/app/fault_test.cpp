@@ -6,16 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "acquire/document_registry.h"
 #include "acquire/download_dialog.h"
-#include "keys/database_slots.h"
-#include "keys/key_file.h"
-#include "keys/key_list.h"
 #include "keys/key_merge.h"
-#include "links/links_view.h"
 #include "scan/scan_driver.h"
-#include "tests/keys/key_test_util.h"
-#include "tests/scan/scan_fixture.h"
+#include "tests/app/program_folder_fixture.h"
 #include "tests/support/loopback_server.h"
 
 namespace qb::test {
@@ -28,43 +22,21 @@ const std::vector<KeyTexts> kKeys = {{"Email", "email", "", "ann@example.com"}, 
 
 std::string Http(const std::string& body) { return "HTTP/1.0 200 OK\r\n\r\n" + body; }
 
-bool IsDownloadDialog(HWND window) { return GetDlgItem(window, IDC_DOWNLOAD_STATUS) != nullptr; }
-
-class FaultTest : public MainWindowTest {
+class FaultTest : public ProgramFolderTest {
  protected:
   void SetUp() override {
     MainWindowTest::SetUp();
     ASSERT_NO_FATAL_FAILURE();
-    UseMessageBoxes();
-    UseStandInBrowser();
-    SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    program_ = ProgramFolder();
-    if (program_.empty()) GTEST_SKIP() << "no small file system to fill (scripts/full_disk.sh mounts one as root)";
-    for (const char* f : {"", "\\Databases", "\\DataHtml", "\\DataHtml\\Shop"})
-      ASSERT_TRUE(CreateDirectoryA((program_ + f).c_str(), nullptr) || GetLastError() == ERROR_ALREADY_EXISTS);
-    SetProgramDirectory(program_);
-    SetCurrentLinksFolder("");
-    ASSERT_TRUE(SaveDatabase(Database("Data.dat"), *OwnedTable(kKeys)));
-    WriteText(program_ + "\\" + kRegistryFileName, std::string(kRegistryHeader) + "\n");
-  }
-
-  void TearDown() override {
-    if (browser_) DestroyWindow(browser_);
-    MainWindowTest::TearDown();
-    SetUserMessageSink(nullptr);
+    const std::string folder = ProgramFolder();
+    if (folder.empty()) GTEST_SKIP() << "no small file system to fill (scripts/full_disk.sh mounts one as root)";
+    MakeProgramFolder(folder, kKeys);
   }
 
   virtual std::string ProgramFolder() { return dir_.path(); }
-  std::string Database(const std::string& name) const { return program_ + "\\Databases\\" + name; }
-
-  void OpenProgram() {
-    ASSERT_TRUE(Open());
-    CreateKeyListColumn(App().keysView);
-  }
 
   // The main window over Data.dat with one key added and not saved yet.
   void OpenWithAnEdit() {
-    OpenProgram();
+    ASSERT_TRUE(OpenProgram());
     ASSERT_TRUE(SetKeyField(Keys(), Keys().count, kName, "Added"));
     // Longer than the 4 KiB a nearly full disk has left: only part of it fits.
     ASSERT_TRUE(SetKeyField(Keys(), Keys().count, kDescription, std::string(6000, 'd')));
@@ -84,14 +56,6 @@ class FaultTest : public MainWindowTest {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(program_ + "\\Databases"), {}), 1);
   }
 
-  void ShowBrowser() { browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm"); }
-
-  void SelectLink(int row) {
-    ListView_SetItemState(App().linksView, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-  }
-
-  std::string program_;
-  HWND browser_ = nullptr;
   std::vector<std::uint8_t> kept_;
   std::vector<std::uint8_t> table_;
 };
@@ -149,10 +113,8 @@ TEST_F(FullDiskTest, SavingKeepsTheOldFileAndTheUnsavedKeys) {
     for (std::size_t room : {0, 4096}) {
       SCOPED_TRACE(std::string(c.what) + ", room for " + std::to_string(room) + " bytes");
       Fill(room);
-      const ModalResult r =
-          RunModal([&] { c.command ? Command(c.command) : SendMessageA(window_, WM_CLOSE, 0, 0); }, c.steps);
-      ASSERT_TRUE(r.ok()) << r.Describe();
-      EXPECT_EQ(r.seen.back().MessageText(), kCantWrite);
+      const auto act = [&] { c.command ? Command(c.command) : SendMessageA(window_, WM_CLOSE, 0, 0); };
+      EXPECT_EQ(RunAnswered(act, c.steps).seen.back().MessageText(), kCantWrite);
       ExpectNothingLost();
       EXPECT_TRUE(IsWindow(window_));
       EXPECT_FALSE(FileExists(program_ + "\\" + kSafetyCopyName));
@@ -171,12 +133,11 @@ TEST_F(FullDiskTest, DownloadAndRegistryEntryAreWholeOrNotThere) {
   ASSERT_TRUE(server.listening()) << server.error();
   const std::string registryPath = program_ + "\\" + kRegistryFileName;
   // An entry that ends a few bytes before the file system's 4 KiB page does.
-  const std::string header = std::string(kRegistryHeader) + "\n";
-  std::string registry = header + "127.0.0.1/old.htm\n" + program_ + "\\DataHtml\\";
+  std::string registry = std::string(kRegistryHeader) + "\n127.0.0.1/old.htm\n" + program_ + "\\DataHtml\\";
   registry += std::string(4096 - 8 - registry.size() - 1, 'o') + "\n";
   WriteText(registryPath, registry);
   ShowBrowser();
-  OpenProgram();
+  ASSERT_TRUE(OpenProgram());
   const std::string saved = program_ + "\\DataHtml\\127.0.0.1.form.htm.htm";
   const struct {
     const char* what;
@@ -187,10 +148,9 @@ TEST_F(FullDiskTest, DownloadAndRegistryEntryAreWholeOrNotThere) {
     SCOPED_TRACE(c.what);
     Fill(c.spare);
     // The download dialog comes and goes by itself.
-    const ModalResult r = RunModal([this] { Command(IDM_SCAN_HTML); },
+    const ModalResult r = RunAnswered([this] { Command(IDM_SCAN_HTML); },
                                    c.told ? std::vector<ModalStep>{Press("OK")} : std::vector<ModalStep>{},
                                    ModalOptions{10000, false, IsDownloadDialog});
-    EXPECT_TRUE(r.ok()) << r.Describe();
     if (c.told) {
       EXPECT_EQ(r.seen.at(0).MessageText(), c.told);
       EXPECT_FALSE(FileExists(saved));
@@ -214,8 +174,7 @@ TEST_F(FullDiskTest, SettingsAtCloseAreWholeOrNotWritten) {
     const std::vector<std::uint8_t> old = ReadBytes(settings);
     ASSERT_TRUE(Open());
     Fill();
-    const ModalResult r = RunModal([&] { SendMessageA(window_, WM_CLOSE, 0, 0); }, {Press("OK")});
-    ASSERT_TRUE(r.ok()) << r.Describe();
+    const ModalResult r = RunAnswered([&] { SendMessageA(window_, WM_CLOSE, 0, 0); }, {Press("OK")});
     EXPECT_EQ(r.seen.at(0).MessageText(), "Can't save config file");
     EXPECT_EQ(FileExists(settings), before);
     EXPECT_EQ(ReadBytes(settings), old);
@@ -232,13 +191,11 @@ TEST_F(FaultTest, DatabaseHeldOpenWithoutWriteSharing) {
   HANDLE held = CreateFileA(Database("Data.dat").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             0, nullptr);
   ASSERT_NE(held, INVALID_HANDLE_VALUE);
-  ModalResult r = RunModal([&] { Command(IDM_SAVE_DATABASE); }, {Press("OK")});
-  ASSERT_TRUE(r.ok()) << r.Describe();
+  ModalResult r = RunAnswered([&] { Command(IDM_SAVE_DATABASE); }, {Press("OK")});
   EXPECT_EQ(r.seen.at(0).MessageText(), kCantWrite);
   ExpectNothingLost();
   CloseHandle(held);
-  r = RunModal([&] { Command(IDM_SAVE_DATABASE); }, {});
-  EXPECT_TRUE(r.ok()) << r.Describe();
+  RunAnswered([&] { Command(IDM_SAVE_DATABASE); }, {});
   EXPECT_EQ(ReadBytes(Database("Data.dat")), table_);
   EXPECT_FALSE(DatabaseChanged());
 }
@@ -248,7 +205,7 @@ TEST_F(FaultTest, DatabaseHeldOpenWithoutWriteSharing) {
 TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   WriteText(program_ + "\\DataHtml\\Shop\\page.htm", kPage);
   ASSERT_TRUE(Open());
-  SelectLink(0);
+  ListView_SetItemState(App().linksView, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   std::filesystem::remove_all(program_ + "\\DataHtml");
   for (WORD id : {IDM_LINKS_ENTER, IDM_SCAN_FILE_HTML, IDM_RENAME_FOLDER, IDM_DELETE_LINK, IDM_NEW_FOLDER,
                   IDM_MOVE_LINK, IDM_COMPACT_CONFIGHTML}) {
@@ -263,14 +220,13 @@ TEST_F(FaultTest, DataHtmlThatDisappearsUnderTheLinksView) {
   }
 }
 
-
 // A server that breaks off after part of the page: the user is told, and no part
 // of a page is left to be scanned later as if it were the page. The reset waits
 // until the first part has arrived (Wine reports an early one as an orderly end).
 TEST_F(FaultTest, ServerThatBreaksOffMidPage) {
   LoopbackReply reset{{Http(std::string(kPage).substr(0, std::string(kPage).find("</form>")))}};
   reset.paced = reset.reset = true;
-  OpenProgram();
+  ASSERT_TRUE(OpenProgram());
   ShowBrowser();
   const std::string saved = program_ + "\\DataHtml\\127.0.0.1.form.htm.htm";
   const std::string registry = ReadText(program_ + "\\" + kRegistryFileName);
@@ -278,12 +234,11 @@ TEST_F(FaultTest, ServerThatBreaksOffMidPage) {
   ASSERT_TRUE(server.listening()) << server.error();
   const auto resetOnceSomeCame = [&](HWND dialog, const WindowSnapshot&) {
     HWND status = GetDlgItem(dialog, IDC_DOWNLOAD_STATUS);
-    for (int i = 0; i < 500 && WindowText(status).find("Bytes") == std::string::npos; ++i) Sleep(10);
+    PollUntil([&] { return WindowText(status).find("Bytes") != std::string::npos; });
     server.Continue();
   };
   // The download dialog is a step of its own here.
-  const ModalResult r = RunModal([this] { Command(IDM_SCAN_HTML); }, {Custom(resetOnceSomeCame), Press("OK")});
-  ASSERT_TRUE(r.ok()) << r.Describe();
+  const ModalResult r = RunAnswered([this] { Command(IDM_SCAN_HTML); }, {Custom(resetOnceSomeCame), Press("OK")});
   EXPECT_EQ(r.seen.at(1).MessageText(), kCantDownloadText);
   EXPECT_FALSE(FileExists(saved));
   EXPECT_FALSE(FileExists(program_ + "\\QuellbarrowTemproaryFile.htm"));

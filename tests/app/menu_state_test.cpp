@@ -4,13 +4,7 @@
 namespace qb::test {
 namespace {
 
-class Menus : public MainWindowTest {
- protected:
-  void SetUp() override {
-    MainWindowTest::SetUp();
-    ASSERT_NE(Open(), nullptr);
-  }
-};
+using Menus = OpenMainWindowTest;
 
 struct GreyCase {
   const char* name;

@@ -19,16 +19,8 @@
 #include <thread>
 
 #include "acquire/acquire_state.h"
-#include "acquire/document_registry.h"
-#include "bars/dock_bar.h"
-#include "keys/database_slots.h"
-#include "keys/key_file.h"
-#include "keys/key_list.h"
-#include "links/links_view.h"
-#include "tests/keys/key_test_util.h"
-#include "tests/scan/scan_fixture.h"
+#include "tests/app/program_folder_fixture.h"
 #include "tests/support/loopback_server.h"
-#include "tests/support/main_window_fixture.h"
 
 #include <dlgs.h>  // after windows.h
 
@@ -78,6 +70,11 @@ const WPARAM kKeys[] = {'A', 'K', 'Z', VK_RETURN, VK_ESCAPE, VK_DELETE, VK_F2, V
 
 std::string Size(const Bytes& b) { return std::to_string(b.size()) + " bytes"; }
 
+std::uint64_t FromEnvironment(const char* name, std::uint64_t otherwise) {
+  const char* text = std::getenv(name);
+  return text && *text ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
 // Every file and folder under `folder` (folders with a trailing separator), with
 // its bytes, by path relative to it.
 std::map<std::string, Bytes> Files(const std::string& folder) {
@@ -93,7 +90,7 @@ std::map<std::string, Bytes> Files(const std::string& folder) {
 class Monkey;
 Monkey* g_monkey = nullptr;
 
-class Monkey : public MainWindowTest {
+class Monkey : public ProgramFolderTest {
  public:
   static void CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD) { g_monkey->ActOnModalWindow(); }
 
@@ -101,34 +98,25 @@ class Monkey : public MainWindowTest {
   void SetUp() override {
     MainWindowTest::SetUp();
     ASSERT_NO_FATAL_FAILURE();
-    UseMessageBoxes();
-    UseStandInBrowser();
-    program_ = dir_.File("Program");
-    outside_ = dir_.File("Outside");
-    for (const char* f : {"Program", "Program\\Databases", "Program\\DataHtml", "Program\\DataHtml\\Shop",
-                          "Program\\DataHtml\\Shop\\Deep", "Outside", "Outside\\inner"}) {
-      CreateDirectoryA(dir_.File(f).c_str(), nullptr);
-    }
-    WriteText(outside_ + "\\keep.htm", "<form action=/x method=post></form>");
-    WriteText(outside_ + "\\inner\\Data.dat", "not a database");
-    SetProgramDirectory(program_);
-    SetCurrentLinksFolder("");
-    ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Data.dat", *OwnedTable(kFirstKeys)));
-    ASSERT_TRUE(SaveDatabase(program_ + "\\Databases\\Second.dat", *OwnedTable(kSecondKeys)));
-    const std::string html = std::strstr(kFormPage, "<html>");
+    ASSERT_NO_FATAL_FAILURE(MakeProgramFolder(dir_.File("Program"), kFirstKeys));
     const std::string root = program_ + "\\DataHtml\\";
+    outside_ = dir_.File("Outside");
+    for (const std::string& f : {root + "Shop\\Deep", outside_, outside_ + "\\inner"})
+      CreateDirectoryA(f.c_str(), nullptr);
     std::string registry = std::string(kRegistryHeader) + "\r\n";
     for (const char* page : {"form.htm", "Shop\\order.htm", "Shop\\Deep\\deep.htm"}) {
-      WriteText(root + page, html);
+      WriteText(root + page, std::strstr(kFormPage, "<html>"));
       registry += std::string("127.0.0.1/") + page + "\r\n" + root + page + "\r\n";
     }
     WriteText(program_ + "\\" + kRegistryFileName, registry);
+    WriteText(outside_ + "\\keep.htm", "<form action=/x method=post></form>");
+    WriteText(outside_ + "\\inner\\Data.dat", "not a database");
+    ASSERT_TRUE(SaveDatabase(Database("Second.dat"), *OwnedTable(kSecondKeys)));
     ASSERT_TRUE(MakeUnixLink(root, "Elsewhere", "../../Outside"));
     outsideBefore_ = Files(outside_);
     ASSERT_EQ(outsideBefore_.size(), 3u);  // keep.htm, inner\ and inner\Data.dat
     std::strcpy(Settings().slotNames[1].data(), "Second.dat");
-    SetBrowserWindowChoiceOption(kFirstBrowserWindow);
-    browser_ = ShowStandInBrowserWindow(kTestBrowserName, "http://127.0.0.1/form.htm");
+    ShowBrowser();
     ASSERT_TRUE(OpenProgram());
     accelerators_ = LoadAcceleratorsA(Instance(), kMainClassName);
     g_monkey = this;
@@ -136,15 +124,7 @@ class Monkey : public MainWindowTest {
 
   void TearDown() override {
     g_monkey = nullptr;
-    DestroyWindow(browser_);
-    MainWindowTest::TearDown();
-    SetUserMessageSink(nullptr);
-  }
-
-  bool OpenProgram() {
-    if (!Open(700, 400)) return false;
-    CreateKeyListColumn(App().keysView);
-    return true;
+    ProgramFolderTest::TearDown();
   }
 
   // --- the log, the watchdog and the report -------------------------------
@@ -158,13 +138,11 @@ class Monkey : public MainWindowTest {
 
   // Reports the seed and the last actions, to replay the run, and ends it.
   [[noreturn]] void Die(const std::string& what) {
-    {
-      std::lock_guard<std::mutex> lock(logMutex_);
-      std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(),
-                   static_cast<unsigned long long>(seed_), static_cast<unsigned long long>(actions_));
-      for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
-      std::fflush(stderr);
-    }
+    std::lock_guard<std::mutex> lock(logMutex_);
+    std::fprintf(stderr, "monkey: %s\nmonkey: seed %llu after %llu actions; the last ones:\n", what.c_str(), seed_,
+                 actions_);
+    for (const std::string& line : log_) std::fprintf(stderr, "  %s\n", line.c_str());
+    std::fflush(stderr);
     TerminateProcess(GetCurrentProcess(), 3);
     std::abort();
   }
@@ -194,20 +172,13 @@ class Monkey : public MainWindowTest {
     return TRUE;
   }
 
-  static std::string ClassOf(HWND w) {
-    char cls[32] = {};
-    GetClassNameA(w, cls, sizeof cls);
-    return cls;
-  }
-
   // The window that has the user: an enabled dialog of this thread other than the
   // main window and the browser.
   HWND ModalWindow() const {
     std::vector<HWND> windows;
     EnumThreadWindows(GetCurrentThreadId(), CollectShown, reinterpret_cast<LPARAM>(&windows));
-    for (HWND w : windows) {
+    for (HWND w : windows)
       if (w != window_ && w != browser_ && ClassOf(w) == "#32770") return w;
-    }
     return nullptr;
   }
 
@@ -312,9 +283,7 @@ class Monkey : public MainWindowTest {
   // drag that ends there, in the main window's client coordinates.
   void Mouse(const std::string& what, HWND window, POINT p, UINT down, const POINT* drop = nullptr) {
     Log(what + " at " + std::to_string(p.x) + "," + std::to_string(p.y));
-    POINT screen = p;
-    ClientToScreen(window, &screen);
-    SetCursorPos(screen.x, screen.y);
+    PointerAt(window, p);
     if (drop) {
       PostMessageA(window, down, MK_LBUTTON, MAKELPARAM(p.x, p.y));
       PostMessageA(window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
@@ -384,13 +353,10 @@ class Monkey : public MainWindowTest {
     window_ = nullptr;
     const Bytes settings = ReadBytes(program_ + "\\pellwick.cfg");
     if (settings.size() != kSettingsFileSize) Die("settings file of " + Size(settings) + " after close");
+    // What a new start begins with; the main window resets its lists and slot itself.
     Settings() = AppSettings{};
     LoadOrSaveSettings(kLoadSettings);
     ClearAllKeys(Keys());
-    SetDatabaseChanged(false);
-    SetCurrentSlot(0);
-    ResetKeyList();
-    ResetLinksView();
     SetCurrentLinksFolder("");
     if (!OpenProgram()) Die("the program did not start again");
   }
@@ -487,19 +453,15 @@ class Monkey : public MainWindowTest {
     if (std::distance(std::filesystem::directory_iterator(dir_.path()), {}) != 2)
       Die("something was made beside the program folder");
     std::ifstream registry(program_ + "\\" + kRegistryFileName);
-    for (std::string line; std::getline(registry, line);) {
+    for (std::string line; std::getline(registry, line);)
       if (line.size() > kRegistryLineMax + 1) Die("a registry line of " + std::to_string(line.size()) + " characters");
-    }
   }
 
   void Run() {
-    const char* seedText = std::getenv("QB_MONKEY_SEED");
-    const char* secondsText = std::getenv("QB_MONKEY_SECONDS");
-    seed_ = seedText && *seedText ? std::strtoull(seedText, nullptr, 10)
-                                  : static_cast<std::uint64_t>(Clock::now().time_since_epoch().count() % 1000000007);
-    const int seconds = secondsText && *secondsText ? std::atoi(secondsText) : 60;
-    std::printf("monkey: seed %llu for %d seconds (QB_MONKEY_SEED=%llu QB_MONKEY_SECONDS=%d to replay)\n",
-                static_cast<unsigned long long>(seed_), seconds, static_cast<unsigned long long>(seed_), seconds);
+    seed_ = FromEnvironment("QB_MONKEY_SEED", Clock::now().time_since_epoch().count() % 1000000007);
+    const int seconds = static_cast<int>(FromEnvironment("QB_MONKEY_SECONDS", 60));
+    std::printf("monkey: seed %llu for %d seconds (QB_MONKEY_SEED=%llu QB_MONKEY_SECONDS=%d to replay)\n", seed_,
+                seconds, seed_, seconds);
     std::fflush(stdout);
     rng_.seed(seed_);
     texts_ = TypedTexts(outside_);
@@ -530,22 +492,19 @@ class Monkey : public MainWindowTest {
     KillTimer(nullptr, timer);
     done_ = true;
     watchdog.join();
-    std::printf("monkey: %llu actions in %d seconds, seed %llu\n", static_cast<unsigned long long>(actions_),
-                seconds, static_cast<unsigned long long>(seed_));
+    std::printf("monkey: %llu actions in %d seconds, seed %llu\n", actions_, seconds, seed_);
   }
 
-  std::string program_;
   std::string outside_;
   std::map<std::string, Bytes> outsideBefore_;
-  HWND browser_ = nullptr;
   HACCEL accelerators_ = nullptr;
   std::mt19937_64 rng_;
-  std::uint64_t seed_ = 0;
+  unsigned long long seed_ = 0;  // as printf takes it
   std::vector<std::string> texts_;
   std::map<HWND, int> modalActions_;
   std::mutex logMutex_;
   std::deque<std::string> log_;
-  std::uint64_t actions_ = 0;
+  unsigned long long actions_ = 0;
   std::atomic<Clock::rep> beat_{0};
   std::atomic<Clock::rep> actionStart_{0};
   std::atomic<bool> done_{false};

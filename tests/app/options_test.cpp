@@ -5,14 +5,10 @@
 namespace qb::test {
 namespace {
 
-class Options : public MainWindowTest {
+class Options : public OpenMainWindowTest {
  protected:
-  void SetUp() override {
-    MainWindowTest::SetUp();
-    ASSERT_NE(Open(), nullptr);
-  }
   ModalResult OpenOptions(std::vector<ModalStep> steps) {
-    return RunModal([&] { EXPECT_EQ(Command(IDM_GLOBAL_OPTIONS), 0); }, std::move(steps));
+    return RunAnswered([&] { EXPECT_EQ(Command(IDM_GLOBAL_OPTIONS), 0); }, std::move(steps));
   }
   static void Key(HWND dialog, WPARAM key) {
     PostMessageA(GetDlgItem(dialog, IDC_OPT_COPY_DESCRIPTION), WM_KEYDOWN, key, 0);
@@ -55,7 +51,6 @@ TEST_F(Options, OkAndEnterKeepTheChangesCancelAndEscDropThemTheFileKeepsTwoAndTa
       SetCheck(dialog, IDC_OPT_FIRST_BROWSER, true);
       c.close(dialog);
     })});
-    ASSERT_TRUE(result.ok()) << result.Describe();
     EXPECT_EQ(result.seen[0].caption, "Quellbarrow - Options");
     EXPECT_EQ(Checks(result.seen[0]), (std::vector<int>{1, 0, 1, 0}));
     EXPECT_EQ(Settings().copyDescription, c.kept ? 0u : 1u);
@@ -75,7 +70,6 @@ TEST_F(Options, OkAndEnterKeepTheChangesCancelAndEscDropThemTheFileKeepsTwoAndTa
     for (int i = 0; i < 6; ++i, c = GetNextDlgTabItem(dialog, c, FALSE)) order.push_back(GetDlgCtrlID(c));
     ClickButton(dialog, IDCANCEL);
   })});
-  ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(Checks(result.seen[0]), (std::vector<int>{0, 0, 1, 1}));
   ASSERT_EQ(order.size(), 6u);
   if (order[1] == IDC_OPT_PROMPT_BROWSER) order[1] = IDC_OPT_FIRST_BROWSER;
@@ -88,7 +82,6 @@ TEST_F(Options, HelpOpensItsTopicAndKeepsTheDialog) {
   HelpPage page;
   bool stayedOpen = false;
   auto result = OpenOptions({HelpThenCancel("Options", page, stayedOpen)});
-  ASSERT_TRUE(result.ok()) << result.Describe();
   EXPECT_EQ(page.heading, "Options");
   EXPECT_TRUE(stayedOpen);
 }

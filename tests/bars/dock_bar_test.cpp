@@ -5,13 +5,8 @@
 namespace qb::test {
 namespace {
 
-class Bars : public MainWindowTest {
+class Bars : public OpenMainWindowTest {
  protected:
-  void SetUp() override {
-    MainWindowTest::SetUp();
-    ASSERT_NE(Open(), nullptr);
-  }
-
   static int ButtonOf(const DockBar& bar, WORD command) {
     for (int i = 0; i < bar.kind->count; ++i)
       if (bar.kind->buttons[i].command == command) return i;
@@ -24,9 +19,7 @@ class Bars : public MainWindowTest {
 
   // Puts the pointer over `p` (bar client coordinates) and tells the bar.
   static void Hover(const DockBar& bar, POINT p) {
-    POINT screen = p;
-    ClientToScreen(bar.window, &screen);
-    SetCursorPos(screen.x, screen.y);
+    PointerAt(bar.window, p);
     SendMessageA(bar.window, WM_MOUSEMOVE, 0, MAKELPARAM(p.x, p.y));
   }
   static void Mouse(const DockBar& bar, UINT message, POINT p) {
@@ -50,9 +43,8 @@ TEST_F(Bars, OneDatabaseSlotIsHeldDown) {
 TEST_F(Bars, DraggedToASideTheBarDocksThereAndTheSideIsSaved) {
   DockBar& bar = ToolBarDescriptor();
   DragTo(bar, POINT{5, 200});
-  EXPECT_EQ(bar.side, kSideLeft);
-  EXPECT_EQ(bar.state, kBarDocked);
   EXPECT_EQ(GetCapture(), nullptr);
+  // Docked at the left (the settings below say so too).
   EXPECT_EQ(Describe(ChildRect(bar.window)), Describe(RECT{0, 30, 30, 400 - StatusBar().height}));
   // Laid out vertically now: the buttons run down the bar.
   const std::vector<RECT> buttons = BarButtonRects(bar);
@@ -177,9 +169,8 @@ TEST_F(Bars, ToolTipNamesTheButtonUnderThePointer) {
   }
 
   // Away from the bars the tip goes.
-  POINT away = ButtonCentre(databases, 1);
-  ClientToScreen(databases.window, &away);
-  SetCursorPos(away.x, away.y + 200);
+  const POINT below = ButtonCentre(databases, 1);
+  PointerAt(databases.window, POINT{below.x, below.y + 200});
   EXPECT_TRUE(PumpUntil([&] { return !Visible(tip); }, 3000));
 }
 
@@ -205,15 +196,11 @@ TEST_F(Bars, AButtonSendsItsCommandUnlessItIsGreyed) {
   // Help Topics opens the help file, which this folder lacks: the help program (another
   // process) asks.
   p = ButtonCentre(tool, help);
-  ModalOptions helpProgram;
-  helpProgram.anyProcess = true;
-  auto result = RunModal(
-      [&] {
-        Mouse(tool, WM_LBUTTONDOWN, p);
-        Mouse(tool, WM_LBUTTONUP, p);
-      },
-      {Press("No")}, helpProgram);
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  const auto click = [&] {
+    Mouse(tool, WM_LBUTTONDOWN, p);
+    Mouse(tool, WM_LBUTTONUP, p);
+  };
+  auto result = RunAnswered(click, {Press("No")}, ModalOptions{10000, true, {}});
   EXPECT_NE(result.seen[0].MessageText().find("QBHELP.HLP"), std::string::npos);
 }
 

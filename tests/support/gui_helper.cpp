@@ -1,6 +1,7 @@
 #include "tests/support/gui_helper.h"
 
 #include <dlgs.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
@@ -28,12 +29,6 @@ std::string StripMnemonics(const std::string& text) {
   return out;
 }
 
-std::string ClassOf(HWND window) {
-  char name[256] = {};
-  GetClassNameA(window, name, sizeof(name));
-  return name;
-}
-
 // A message to a window of the thread under test, which may be busy: given up
 // after a while rather than waited for.
 DWORD_PTR Send(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
@@ -47,21 +42,14 @@ bool IsButton(const ControlInfo& c) { return _stricmp(c.className.c_str(), "Butt
 BOOL CALLBACK AddControl(HWND child, LPARAM param) {
   auto* snap = reinterpret_cast<WindowSnapshot*>(param);
   if (GetParent(child) != snap->window) return TRUE;  // direct children only
-  ControlInfo c;
-  c.id = GetDlgCtrlID(child);
-  c.className = ClassOf(child);
-  c.text = WindowText(child);
-  c.enabled = IsWindowEnabled(child) != FALSE;
+  ControlInfo c{GetDlgCtrlID(child), ClassOf(child), WindowText(child), IsWindowEnabled(child) != FALSE};
   if (IsButton(c)) c.checked = static_cast<int>(Send(child, BM_GETCHECK));
   snap->controls.push_back(c);
   return TRUE;
 }
 
 WindowSnapshot Snapshot(HWND window) {
-  WindowSnapshot s;
-  s.window = window;
-  s.caption = WindowText(window);
-  s.className = ClassOf(window);
+  WindowSnapshot s{window, WindowText(window), {}};
   EnumChildWindows(window, AddControl, reinterpret_cast<LPARAM>(&s));
   return s;
 }
@@ -92,11 +80,13 @@ HWND FindModal(DWORD thread, const ModalOptions& options, const std::set<HWND>& 
   return nullptr;
 }
 
-void PressById(HWND window, HWND button, int id) {
-  PostMessageA(window, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(button));
-}
-
 }  // namespace
+
+std::string ClassOf(HWND window) {
+  char name[256] = {};
+  GetClassNameA(window, name, sizeof(name));
+  return name;
+}
 
 std::string WindowText(HWND window) {
   DWORD_PTR length = 0;
@@ -133,31 +123,25 @@ std::vector<std::string> WindowSnapshot::ButtonTexts() const {
 }
 
 ModalStep Press(const std::string& buttonText) {
-  return ModalStep{[buttonText](HWND window, const WindowSnapshot& snap) {
-    for (const auto& c : snap.controls) {
-      if (IsButton(c) && StripMnemonics(c.text) == buttonText && c.enabled) {
-        PressById(window, GetDlgItem(window, c.id), c.id);
-        return;
-      }
-    }
-    throw std::runtime_error("no enabled button \"" + buttonText + "\" in \"" + snap.caption +
-                             "\"");
-  }};
+  return Custom([buttonText](HWND window, const WindowSnapshot& snap) {
+    for (const auto& c : snap.controls)
+      if (IsButton(c) && c.enabled && StripMnemonics(c.text) == buttonText) return ClickButton(window, c.id);
+    throw std::runtime_error("no enabled button \"" + buttonText + "\" in \"" + snap.caption + "\"");
+  });
 }
 
 ModalStep Command(int id) {
-  return ModalStep{
-      [id](HWND window, const WindowSnapshot&) { PressById(window, GetDlgItem(window, id), id); }};
+  return Custom([id](HWND window, const WindowSnapshot&) { ClickButton(window, id); });
 }
 
 ModalStep ChooseFile(const std::string& path) {
-  return ModalStep{[path](HWND window, const WindowSnapshot& snap) {
+  return Custom([path](HWND window, const WindowSnapshot& snap) {
     // The file-name field is a combo box (cmb13) in newer dialogs, an edit (edt1) in older ones.
     const int field = snap.Control(cmb13) ? cmb13 : edt1;
     if (!snap.Control(field)) throw std::runtime_error("no file-name field in \"" + snap.caption + "\"");
     SetControlText(window, field, path);
-    PressById(window, GetDlgItem(window, IDOK), IDOK);
-  }};
+    ClickButton(window, IDOK);
+  });
 }
 
 ModalStep Custom(ModalAction action) { return ModalStep{std::move(action)}; }
@@ -175,7 +159,9 @@ void SetCheck(HWND dialog, int id, bool checked) {
   Send(GetDlgItem(dialog, id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED);
 }
 
-void ClickButton(HWND dialog, int id) { PressById(dialog, GetDlgItem(dialog, id), id); }
+void ClickButton(HWND dialog, int id) {
+  PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
 
 void ClickWithMouse(HWND window) {
   RECT r{};
@@ -186,13 +172,11 @@ void ClickWithMouse(HWND window) {
   const LONG x = scale((r.left + r.right) / 2, GetSystemMetrics(SM_CXSCREEN));
   const LONG y = scale((r.top + r.bottom) / 2, GetSystemMetrics(SM_CYSCREEN));
   INPUT click[2] = {};
-  for (INPUT& input : click) {
-    input.type = INPUT_MOUSE;
-    input.mi.dx = x;
-    input.mi.dy = y;
+  for (int i = 0; i < 2; ++i) {
+    click[i].type = INPUT_MOUSE;
+    const DWORD button = i ? MOUSEEVENTF_LEFTUP : MOUSEEVENTF_LEFTDOWN;
+    click[i].mi = {x, y, 0, MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | button, 0, 0};
   }
-  click[0].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_LEFTDOWN;
-  click[1].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_LEFTUP;
   SendInput(2, click, sizeof(INPUT));
 }
 
@@ -231,16 +215,12 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
 
   std::thread watcher([&] {
     for (std::size_t i = 0; i < steps.size(); ++i) {
-      const auto deadline = Clock::now() + std::chrono::milliseconds(options.stepTimeoutMs);
       HWND window = nullptr;
-      while (!window && Clock::now() < deadline) {
+      PollUntil([&] {
         window = steps[i].again ? FindModal(thread, options, answered, true)
                                 : FindModal(thread, options, handled, false);
-        if (!window) {
-          if (actionDone) break;
-          std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
-        }
-      }
+        return window || actionDone;
+      }, options.stepTimeoutMs);
       if (!window) {
         result.errors.push_back("step " + std::to_string(i + 1) + ": no modal window appeared");
         break;
@@ -258,10 +238,8 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
       // The answer takes effect on the thread under test: wait until the window is
       // gone or covered by a box of its own before looking for the next one. A
       // window that stays open and active is left for an Again step.
-      const auto settle = Clock::now() + std::chrono::milliseconds(kSettleMs);
-      while (Clock::now() < settle && IsWindow(window) && IsWindowVisible(window) &&
-             IsWindowEnabled(window) && !actionDone)
-        std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
+      PollUntil([&] { return !IsWindow(window) || !IsWindowVisible(window) || !IsWindowEnabled(window) || actionDone; },
+              kSettleMs);
     }
     // Anything else that opens before the action ends was not foreseen: cancel it.
     const bool failed = !result.errors.empty();
@@ -281,6 +259,24 @@ ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep>
   actionDone = true;
   watcher.join();
   return result;
+}
+
+ModalResult RunAnswered(const std::function<void()>& action, std::vector<ModalStep> steps,
+                        ModalOptions options) {
+  const std::size_t count = steps.size();
+  ModalResult result = RunModal(action, std::move(steps), std::move(options));
+  EXPECT_TRUE(result.ok()) << result.Describe();
+  if (result.seen.size() < count) result.seen.resize(count);
+  return result;
+}
+
+bool PollUntil(const std::function<bool()>& condition, int timeoutMs) {
+  const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+  while (!condition()) {
+    if (Clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
+  }
+  return true;
 }
 
 bool PumpUntil(const std::function<bool()>& condition, int timeoutMs) {

@@ -27,7 +27,6 @@ struct ControlInfo {
 struct WindowSnapshot {
   HWND window = nullptr;
   std::string caption;
-  std::string className;
   std::vector<ControlInfo> controls;
 
   // The message text of a message box (its static text control).
@@ -90,12 +89,20 @@ struct ModalOptions {
 
 ModalResult RunModal(const std::function<void()>& action, std::vector<ModalStep> steps,
                      ModalOptions options = {});
+// RunModal with what went wrong added to the test's failures; `seen` holds a
+// snapshot for every step even then, so that the checks after it fail rather than crash.
+ModalResult RunAnswered(const std::function<void()>& action, std::vector<ModalStep> steps,
+                        ModalOptions options = {});
 
 // Pumps this thread's messages until `condition` holds or `timeoutMs` passes.
 bool PumpUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
+// The same without pumping: for a thread whose windows must wait (a modal step's),
+// or for what another process does.
+bool PollUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
 
 // Text of any window, read with WM_GETTEXT.
 std::string WindowText(HWND window);
+std::string ClassOf(HWND window);
 
 // A symbolic link `name` in `folder` to `target` (relative to that folder), made
 // on the Unix side under Wine, which makes none itself; true once it is there.

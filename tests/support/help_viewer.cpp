@@ -1,8 +1,5 @@
 #include "tests/support/help_viewer.h"
 
-#include <chrono>
-#include <thread>
-
 #include "resources/resource.h"
 
 namespace qb::test {
@@ -10,21 +7,10 @@ namespace {
 
 constexpr char kViewerClass[] = "MS_WINHELP";
 constexpr int kViewerTextId = 0x701;  // the viewer's rich edit control
-constexpr int kPollMs = 10;
 
 HWND VisibleViewer() {
   HWND w = FindWindowA(kViewerClass, nullptr);
   return w && IsWindowVisible(w) ? w : nullptr;
-}
-
-template <typename Done>
-bool WaitFor(Done done, int timeoutMs) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-  while (!done()) {
-    if (std::chrono::steady_clock::now() >= deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
-  }
-  return true;
 }
 
 }  // namespace
@@ -37,7 +23,7 @@ bool CopyHelpFileTo(const std::string& folder) {
 
 HelpPage WaitForHelpPage(const std::string& heading, int timeoutMs) {
   HelpPage page;
-  WaitFor(
+  PollUntil(
       [&] {
         HWND viewer = VisibleViewer();
         if (!viewer) return false;
@@ -52,7 +38,7 @@ HelpPage WaitForHelpPage(const std::string& heading, int timeoutMs) {
 
 bool CloseHelpViewer(int timeoutMs) {
   if (FindWindowA(kViewerClass, nullptr)) WinHelpA(nullptr, nullptr, HELP_QUIT, 0);
-  return WaitFor([] { return FindWindowA(kViewerClass, nullptr) == nullptr; }, timeoutMs);
+  return PollUntil([] { return FindWindowA(kViewerClass, nullptr) == nullptr; }, timeoutMs);
 }
 
 ModalStep HelpThenCancel(const std::string& heading, HelpPage& page, bool& dialogStayedOpen) {

@@ -67,16 +67,14 @@ class MainWindowTest : public ::testing::Test {
   }
 
   void SetClientSize(int width, int height) {
-    RECT c;
-    GetClientRect(window_, &c);
-    RECT w;
-    GetWindowRect(window_, &w);
     // The menu bar may wrap at a new width: adjust until the client area fits.
-    for (int i = 0; i < 3 && (c.right != width || c.bottom != height); ++i) {
-      SetWindowPos(window_, nullptr, 0, 0, (w.right - w.left) + width - c.right,
-                   (w.bottom - w.top) + height - c.bottom, SWP_NOMOVE | SWP_NOZORDER);
+    for (int i = 0; i < 3; ++i) {
+      RECT c, w;
       GetClientRect(window_, &c);
       GetWindowRect(window_, &w);
+      if (c.right == width && c.bottom == height) return;
+      SetWindowPos(window_, nullptr, 0, 0, (w.right - w.left) + width - c.right,
+                   (w.bottom - w.top) + height - c.bottom, SWP_NOMOVE | SWP_NOZORDER);
     }
   }
 
@@ -118,15 +116,19 @@ class MainWindowTest : public ::testing::Test {
 
   static POINT Centre(const RECT& r) { return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2}; }
 
+  // Puts the real pointer at `p` in `window`'s client coordinates.
+  static void PointerAt(HWND window, POINT p) {
+    ClientToScreen(window, &p);
+    SetCursorPos(p.x, p.y);
+  }
+
   // Presses the bar's grip and moves on past the drag threshold; true once the
   // main window has taken the drag over. The messages are sent as the mouse would
   // send them; the real pointer is put where they say, so that anything the system
   // reports of it on its own agrees.
   bool StartDrag(DockBar& bar) {
     const POINT p = Centre(BarGripRect(bar));
-    POINT screen = p;
-    ClientToScreen(bar.window, &screen);
-    SetCursorPos(screen.x + 20, screen.y + 20);
+    PointerAt(bar.window, POINT{p.x + 20, p.y + 20});
     SendMessageA(bar.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
     SendMessageA(bar.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x + 20, p.y + 20));
     return PumpUntil([] { return Layout().dragging; });
@@ -134,9 +136,7 @@ class MainWindowTest : public ::testing::Test {
 
   // Moves the dragged bar to `p` (main window client coordinates) and lets go.
   void DropAt(POINT p) {
-    POINT screen = p;
-    ClientToScreen(window_, &screen);
-    SetCursorPos(screen.x, screen.y);
+    PointerAt(window_, p);
     SendMessageA(window_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x, p.y));
     SendMessageA(window_, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
   }
@@ -155,6 +155,15 @@ class MainWindowTest : public ::testing::Test {
 
   TempDir dir_;
   HWND window_ = nullptr;
+};
+
+// The same with the main window open, its client area 700 x 400.
+class OpenMainWindowTest : public MainWindowTest {
+ protected:
+  void SetUp() override {
+    MainWindowTest::SetUp();
+    ASSERT_NE(Open(), nullptr);
+  }
 };
 
 // Rectangles compare as text, so that a failure shows both.
