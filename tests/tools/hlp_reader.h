@@ -8,17 +8,18 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace qb::test {
 
+class HlpCursor;  // little-endian reads that fail softly
+
 // A B+ tree (header and pages) whose entries hold 4-byte values.
 class HlpBTree {
  public:
-  enum KeyKind { kStringKey, kLongKey };
+  enum KeyKind { kStringKey, kLongKey };  // a string key is kept without its NUL
   using Key = std::vector<std::uint8_t>;
   using Entry = std::pair<Key, std::uint32_t>;
 
@@ -30,16 +31,15 @@ class HlpBTree {
   int levels() const { return levels_; }
 
  private:
-  const std::uint8_t* Page(std::size_t page) const;
-  // The size of the key starting at `p` (inside a page ending at `end`), 0 if it overruns.
-  std::size_t KeySize(const std::uint8_t* p, const std::uint8_t* end) const;
+  // A page after its entry count, which it gives; failed past the last page.
+  HlpCursor Page(std::size_t page, std::uint16_t& count) const;
+  Key ReadKey(HlpCursor& page) const;
+  int Compare(const Key& a, const Key& b) const;  // only the sign counts
   // The leaf page where `key` belongs, descending the index pages (the leftmost
   // leaf for none); nullopt when an index page is broken.
   std::optional<std::size_t> LeafFor(const Key* key) const;
-  // Appends the entries of a leaf page; false when one overruns the page.
-  bool ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) const;
-  // Only the sign counts.
-  int Compare(const std::uint8_t* a, const Key& b) const;
+  // Appends the entries of a leaf page and gives the next one; false when it is broken.
+  bool ReadLeaf(std::size_t page, std::vector<Entry>& entries, std::size_t& next) const;
 
   KeyKind kind_ = kLongKey;
   std::vector<std::uint8_t> pages_;
@@ -56,7 +56,6 @@ struct HlpTopic {
   std::string title;
   std::vector<std::string> paragraphs;  // '\t' for a tab, '\n' for a line break
   std::vector<std::int32_t> jumps;      // context hashes jumped to
-  std::set<std::size_t> blocks;         // topic blocks holding its records
 };
 
 class HlpFile {
@@ -76,8 +75,7 @@ class HlpFile {
   std::vector<HlpTopic> topics;
 
  private:
-  bool File(const std::string& name, const std::uint8_t*& data, std::size_t& size,
-            std::string& error) const;
+  bool File(const std::string& name, HlpCursor& data, std::string& error) const;
   bool ReadSystem(std::string& error);
   bool ReadTopics(std::string& error);
 
