@@ -58,8 +58,8 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
                          Parsed(Source("third", "Third", {7}, ""))}};  // title only
   std::vector<std::uint8_t> bytes;
   std::string error;
-  HlpFile file;
-  ASSERT_TRUE(WriteHelpFile(project, bytes, error) && file.Read(bytes, error)) << error;
+  ASSERT_TRUE(WriteHelpFile(project, bytes, error)) << error;
+  const HlpFile file(bytes);
 
   EXPECT_EQ(file.fileNames, (std::vector<std::string>{"|CONTEXT", "|CTXOMAP", "|FONT", "|SYSTEM", "|TOPIC"}));
   EXPECT_EQ(file.title, "Test Help");
@@ -94,11 +94,8 @@ TEST(BTree, SmallPagesGiveSeveralIndexLevelsAndEveryKeyIsFound) {
   for (std::int32_t k = -3000; k < 3000; k += 3) entries.push_back(BTreeEntry{LongKey(k), LongKey(k * 7)});
   const std::vector<std::uint8_t> bytes = BuildBTree(entries, 64, 2, "L4");
   test::HlpBTree reader;
-  std::vector<test::HlpBTree::Entry> leaves;
-  std::string error;
-  ASSERT_TRUE(reader.Read(bytes.data(), bytes.size(), test::HlpBTree::kLongKey, error) &&
-              reader.Leaves(leaves, error))
-      << error;
+  reader.Read(bytes.data(), bytes.size(), test::HlpBTree::kLongKey);
+  const std::vector<test::HlpBTree::Entry> leaves = reader.Leaves();
   EXPECT_GE(reader.levels(), 3);
   ASSERT_EQ(leaves.size(), entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -195,9 +192,7 @@ TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
 constexpr std::uint32_t kProgramContextNumbers[] = {999, 1205, 1206, 1208, 1209, 1210, 1604, 1606, 1900};
 
 TEST(BuiltHelpFile, HoldsEveryTopicTheProgramOpensAndEachIsReachableFromContents) {
-  HlpFile file;
-  std::string error;
-  ASSERT_TRUE(file.Read(test::ReadBytes(QB_HELP_FILE), error)) << QB_HELP_FILE << ": " << error;
+  const HlpFile file(test::ReadBytes(QB_HELP_FILE));
   EXPECT_EQ(file.title, "Quellbarrow Help");
   const HlpTopic* contents = file.TopicAt(file.contentsOffset);
   ASSERT_NE(contents, nullptr);
