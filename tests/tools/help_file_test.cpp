@@ -83,6 +83,7 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
     const auto offset = file.FindContext(ContextHash(project.topics[i].context));
     ASSERT_TRUE(offset) << i;
     EXPECT_EQ(file.TopicAt(*offset), &file.topics[i]);
+    EXPECT_EQ(file.topics[i].title, project.topics[i].title);  // as the topic header keeps it
   }
   EXPECT_FALSE(file.FindContext(ContextHash("fourth")));
 }
