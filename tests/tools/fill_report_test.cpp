@@ -64,10 +64,9 @@ TEST(FillReport, ListsEveryNamedFieldWithItsFormAndKey) {
   EXPECT_EQ(page.formActions, (std::vector<std::string>{"http://report.example/post"}));
   // Each field as "name|name as written|type|form|key".
   std::vector<std::string> fields;
-  for (const ReportField& f : page.fields) {
-    const std::string key = f.key == kNoMatch ? "-" : KeyFieldText(keys, static_cast<int>(f.key), kName);
-    fields.push_back(f.name + "|" + f.writtenName + "|" + f.type + "|" + std::to_string(f.form) + "|" + key);
-  }
+  for (const ReportField& f : page.fields)
+    fields.push_back(f.name + "|" + f.writtenName + "|" + f.type + "|" + std::to_string(f.form) + "|" +
+                     KeyName(keys, f.key));
   EXPECT_EQ(fields, (std::vector<std::string>{
                         "q|q||0|Secret",
                         "email|email||0|E-mail",         // a GET form is never filled
@@ -77,7 +76,7 @@ TEST(FillReport, ListsEveryNamedFieldWithItsFormAndKey) {
                         "maxlength|||1|First name",
                         "pass|pass|password|0|Secret",
                         "first_name|first_name|select|1|First name",
-                        "n/a/|n/a/|textarea|1|-",
+                        "n/a/|n/a/|textarea|1|",
                     }));
 
   LabelTally tally;
