@@ -20,18 +20,19 @@ using test::HlpFile;
 using test::HlpTopic;
 using test::LongKey;
 
-std::string Source(const std::string& context, const std::string& title, const std::vector<std::uint32_t>& maps,
-                   const std::string& body) {
-  std::string s = "@context " + context + "\n";
-  for (std::uint32_t map : maps) s += "@map " + std::to_string(map) + "\n";
-  return s + "@title " + title + "\n\n" + body;
-}
-
 Topic Parsed(const std::string& source) {
   Topic topic;
   std::string error;
   EXPECT_TRUE(ParseTopic("t.txt", source, topic, error)) << error;
   return topic;
+}
+
+// A topic from the source its author would write.
+Topic Authored(const std::string& context, const std::vector<std::uint32_t>& maps = {},
+               const std::string& title = "T", const std::string& body = "") {
+  std::string source = "@context " + context + "\n";
+  for (std::uint32_t map : maps) source += "@map " + std::to_string(map) + "\n";
+  return Parsed(source + "@title " + title + "\n\n" + body);
 }
 
 TEST(ContextHash, LettersCountWithoutCaseAndTheSumWrapsAt32Bits) {
@@ -49,13 +50,12 @@ TEST(HelpFile, TopicsReadBackByNumberNameAndContents) {
   for (int i = 0; i < 3000; ++i) words += (i ? " word" : "word") + std::to_string(i);
   const std::string unbroken(9000, 'x');  // no blank to cut after
   const Project project{"Test Help",
-                        {Parsed(Source("contents", "Contents", {999},
-                                       "Intro **bold** text,\njoined.\n\n"
-                                       "- item one\n- item [[second|two]]\n  goes on\n\n"
-                                       "== Head\nLast [[Third|third topic]].\n")),
-                         Parsed(Source("second", "The second", {1900, 1901},
-                                       words + "\n\n**" + unbroken + "**\n")),
-                         Parsed(Source("third", "Third", {7}, ""))}};  // title only
+                        {Authored("contents", {999}, "Contents",
+                                  "Intro **bold** text,\njoined.\n\n"
+                                  "- item one\n- item [[second|two]]\n  goes on\n\n"
+                                  "== Head\nLast [[Third|third topic]].\n"),
+                         Authored("second", {1900, 1901}, "The second", words + "\n\n**" + unbroken + "**\n"),
+                         Authored("third", {7}, "Third")}};  // title only
   std::vector<std::uint8_t> bytes;
   std::string error;
   ASSERT_TRUE(WriteHelpFile(project, bytes, error)) << error;
@@ -167,15 +167,13 @@ TEST(HelpSource, MalformedSourcesAreRefusedWithTheLine) {
 }
 
 TEST(HelpFile, ProjectsThatCannotBeWrittenAreRefused) {
-  const auto topic = [](const std::string& context, std::vector<std::uint32_t> maps = {},
-                        const std::string& body = "") { return Parsed(Source(context, "T", maps, body)); };
   const std::pair<Project, const char*> rows[] = {  // project, the start of its error
       {Project{"Help", {}}, "no topics"},
-      {Project{"", {topic("a")}}, "the help file's title must be 1 to 50"},
-      {Project{std::string(51, 'h'), {topic("a")}}, "the help file's title must be 1 to 50"},
-      {Project{"Help", {topic("Merge"), topic("merge")}}, "context names Merge and merge have the same hash"},
-      {Project{"Help", {topic("a", {7}), topic("b", {7})}}, "context number 7 given to a and b"},
-      {Project{"Help", {topic("a", {}, "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
+      {Project{"", {Authored("a")}}, "the help file's title must be 1 to 50"},
+      {Project{std::string(51, 'h'), {Authored("a")}}, "the help file's title must be 1 to 50"},
+      {Project{"Help", {Authored("Merge"), Authored("merge")}}, "context names Merge and merge have the same hash"},
+      {Project{"Help", {Authored("a", {7}), Authored("b", {7})}}, "context number 7 given to a and b"},
+      {Project{"Help", {Authored("a", {}, "T", "[[nowhere|x]]\n")}}, "a: jump to unknown context nowhere"},
   };
   for (const auto& [project, start] : rows) {
     std::vector<std::uint8_t> bytes{1, 2, 3};
