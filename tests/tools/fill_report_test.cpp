@@ -20,14 +20,17 @@ constexpr char kKeys[] =
     "key First name\nsearch first_name, maxlength\n"
     "key Secret\nsearch pass, q\n";
 
-// A key table of its own, read from a key list and freed at the end.
-struct ParsedKeys {
-  explicit ParsedKeys(const std::string& text) {
+// A key table of its own, read from a key list and freed at the end, and the kinds
+// of labels its answers are judged by.
+struct Judge {
+  Judge(const std::string& keyList, const std::string& kindsList) {
     std::string error;
-    EXPECT_TRUE(ParseKeyText(text, table, error)) << error;
+    EXPECT_TRUE(ParseKeyText(keyList, keys, error)) << error;
+    EXPECT_TRUE(ParseLabelKinds(kindsList, kinds, error)) << error;
   }
-  ~ParsedKeys() { ClearAllKeys(table); }
-  KeyTable table;
+  ~Judge() { ClearAllKeys(keys); }
+  KeyTable keys;
+  LabelKinds kinds;
 };
 
 std::string ReadSource(const std::string& relative) {
@@ -52,17 +55,18 @@ TEST(FillReport, ListsEveryNamedFieldWithItsFormAndKey) {
   test::WriteText(dir.File("notes.txt"), "<input name=email>");
   EXPECT_EQ(ReportPageNames(dir.path()), (std::vector<std::string>{"a.html", "b.htm"}));
 
-  const ParsedKeys parsed(kKeys);
-  const KeyTable& keys = parsed.table;
+  const Judge judge(kKeys,
+                    "want emailAddress E-mail\nwant fullName Full name\nguard pass\n"
+                    "allow b.htm q Secret   # the search box\n");
+  const KeyTable& keys = judge.keys;
   ReportPage page;
   ASSERT_EQ(ReadReportPage(dir.File("b.htm"), keys, page), ReportPageStatus::kRead);
   EXPECT_EQ(page.formActions, (std::vector<std::string>{"http://report.example/post"}));
   // Each field as "name|name as written|type|form|key".
   std::vector<std::string> fields;
-  for (const ReportField& f : page.fields) {
-    const std::string key = f.key == kNoMatch ? "-" : KeyFieldText(keys, static_cast<int>(f.key), kName);
-    fields.push_back(f.name + "|" + f.writtenName + "|" + f.type + "|" + std::to_string(f.form) + "|" + key);
-  }
+  for (const ReportField& f : page.fields)
+    fields.push_back(f.name + "|" + f.writtenName + "|" + f.type + "|" + std::to_string(f.form) + "|" +
+                     KeyName(keys, f.key));
   EXPECT_EQ(fields, (std::vector<std::string>{
                         "q|q||0|Secret",
                         "email|email||0|E-mail",         // a GET form is never filled
@@ -72,17 +76,11 @@ TEST(FillReport, ListsEveryNamedFieldWithItsFormAndKey) {
                         "maxlength|||1|First name",
                         "pass|pass|password|0|Secret",
                         "first_name|first_name|select|1|First name",
-                        "n/a/|n/a/|textarea|1|-",
+                        "n/a/|n/a/|textarea|1|",
                     }));
 
-  LabelKinds kinds;
-  std::string error;
-  ASSERT_TRUE(ParseLabelKinds("want emailAddress E-mail\nwant fullName Full name\nguard pass\n"
-                              "allow b.htm q Secret   # the search box\n",
-                              kinds, error))
-      << error;
   LabelTally tally;
-  TallyLabels(kinds, keys, "b.htm", page, tally);
+  TallyLabels(judge.kinds, keys, "b.htm", page, tally);
   EXPECT_EQ(tally.total.wanted, 1);  // the full name field has no name to send
   EXPECT_EQ(tally.total.answered, 1);
   EXPECT_EQ(tally.total.scannedWanted, 0);
@@ -96,7 +94,6 @@ TEST(FillReport, ListsEveryNamedFieldWithItsFormAndKey) {
 
 TEST(FillReport, KindsListRulesAndTheirMistakes) {
   const std::pair<const char*, std::string> cases[] = {  // text, the start of its error
-      {"# labels\n\nwant phone Phone\nwant phone Mobile phone\nguard card\n", ""},
       {"relabel page.htm address addressStreet\nallow page.htm login E-mail key\n", ""},
       {"want phone\n", "line 1: "},
       {"guard card Card\n", "line 1: "},
@@ -111,20 +108,16 @@ TEST(FillReport, KindsListRulesAndTheirMistakes) {
     EXPECT_EQ(ParseLabelKinds(text, kinds, error), start.empty()) << text;
     EXPECT_EQ(error.substr(0, start.size()), start) << text;
   }
-  LabelKinds kinds;
-  std::string error;
-  ASSERT_TRUE(ParseLabelKinds("want phone Phone\nwant phone Mobile phone\nrelabel p.htm tel phone\n", kinds,
-                              error));
-  EXPECT_EQ(kinds.wanted["phone"], (std::vector<std::string>{"Phone", "Mobile phone"}));
+  const Judge judge("key Phone\nsearch tel, phone\n",
+                    "# labels\n\nwant phone Phone\nwant phone Mobile phone\nguard card\nrelabel p.htm tel phone\n");
+  EXPECT_EQ(judge.kinds.wanted.at("phone"), (std::vector<std::string>{"Phone", "Mobile phone"}));
 
   // A relabelled field counts as its new kind; "A OR B" takes a key of either.
-  const ParsedKeys parsed("key Phone\nsearch tel, phone\n");
-  const KeyTable& keys = parsed.table;
   ReportPage page;
   page.fields = {{"tel", "tel", "text", "username", 1, 0, 0},
                  {"phone", "phone", "text", "username OR phone", 1, 0, 0}};
   LabelTally tally;
-  TallyLabels(kinds, keys, "p.htm", page, tally);
+  TallyLabels(judge.kinds, judge.keys, "p.htm", page, tally);
   EXPECT_EQ(tally.kinds["phone"].wanted, 1);
   EXPECT_EQ(tally.kinds["phone"].scannedAnswered, 1);
   EXPECT_TRUE(tally.wrong.empty());
@@ -135,11 +128,7 @@ TEST(FillReport, KindsListRulesAndTheirMistakes) {
 // pages: never a key for a field labelled as another kind or one that must stay
 // empty, and nine in ten of the personal-data fields answered.
 TEST(StarterDatabase, AnswersTheRealPagesRightly) {
-  const ParsedKeys parsed(ReadSource("resources/starter/keys.txt"));
-  const KeyTable& keys = parsed.table;
-  LabelKinds kinds;
-  std::string error;
-  ASSERT_TRUE(ParseLabelKinds(ReadSource("tools/fillreport_kinds.txt"), kinds, error)) << error;
+  const Judge judge(ReadSource("resources/starter/keys.txt"), ReadSource("tools/fillreport_kinds.txt"));
 
   const std::string folder = std::string(QB_CORPUS_DIR) + "/duckduckgo";
   const std::vector<std::string> names = ReportPageNames(folder);
@@ -147,8 +136,8 @@ TEST(StarterDatabase, AnswersTheRealPagesRightly) {
   LabelTally tally;
   for (const std::string& name : names) {
     ReportPage page;
-    ASSERT_EQ(ReadReportPage(folder + "/" + name, keys, page), ReportPageStatus::kRead) << name;
-    TallyLabels(kinds, keys, name, page, tally);
+    ASSERT_EQ(ReadReportPage(folder + "/" + name, judge.keys, page), ReportPageStatus::kRead) << name;
+    TallyLabels(judge.kinds, judge.keys, name, page, tally);
   }
   for (const LabelledFill& fill : tally.wrong) {
     ADD_FAILURE() << fill.page << ": \"" << fill.name << "\" labelled " << fill.field.label << " gets key "

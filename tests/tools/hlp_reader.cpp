@@ -1,17 +1,18 @@
 #include "tests/tools/hlp_reader.h"
 
 #include <cstring>
+#include <stdexcept>
 
 namespace qb::test {
 namespace {
 
 constexpr std::uint32_t kHelpMagic = 0x00035F3F;
+constexpr std::size_t kFileHeader = 9;  // an internal file's reserved and used sizes, and a flag byte
 constexpr std::uint16_t kTreeMagic = 0x293B;
-constexpr std::size_t kTreeHeader = 38;
 constexpr std::uint16_t kNoPage = 0xFFFF;
 constexpr std::uint32_t kNoLink = 0xFFFFFFFF;
 constexpr std::size_t kBlockSize = 4096;
-constexpr std::size_t kBlockHeader = 12;
+constexpr std::size_t kBlockHeader = 12;  // the last link before the block, its first link, one more
 constexpr std::size_t kDecompressedBlock = 0x4000;
 constexpr std::uint32_t kCharactersPerBlock = 0x8000;
 constexpr std::size_t kLinkHeader = 21;
@@ -19,173 +20,171 @@ constexpr std::size_t kLinkHeader = 21;
 std::uint16_t U16At(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
 std::uint32_t U32At(const std::uint8_t* p) { return U16At(p) | static_cast<std::uint32_t>(U16At(p + 2)) << 16; }
 
-// Little-endian reads that fail softly: past the end they return 0 and the
-// cursor stays failed.
-class Cursor {
- public:
-  Cursor(const std::uint8_t* p, std::size_t n) : p_(p), n_(n) {}
-  bool ok() const { return ok_; }
-  bool AtEnd() const { return ok_ && at_ == n_; }
-  std::size_t at() const { return at_; }
-  bool Has(std::size_t k) const { return ok_ && k <= n_ - at_; }
-  std::uint8_t Peek() const { return Has(1) ? p_[at_] : 0; }
-  std::uint8_t U8() { return Has(1) ? p_[at_++] : Bad(); }
-  std::uint16_t U16() { return Has(2) ? U16At(Take(2)) : Bad(); }
-  std::uint32_t U32() { return Has(4) ? U32At(Take(4)) : Bad(); }
-  void Skip(std::size_t k) {
-    if (Has(k)) at_ += k; else Bad();
-  }
-  std::string Z() {
-    const void* nul = ok_ ? std::memchr(p_ + at_, 0, n_ - at_) : nullptr;
-    if (!nul) return Bad(), std::string();
-    const std::size_t len = static_cast<const std::uint8_t*>(nul) - (p_ + at_);
-    return std::string(reinterpret_cast<const char*>(Take(len + 1)), len);
-  }
-  // The packed numbers of display records: the low bit of the first byte says
-  // whether the longer form is used.
-  std::uint32_t PackedUShort() { return (Peek() & 1) ? U16() >> 1 : U8() >> 1; }
-  int PackedShort() { return (Peek() & 1) ? (U16() >> 1) - 16384 : (U8() >> 1) - 64; }
-  long PackedLong() {
-    return (Peek() & 1) ? static_cast<long>(U32() >> 1) - 0x40000000L : static_cast<long>(U16() >> 1) - 16384;
-  }
-
- private:
-  const std::uint8_t* Take(std::size_t k) {
-    at_ += k;
-    return p_ + at_ - k;
-  }
-  std::uint8_t Bad() {
-    ok_ = false;
-    return 0;
-  }
-  const std::uint8_t* p_;
-  std::size_t n_;
-  std::size_t at_ = 0;
-  bool ok_ = true;
-};
-
-bool Fail(std::string& error, const std::string& what) {
-  error = what;
-  return false;
-}
-
-// LZ77 as the format describes it: per flag byte, eight items from its low bit
-// up; a set bit is a 12-bit distance (minus one) and a 4-bit length (minus three).
-bool Lz77(const std::uint8_t* p, std::size_t n, std::size_t limit, std::vector<std::uint8_t>& out,
-          std::string& error) {
-  out.clear();
-  std::size_t i = 0;
-  while (i < n) {
-    const std::uint8_t flags = p[i++];
-    for (int bit = 0; bit < 8 && i < n; ++bit) {
-      if (flags & (1 << bit)) {
-        if (i + 2 > n) return Fail(error, "LZ77 reference cut off");
-        const unsigned code = p[i] | p[i + 1] << 8;
-        i += 2;
-        const std::size_t distance = (code & 0xFFF) + 1;
-        const std::size_t length = (code >> 12) + 3;
-        if (distance > out.size()) return Fail(error, "LZ77 reference before the start");
-        for (std::size_t k = 0; k < length; ++k) out.push_back(out[out.size() - distance]);
-      } else {
-        out.push_back(p[i++]);
-      }
-      if (out.size() > limit) return Fail(error, "topic block decompresses past 16 KB");
-    }
-  }
-  return true;
+void Require(bool ok, const std::string& what) {
+  if (!ok) throw std::runtime_error(what);
 }
 
 }  // namespace
 
-bool HlpBTree::Read(const std::uint8_t* data, std::size_t size, KeyKind kind, std::string& error) {
-  Cursor c(data, size);
-  if (c.U16() != kTreeMagic) return Fail(error, "not a B+ tree");
+// Reads past the end throw, naming what was read.
+class HlpCursor {
+ public:
+  HlpCursor(const std::uint8_t* p, std::size_t n, std::string what) : p_(p), n_(n), what_(std::move(what)) {}
+  bool AtEnd() const { return at_ == n_; }
+  const std::uint8_t* here() const { return p_ + at_; }
+  std::size_t left() const { return n_ - at_; }
+  const std::uint8_t* Take(std::size_t k) {
+    Require(k <= left(), what_ + " runs past its end");
+    at_ += k;
+    return p_ + at_ - k;
+  }
+  void Skip(std::size_t k) { Take(k); }
+  std::uint8_t U8() { return *Take(1); }
+  std::uint16_t U16() { return U16At(Take(2)); }
+  std::uint32_t U32() { return U32At(Take(4)); }
+  // The next `k` bytes as a cursor of their own.
+  HlpCursor Sub(std::size_t k, std::string what) { return HlpCursor(Take(k), k, std::move(what)); }
+  std::string Z() {
+    const void* nul = left() ? std::memchr(here(), 0, left()) : nullptr;
+    Require(nul != nullptr, what_ + ": a string without its NUL");
+    const std::size_t length = static_cast<const std::uint8_t*>(nul) - here();
+    return std::string(reinterpret_cast<const char*>(Take(length + 1)), length);
+  }
+  // The packed numbers of display records: the low bit of the first byte says
+  // whether the longer form is used.
+  bool Long() const { return !AtEnd() && (p_[at_] & 1); }
+  std::uint32_t PackedUShort() { return Long() ? U16() >> 1 : U8() >> 1; }
+  int PackedShort() { return Long() ? (U16() >> 1) - 16384 : (U8() >> 1) - 64; }
+  long PackedLong() {
+    return Long() ? static_cast<long>(U32() >> 1) - 0x40000000L : static_cast<long>(U16() >> 1) - 16384;
+  }
+
+ private:
+  const std::uint8_t* p_;
+  std::size_t n_;
+  std::size_t at_ = 0;
+  std::string what_;
+};
+
+namespace {
+
+// The internal file at `offset`: its header, then its data.
+HlpCursor InternalFile(const std::vector<std::uint8_t>& bytes, std::uint32_t offset, const std::string& name) {
+  HlpCursor c(bytes.data(), bytes.size(), "the help file");
+  c.Skip(offset);
+  const std::uint32_t reserved = c.U32(), used = c.U32();
+  c.U8();
+  Require(reserved >= used + kFileHeader && reserved <= bytes.size() - offset, name + " out of range");
+  return c.Sub(used, name);
+}
+
+// LZ77 as the format describes it: per flag byte, eight items from its low bit
+// up; a set bit is a 12-bit distance (minus one) and a 4-bit length (minus three).
+std::vector<std::uint8_t> Lz77(HlpCursor in) {
+  std::vector<std::uint8_t> out;
+  while (!in.AtEnd()) {
+    const std::uint8_t flags = in.U8();
+    for (int bit = 0; bit < 8 && !in.AtEnd(); ++bit) {
+      if (flags & (1 << bit)) {
+        const std::uint16_t code = in.U16();
+        const std::size_t distance = (code & 0xFFF) + 1;
+        Require(distance <= out.size(), "LZ77 reference before the start");
+        for (int k = 0; k < (code >> 12) + 3; ++k) out.push_back(out[out.size() - distance]);
+      } else {
+        out.push_back(in.U8());
+      }
+      Require(out.size() <= kDecompressedBlock, "topic block decompresses past 16 KB");
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+void HlpBTree::Read(const std::uint8_t* data, std::size_t size, KeyKind kind) {
+  HlpCursor c(data, size, "B+ tree");
+  Require(c.U16() == kTreeMagic, "not a B+ tree");
   c.U16();  // flags
   pageSize_ = c.U16();
   c.Skip(16 + 2 + 2);  // structure, zero, page splits
   root_ = c.U16();
-  if (c.U16() != 0xFFFF) return Fail(error, "B+ tree header: no -1 after the root page");
+  Require(c.U16() == 0xFFFF, "B+ tree header: no -1 after the root page");
   pageCount_ = c.U16();
   levels_ = c.U16();
   count_ = c.U32();
-  if (!c.ok() || pageSize_ < 16 || levels_ < 1 || root_ >= pageCount_ ||
-      kTreeHeader + pageCount_ * pageSize_ > size)
-    return Fail(error, "B+ tree header out of range");
+  Require(pageSize_ >= 16 && levels_ >= 1 && root_ < pageCount_ && pageCount_ * pageSize_ <= c.left(),
+          "B+ tree header out of range");
   kind_ = kind;
-  pages_.assign(data + kTreeHeader, data + kTreeHeader + pageCount_ * pageSize_);
-  return true;
+  pages_.assign(c.here(), c.here() + pageCount_ * pageSize_);
 }
 
-const std::uint8_t* HlpBTree::Page(std::size_t page) const {
-  return page < pageCount_ ? pages_.data() + page * pageSize_ : nullptr;
+HlpCursor HlpBTree::Page(std::size_t page, std::uint16_t& count) const {
+  Require(page < pageCount_, "B+ tree page " + std::to_string(page) + " out of range");
+  HlpCursor c(pages_.data() + page * pageSize_, pageSize_, "B+ tree page " + std::to_string(page));
+  c.Skip(2);  // unused bytes
+  count = c.U16();
+  return c;
 }
 
-std::size_t HlpBTree::KeySize(const std::uint8_t* p, const std::uint8_t* end) const {
-  if (p >= end) return 0;
-  if (kind_ == kLongKey) return end - p >= 4 ? 4 : 0;
-  const void* nul = std::memchr(p, 0, end - p);
-  return nul ? static_cast<const std::uint8_t*>(nul) - p + 1 : 0;
+HlpBTree::Key HlpBTree::ReadKey(HlpCursor& page) const {
+  if (kind_ == kLongKey) {
+    const std::uint8_t* p = page.Take(4);
+    return Key(p, p + 4);
+  }
+  const std::string text = page.Z();
+  return Key(text.begin(), text.end());
 }
 
-int HlpBTree::Compare(const std::uint8_t* a, const Key& b) const {
-  if (kind_ == kStringKey)  // both keys end in their NUL
-    return std::strcmp(reinterpret_cast<const char*>(a), reinterpret_cast<const char*>(b.data()));
-  const auto x = static_cast<std::int32_t>(U32At(a)), y = static_cast<std::int32_t>(U32At(b.data()));
+int HlpBTree::Compare(const Key& a, const Key& b) const {
+  if (kind_ == kStringKey) return (a > b) - (a < b);  // byte by byte, as strcmp
+  const auto x = static_cast<std::int32_t>(U32At(a.data())), y = static_cast<std::int32_t>(U32At(b.data()));
   return (x > y) - (x < y);
 }
 
-bool HlpBTree::ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) const {
-  const std::uint8_t* at = page + 8;
-  const std::uint8_t* end = page + pageSize_;
-  for (std::uint16_t i = 0, n = U16At(page + 2); i < n; ++i) {
-    const std::size_t k = KeySize(at, end);
-    if (!k || end - (at + k) < 4) return false;
-    entries.emplace_back(Key(at, at + k), U32At(at + k));
-    at += k + 4;
+std::size_t HlpBTree::ReadLeaf(std::size_t page, std::vector<Entry>& entries) const {
+  std::uint16_t count = 0;
+  HlpCursor c = Page(page, count);
+  c.Skip(2);  // previous leaf
+  const std::size_t next = c.U16();
+  for (std::uint16_t i = 0; i < count; ++i) {
+    Key key = ReadKey(c);
+    entries.emplace_back(std::move(key), c.U32());
   }
-  return true;
+  return next;
 }
 
-std::optional<std::size_t> HlpBTree::LeafFor(const Key* key) const {
+std::size_t HlpBTree::LeafFor(const Key* key) const {
   std::size_t page = root_;
   for (int level = levels_; level > 1; --level) {
-    const std::uint8_t* p = Page(page);
-    if (!p) return std::nullopt;
-    page = U16At(p + 4);  // the child before every key of the page
-    const std::uint8_t* at = p + 6;
-    const std::uint8_t* end = p + pageSize_;
-    for (int i = 0, n = static_cast<std::int16_t>(U16At(p + 2)); key && i < n; ++i) {
-      const std::size_t k = KeySize(at, end);
-      if (!k || end - (at + k) < 2) return std::nullopt;
-      if (Compare(at, *key) > 0) break;
-      page = U16At(at + k);
-      at += k + 2;
+    std::uint16_t count = 0;
+    HlpCursor c = Page(page, count);
+    page = c.U16();  // the child before every key of the page
+    for (std::uint16_t i = 0; key && i < count; ++i) {
+      const Key first = ReadKey(c);
+      const std::uint16_t child = c.U16();
+      if (Compare(first, *key) > 0) break;
+      page = child;
     }
   }
   return page;
 }
 
-bool HlpBTree::Leaves(std::vector<Entry>& entries, std::string& error) const {
-  entries.clear();
-  const std::optional<std::size_t> first = LeafFor(nullptr);
-  if (!first) return Fail(error, "index page out of range");
-  for (std::size_t page = *first, visited = 0; page != kNoPage; page = U16At(Page(page) + 6)) {
-    if (!Page(page) || ++visited > pageCount_) return Fail(error, "leaf chain leaves the tree");
-    if (!ReadLeaf(Page(page), entries)) return Fail(error, "leaf entry overruns its page");
-  }
+std::vector<HlpBTree::Entry> HlpBTree::Leaves() const {
+  std::vector<Entry> entries;
+  std::size_t visited = 0;
+  for (std::size_t page = LeafFor(nullptr); page != kNoPage; page = ReadLeaf(page, entries))
+    Require(++visited <= pageCount_, "leaf chain runs in a circle");
   for (std::size_t i = 1; i < entries.size(); ++i)
-    if (Compare(entries[i - 1].first.data(), entries[i].first) >= 0)
-      return Fail(error, "leaf keys out of order");
-  if (entries.size() != count_) return Fail(error, "B+ tree holds another number of entries than it says");
-  return true;
+    Require(Compare(entries[i - 1].first, entries[i].first) < 0, "leaf keys out of order");
+  Require(entries.size() == count_, "B+ tree holds another number of entries than it says");
+  return entries;
 }
 
 std::optional<std::uint32_t> HlpBTree::Find(const Key& key) const {
-  const std::optional<std::size_t> page = LeafFor(&key);
   std::vector<Entry> leaf;
-  if (!page || !Page(*page) || !ReadLeaf(Page(*page), leaf)) return std::nullopt;
+  ReadLeaf(LeafFor(&key), leaf);
   for (const auto& [k, value] : leaf)
-    if (Compare(k.data(), key) == 0) return value;
+    if (Compare(k, key) == 0) return value;
   return std::nullopt;
 }
 
@@ -195,40 +194,47 @@ HlpBTree::Key LongKey(std::int32_t value) {
           static_cast<std::uint8_t>(u >> 24)};
 }
 
-bool HlpFile::File(const std::string& name, const std::uint8_t*& data, std::size_t& size,
-                   std::string& error) const {
-  HlpBTree::Key key(name.begin(), name.end());
-  key.push_back(0);
-  const std::optional<std::uint32_t> offset = directory_.Find(key);
-  if (!offset) return Fail(error, "no internal file " + name);
-  Cursor c(bytes_.data(), bytes_.size());
-  c.Skip(*offset);
-  const std::uint32_t reserved = c.U32(), used = c.U32();
-  c.U8();
-  if (!c.ok() || reserved < used + 9 || reserved > bytes_.size() - *offset)
-    return Fail(error, "internal file " + name + " out of range");
-  data = bytes_.data() + *offset + 9;
-  size = used;
-  return true;
+HlpFile::HlpFile(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {
+  HlpCursor header(bytes_.data(), bytes_.size(), "the file header");
+  Require(header.U32() == kHelpMagic, "not a help file");
+  const std::uint32_t directory = header.U32();
+  header.U32();  // free list
+  Require(header.U32() == bytes_.size(), "file size in the header differs");
+  const HlpCursor files = InternalFile(bytes_, directory, "the directory");
+  directory_.Read(files.here(), files.left(), HlpBTree::kStringKey);
+  for (const auto& [name, offset] : directory_.Leaves()) fileNames.emplace_back(name.begin(), name.end());
+  ReadSystem();
+  ReadTopics();
+
+  HlpCursor map = File("|CTXOMAP");
+  for (std::uint16_t i = 0, count = map.U16(); i < count; ++i) {
+    const std::uint32_t number = map.U32();
+    contextNumbers[number] = map.U32();
+  }
+  Require(map.AtEnd(), "|CTXOMAP size differs from its count");
+  const HlpCursor context = File("|CONTEXT");
+  context_.Read(context.here(), context.left(), HlpBTree::kLongKey);
+  context_.Leaves();  // read for the checks on the way
 }
 
-bool HlpFile::ReadSystem(std::string& error) {
-  const std::uint8_t* data;
-  std::size_t size;
-  if (!File("|SYSTEM", data, size, error)) return false;
-  Cursor c(data, size);
+HlpCursor HlpFile::File(const std::string& name) const {
+  const std::optional<std::uint32_t> offset = directory_.Find(HlpBTree::Key(name.begin(), name.end()));
+  Require(offset.has_value(), "no internal file " + name);
+  return InternalFile(bytes_, *offset, name);
+}
+
+void HlpFile::ReadSystem() {
+  HlpCursor c = File("|SYSTEM");
   const std::uint16_t magic = c.U16(), minor = c.U16(), major = c.U16();
   c.U32();  // date
   const std::uint16_t flags = c.U16();
-  if (magic != 0x036C || major != 1) return Fail(error, "|SYSTEM: not a help file header");
+  Require(magic == 0x036C && major == 1, "|SYSTEM: not a help file header");
   // This reader knows the Windows 3.1 layout with LZ77 topic blocks of 4 KB only.
-  if (minor <= 16 || flags != 4) return Fail(error, "|SYSTEM: a version or compression not read here");
+  Require(minor > 16 && flags == 4, "|SYSTEM: a version or compression not read here");
   bool haveContents = false;
-  while (c.ok() && !c.AtEnd()) {
-    const std::uint16_t type = c.U16(), length = c.U16();
-    if (!c.Has(length)) return Fail(error, "|SYSTEM record overruns the file");
-    Cursor record(data + c.at(), length);
-    c.Skip(length);
+  while (!c.AtEnd()) {
+    const std::uint16_t type = c.U16();
+    HlpCursor record = c.Sub(c.U16(), "|SYSTEM record " + std::to_string(type));
     if (type == 1) {
       title = record.Z();
     } else if (type == 3) {
@@ -238,75 +244,60 @@ bool HlpFile::ReadSystem(std::string& error) {
       record.Skip(2 + 10 + 9);
       windowCaption = record.Z();
     }
-    if (!record.ok()) return Fail(error, "|SYSTEM record " + std::to_string(type) + " malformed");
   }
-  if (!c.ok()) return Fail(error, "|SYSTEM records overrun");
-  if (!haveContents) return Fail(error, "|SYSTEM names no contents topic");
-  return true;
+  Require(haveContents, "|SYSTEM names no contents topic");
 }
 
-bool HlpFile::ReadTopics(std::string& error) {
-  const std::uint8_t* data;
-  std::size_t size;
-  if (!File("|TOPIC", data, size, error)) return false;
-  if (size == 0 || size % kBlockSize) return Fail(error, "|TOPIC is not whole blocks");
-  const std::size_t topicBlocks = size / kBlockSize;
-  std::vector<std::vector<std::uint8_t>> blocks(topicBlocks);
-  std::vector<std::uint32_t> firstLink(topicBlocks), lastLinkBefore(topicBlocks);
-  for (std::size_t k = 0; k < topicBlocks; ++k) {
-    Cursor header(data + k * kBlockSize, kBlockHeader);
-    lastLinkBefore[k] = header.U32();
-    firstLink[k] = header.U32();
-    if (!Lz77(data + k * kBlockSize + kBlockHeader, kBlockSize - kBlockHeader, kDecompressedBlock, blocks[k], error))
-      return false;
+void HlpFile::ReadTopics() {
+  HlpCursor file = File("|TOPIC");
+  const std::uint8_t* data = file.here();
+  Require(file.left() > 0 && file.left() % kBlockSize == 0, "|TOPIC is not whole blocks");
+  std::vector<std::vector<std::uint8_t>> blocks;
+  while (!file.AtEnd()) {
+    HlpCursor block = file.Sub(kBlockSize, "topic block");
+    block.Skip(kBlockHeader);
+    blocks.push_back(Lz77(block));
   }
 
-  std::uint32_t pos = 12, previous = kNoLink;
+  std::uint32_t pos = 12, previous = kNoLink, characters = 0;
+  std::uint32_t headerNext = kNoLink;  // where the last topic header says the next one is
   std::size_t currentBlock = SIZE_MAX, links = 0;
-  std::uint32_t characters = 0;
-  std::vector<std::uint32_t> headerPos, headerNext;
   std::string paragraph;  // a paragraph may go on in the next record
   while (pos != kNoLink) {
-    if (pos < kBlockHeader || ++links > size) return Fail(error, "topic link chain broken");
+    Require(pos >= kBlockHeader && ++links <= blocks.size() * kDecompressedBlock, "topic link chain broken");
     const std::size_t block = (pos - kBlockHeader) / kDecompressedBlock;
     const std::size_t at = (pos - kBlockHeader) % kDecompressedBlock;
-    if (block >= topicBlocks || at + kLinkHeader > blocks[block].size())
-      return Fail(error, "topic link outside the topic blocks");
+    Require(block < blocks.size() && at <= blocks[block].size(), "topic link outside the topic blocks");
     if (block != currentBlock) {
-      if (firstLink[block] != pos) return Fail(error, "block header names another first link");
-      if (lastLinkBefore[block] != (block == 0 ? kNoLink : previous))
-        return Fail(error, "block header names another last link");
+      const std::uint8_t* header = data + block * kBlockSize;
+      Require(U32At(header + 4) == pos, "block header names another first link");
+      Require(U32At(header) == (block == 0 ? kNoLink : previous), "block header names another last link");
       currentBlock = block;
       characters = 0;
     }
-    Cursor link(blocks[block].data() + at, blocks[block].size() - at);
+    HlpCursor link(blocks[block].data() + at, blocks[block].size() - at, "topic link");
     const std::uint32_t linkSize = link.U32(), length2 = link.U32(), prev = link.U32(), next = link.U32(),
                         length1 = link.U32();
     const std::uint8_t type = link.U8();
-    if (prev != previous) return Fail(error, "topic link's previous link is wrong");
-    if (length1 < kLinkHeader || linkSize != length1 + length2 || linkSize > blocks[block].size() - at)
-      return Fail(error, "topic link sizes inconsistent");
-    const std::uint8_t* base = blocks[block].data() + at;
-    Cursor data1(base + kLinkHeader, length1 - kLinkHeader);
-    Cursor data2(base + length1, length2);
+    Require(length1 >= kLinkHeader && linkSize == length1 + length2, "topic link sizes inconsistent");
+    HlpCursor data1 = link.Sub(length1 - kLinkHeader, "topic record data");
+    HlpCursor data2 = link.Sub(length2, "topic record text");
+    Require(prev == previous, "topic link's previous link is wrong");
 
     if (type == 0x02) {
-      if (!paragraph.empty()) return Fail(error, "a paragraph runs into the next topic");
-      HlpTopic topic;
-      topic.offset = static_cast<std::uint32_t>(block) * kCharactersPerBlock + characters;
+      Require(paragraph.empty(), "a paragraph runs into the next topic");
+      Require(topics.empty() || headerNext == pos, "a topic header names another next topic");
       data1.Skip(12);
-      if (data1.U32() != topics.size()) return Fail(error, "topic number out of sequence");
+      Require(data1.U32() == topics.size(), "topic number out of sequence");
       data1.Skip(8);
-      headerNext.push_back(data1.U32());
-      headerPos.push_back(pos);
-      topic.title = data2.Z();
-      if (!data1.AtEnd() || !data2.ok()) return Fail(error, "topic header malformed");
-      topic.blocks.insert(block);
-      topics.push_back(std::move(topic));
-    } else if (type == 0x20) {
-      if (topics.empty()) return Fail(error, "text before the first topic");
+      headerNext = data1.U32();
+      Require(data1.AtEnd(), "topic header malformed");
+      topics.push_back({static_cast<std::uint32_t>(block) * kCharactersPerBlock + characters, data2.Z(), {}, {}});
+    } else {
+      Require(type == 0x20, "unknown topic record type " + std::to_string(type));
+      Require(!topics.empty(), "text before the first topic");
       HlpTopic& topic = topics.back();
-      topic.blocks.insert(block);
+      // The paragraph's format, of which only the character count is used.
       data1.PackedLong();
       const std::uint32_t length = data1.PackedUShort();
       data1.Skip(4);
@@ -315,18 +306,15 @@ bool HlpFile::ReadTopics(std::string& error) {
       for (std::uint16_t b : {0x0002, 0x0004, 0x0008, 0x0010, 0x0020, 0x0040})
         if (bits & b) data1.PackedShort();
       if (bits & 0x0100) data1.Skip(3);
-      if (bits & 0x0200) {
-        const int tabs = data1.PackedShort();
-        for (int i = 0; i < tabs && data1.ok(); ++i)
+      if (bits & 0x0200)  // tab stops
+        for (int i = 0, tabs = data1.PackedShort(); i < tabs; ++i)
           if (data1.PackedUShort() & 0x4000) data1.PackedUShort();
-      }
       std::uint32_t counted = 0;
       for (bool more = true; more;) {
         const std::string text = data2.Z();
         paragraph += text;
         counted += static_cast<std::uint32_t>(text.size());
         const std::uint8_t command = data1.U8();
-        if (!data1.ok() || !data2.ok()) return Fail(error, "display record runs out of its data");
         switch (command) {
           case 0xFF: more = false; break;
           case 0x80: data1.U16(); break;
@@ -338,63 +326,19 @@ bool HlpFile::ReadTopics(std::string& error) {
             topic.jumps.push_back(static_cast<std::int32_t>(data1.U32()));
             break;
           default:
-            return Fail(error, "unknown formatting command " + std::to_string(command));
+            throw std::runtime_error("unknown formatting command " + std::to_string(command));
         }
       }
-      if (!data1.AtEnd() || !data2.AtEnd()) return Fail(error, "display record holds more than it uses");
-      if (counted != length) return Fail(error, "display record counts another number of characters");
+      Require(data1.AtEnd() && data2.AtEnd(), "display record holds more than it uses");
+      Require(counted == length, "display record counts another number of characters");
       characters += length;
-    } else {
-      return Fail(error, "unknown topic record type " + std::to_string(type));
     }
     previous = pos;
     pos = next;
   }
-  if (!paragraph.empty()) return Fail(error, "the last paragraph has no end");
-  if (topics.empty()) return Fail(error, "no topics");
-  for (std::size_t i = 0; i < headerPos.size(); ++i)
-    if (headerNext[i] != (i + 1 < headerPos.size() ? headerPos[i + 1] : kNoLink))
-      return Fail(error, "a topic header names another next topic");
-  return true;
-}
-
-bool HlpFile::Read(const std::vector<std::uint8_t>& bytes, std::string& error) {
-  *this = HlpFile();
-  bytes_ = bytes;
-  Cursor header(bytes_.data(), bytes_.size());
-  if (header.U32() != kHelpMagic) return Fail(error, "not a help file");
-  const std::uint32_t directory = header.U32();
-  header.U32();  // free list
-  if (header.U32() != bytes_.size()) return Fail(error, "file size in the header differs");
-  if (!header.ok() || directory > bytes_.size() || bytes_.size() - directory < 9)
-    return Fail(error, "directory out of range");
-  Cursor dir(bytes_.data() + directory, bytes_.size() - directory);
-  dir.U32();
-  const std::uint32_t used = dir.U32();
-  dir.U8();
-  if (used > bytes_.size() - directory - 9) return Fail(error, "directory out of range");
-  if (!directory_.Read(bytes_.data() + directory + 9, used, HlpBTree::kStringKey, error)) return false;
-  std::vector<HlpBTree::Entry> files;
-  if (!directory_.Leaves(files, error)) return false;
-  for (const auto& f : files) fileNames.emplace_back(reinterpret_cast<const char*>(f.first.data()));
-
-  if (!ReadSystem(error) || !ReadTopics(error)) return false;
-
-  const std::uint8_t* data;
-  std::size_t size;
-  if (!File("|CTXOMAP", data, size, error)) return false;
-  Cursor map(data, size);
-  const std::uint16_t count = map.U16();
-  for (std::uint16_t i = 0; i < count && map.ok(); ++i) {
-    const std::uint32_t number = map.U32();
-    contextNumbers[number] = map.U32();
-  }
-  if (!map.AtEnd()) return Fail(error, "|CTXOMAP size differs from its count");
-
-  if (!File("|CONTEXT", data, size, error) || !context_.Read(data, size, HlpBTree::kLongKey, error))
-    return false;
-  std::vector<HlpBTree::Entry> leaves;  // read for the checks on the way
-  return context_.Leaves(leaves, error);
+  Require(paragraph.empty(), "the last paragraph has no end");
+  Require(!topics.empty(), "no topics");
+  Require(headerNext == kNoLink, "the last topic header names a next topic");
 }
 
 std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const {
@@ -403,8 +347,8 @@ std::optional<std::uint32_t> HlpFile::FindContext(std::int32_t hash) const {
 
 const HlpTopic* HlpFile::TopicAt(std::uint32_t offset) const {
   const HlpTopic* found = nullptr;
-  for (const HlpTopic& t : topics)
-    if (t.offset <= offset && (!found || t.offset > found->offset)) found = &t;
+  for (const HlpTopic& t : topics)  // read in the order of their offsets
+    if (t.offset <= offset) found = &t;
   return found;
 }
 

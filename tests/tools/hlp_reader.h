@@ -1,45 +1,46 @@
 // A reader of WinHelp 3.1 files for tests, written from the published layout and
 // not from our writer: the file header and internal directory, |SYSTEM, |CTXOMAP,
 // |CONTEXT and the LZ77-compressed |TOPIC with its display records. Every read is
-// bounds-checked, and anything it does not expect is an error.
+// bounds-checked, and anything it does not expect throws std::runtime_error
+// saying what it found.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace qb::test {
 
+class HlpCursor;  // little-endian reads within a range
+
 // A B+ tree (header and pages) whose entries hold 4-byte values.
 class HlpBTree {
  public:
-  enum KeyKind { kStringKey, kLongKey };
+  enum KeyKind { kStringKey, kLongKey };  // a string key is kept without its NUL
   using Key = std::vector<std::uint8_t>;
   using Entry = std::pair<Key, std::uint32_t>;
 
-  bool Read(const std::uint8_t* data, std::size_t size, KeyKind kind, std::string& error);
+  void Read(const std::uint8_t* data, std::size_t size, KeyKind kind);
   // Every entry, leaf by leaf from the leftmost leaf; checks the key order and count.
-  bool Leaves(std::vector<Entry>& entries, std::string& error) const;
+  std::vector<Entry> Leaves() const;
   // Descends through the index pages as a viewer looks a key up.
   std::optional<std::uint32_t> Find(const Key& key) const;
   int levels() const { return levels_; }
 
  private:
-  const std::uint8_t* Page(std::size_t page) const;
-  // The size of the key starting at `p` (inside a page ending at `end`), 0 if it overruns.
-  std::size_t KeySize(const std::uint8_t* p, const std::uint8_t* end) const;
+  // A page after its entry count, which it gives.
+  HlpCursor Page(std::size_t page, std::uint16_t& count) const;
+  Key ReadKey(HlpCursor& page) const;
+  int Compare(const Key& a, const Key& b) const;  // only the sign counts
   // The leaf page where `key` belongs, descending the index pages (the leftmost
-  // leaf for none); nullopt when an index page is broken.
-  std::optional<std::size_t> LeafFor(const Key* key) const;
-  // Appends the entries of a leaf page; false when one overruns the page.
-  bool ReadLeaf(const std::uint8_t* page, std::vector<Entry>& entries) const;
-  // Only the sign counts.
-  int Compare(const std::uint8_t* a, const Key& b) const;
+  // leaf for none).
+  std::size_t LeafFor(const Key* key) const;
+  // Appends the entries of a leaf page; gives the next leaf.
+  std::size_t ReadLeaf(std::size_t page, std::vector<Entry>& entries) const;
 
   KeyKind kind_ = kLongKey;
   std::vector<std::uint8_t> pages_;
@@ -56,12 +57,11 @@ struct HlpTopic {
   std::string title;
   std::vector<std::string> paragraphs;  // '\t' for a tab, '\n' for a line break
   std::vector<std::int32_t> jumps;      // context hashes jumped to
-  std::set<std::size_t> blocks;         // topic blocks holding its records
 };
 
 class HlpFile {
  public:
-  bool Read(const std::vector<std::uint8_t>& bytes, std::string& error);
+  explicit HlpFile(std::vector<std::uint8_t> bytes);
 
   std::optional<std::uint32_t> FindContext(std::int32_t hash) const;
   // The topic an offset lies in: the last one starting at or before it.
@@ -76,10 +76,9 @@ class HlpFile {
   std::vector<HlpTopic> topics;
 
  private:
-  bool File(const std::string& name, const std::uint8_t*& data, std::size_t& size,
-            std::string& error) const;
-  bool ReadSystem(std::string& error);
-  bool ReadTopics(std::string& error);
+  HlpCursor File(const std::string& name) const;
+  void ReadSystem();
+  void ReadTopics();
 
   std::vector<std::uint8_t> bytes_;
   HlpBTree directory_;
