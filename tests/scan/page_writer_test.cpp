@@ -226,22 +226,22 @@ TEST_F(PageWriter, OptionTagsLoseTheirSelectedWordsAndOneIsAddedAtMost) {
             std::string::npos);
 }
 
-TEST_F(PageWriter, AnUnknownSlotKindIsReportedAndLeftOut) {
+// An unknown slot kind is reported and left out; a file that cannot be created is
+// reported before anything is asked.
+TEST_F(PageWriter, FaultsAreReported) {
+  Prompt({}, {1, 1, 1, 1, 1});
   Parse("<form action=/a method=post>A<input name=b>C</form>");
   scan_.forms[0].fields[1].kind = 7;
   EXPECT_NE(FilledPage(scan_, *session_).find("method=post >\nAC</form>"), std::string::npos);
-  const std::vector<UserMessage> messages = TakeUserMessages();
+  std::vector<UserMessage> messages = TakeUserMessages();
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].text.rfind("That is a mistake in program.\n", 0), 0u);
   EXPECT_NE(messages[0].text.find("CODE-0"), std::string::npos);
-}
 
-TEST_F(PageWriter, AFileThatCannotBeCreatedIsReportedAndNothingIsAsked) {
   test::TempDir dir;
-  Prompt({}, {1, 1, 1, 1, 1});
   Parse("<form action=/a method=post><input name=a><input type=checkbox name=b></form>");
   EXPECT_FALSE(WriteFilledPage(dir.File("missing") + "/page.htm", scan_, *session_));
-  const std::vector<UserMessage> messages = TakeUserMessages();
+  messages = TakeUserMessages();
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].text, "Can't open file for reading");
   EXPECT_TRUE(prompt_->requests.empty());
