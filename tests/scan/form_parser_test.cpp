@@ -278,7 +278,7 @@ TEST_F(FormParser, KeepsTheAttributesAndDumpsThemAsJson) {
             "\"scripts\":[],\"tablePrefix\":\"border=\\\"1\\\" >\"}");
 }
 
-TEST_F(FormParser, ReportsTextsItCouldNotKeep) {
+TEST_F(FormParser, ReportsTextsItCouldNotKeepAndFreesEveryBlock) {
   ASSERT_TRUE(scan_.document.Assign(PostForm("<input name=a>")));
   FailNextTextBlockAllocations(1);  // the action
   ParseFormPage(scan_, "www.example.com");
@@ -287,9 +287,7 @@ TEST_F(FormParser, ReportsTextsItCouldNotKeep) {
   ParseFormPage(scan_, "www.example.com");  // a new pass starts clean
   EXPECT_FALSE(scan_.outOfMemory);
   EXPECT_EQ(scan_.forms.size(), 1u);
-}
 
-TEST_F(FormParser, FreeingReleasesEveryBlock) {
   Parse(PostForm("Label <input name=a value=b class=c onSubmit=d><select name=s><option>o</select>"));
   const HtmlForm& form = scan_.forms.at(0);
   const SelectOption& option = scan_.selects.at(0).at(0);
