@@ -41,8 +41,6 @@ ModalStep ReadRowsAndCancel(std::vector<std::string>& rows) {
 
 class ScanHtmlCommand : public ScanTest {
  protected:
-  bool ScanFromBrowser(std::vector<ModalStep> steps) { return RunCommand(IDM_SCAN_HTML, std::move(steps)); }
-
   // Serves `reply` on port 80 for what follows, in place of the server before.
   void Serve(LoopbackReply reply) {
     server_.reset();
@@ -89,7 +87,7 @@ TEST_F(ScanHtmlCommand, DownloadsFillsRecordsOpensAndAsksBeforeDownloadingAgain)
   SelectKeyRow(App().keysView, AddKey("Mail", "email", "", "m\xFC@example.com"));
   Show("http://127.0.0.1/shop/order.asp?item=7");
   SavePage("other.htm", kOrderPage, "www.example.com/other.htm");  // the registry exists
-  ASSERT_TRUE(ScanFromBrowser({}));
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {}));
   const std::string saved = Saved("127.0.0.1.order.asp.htm");
   const std::string page = FilledPage();
   EXPECT_NE(page.find("<form action=\"http://127.0.0.1/cgi/order\" method=post >"), std::string::npos) << page;
@@ -102,7 +100,7 @@ TEST_F(ScanHtmlCommand, DownloadsFillsRecordsOpensAndAsksBeforeDownloadingAgain)
                            "\n\nThis site URL allready exist in ConfigHtml.cfg file.\n"
                            "Do you want to download an HTML document again ?");
   EXPECT_FALSE(FilledPageWritten());
-  ASSERT_TRUE(ScanFromBrowser({Press("Yes")}));
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {Press("Yes")}));
   EXPECT_EQ(Requests(), 2u);
   EXPECT_TRUE(FilledPageWritten());
 }
@@ -194,7 +192,7 @@ TEST_F(ScanHtmlCommand, HungBrowserCountsAsAnEmptyAddress) {
   ASSERT_EQ(WaitForSingleObject(ready, 20000), WAIT_OBJECT_0);
   constexpr DWORD kFewSecondsMs = 8000;
   const DWORD start = GetTickCount();
-  const bool ran = ScanFromBrowser({Press("OK")});
+  const bool ran = Scan(IDM_SCAN_HTML, {Press("OK")});
   const DWORD elapsed = GetTickCount() - start;
   SetEvent(stop);
   WaitForSingleObject(process.hProcess, 20000);
@@ -265,7 +263,7 @@ TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
   ShowBrowser("Opera - OPERA", "www.example.com/twice.htm");
   ShowBrowser("Operetta", "http://127.0.0.1/not.htm");
   std::vector<std::string> rows;
-  ASSERT_TRUE(ScanFromBrowser({ReadRowsAndCancel(rows)}));
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {ReadRowsAndCancel(rows)}));
   EXPECT_EQ(result_.seen.at(0).caption, "Quellbarrow - Select an Internet browser");
   EXPECT_EQ(rows, (std::vector<std::string>{"http://127.0.0.1/p.htm", "www.example.com/twice.htm",
                                             "www.example.com/twice.htm"}));
@@ -276,7 +274,7 @@ TEST_F(ScanHtmlCommand, SelectionListsEveryBrowserWindowTopmostFirst) {
     SendDlgItemMessageA(dialog, IDC_SELECT_BROWSER_LIST, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
     ClickButton(dialog, IDOK);
   };
-  ASSERT_TRUE(ScanFromBrowser({Custom(unselectAndOk), Press("OK"), Again(Press("Cancel"))}));
+  ASSERT_TRUE(Scan(IDM_SCAN_HTML, {Custom(unselectAndOk), Press("OK"), Again(Press("Cancel"))}));
   EXPECT_EQ(Message(1), kSelectLinkText);
   EXPECT_EQ(result_.seen.at(1).caption, "Error");
 }
