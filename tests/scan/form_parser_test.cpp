@@ -191,30 +191,26 @@ TEST_F(FormParser, AnUnclosedSelectEndsAtItsTableCell) {
   }
 }
 
-TEST_F(FormParser, TheNinthFormAndAllAfterItAreIgnored) {
+// The ninth form, a field beyond the hundred slots and the page's end each end
+// the pass.
+TEST_F(FormParser, TheFormsEndAtTheirLimitsAndWithThePage) {
   std::string page;
   for (int i = 1; i <= kMaxForms + 1; ++i) page += PostForm("<input name=f" + std::to_string(i) + ">");
   Parse(page + "<script></script>");
   ASSERT_EQ(scan_.forms.size(), static_cast<std::size_t>(kMaxForms));
   EXPECT_EQ(TextOf(Field(kMaxForms - 1, 1).name), "f8");
   EXPECT_TRUE(scan_.scripts.empty());
-}
 
-TEST_F(FormParser, AFieldBeyondTheHundredSlotsEndsThePage) {
   Parse(PostForm(Inputs(kMaxFieldSlots - 1)) + PostForm(Inputs(1)));
   ASSERT_EQ(scan_.forms.size(), 2u);
   EXPECT_EQ(scan_.forms[0].fieldCount(), kMaxFieldSlots);
-
   Parse(PostForm(Inputs(kMaxFieldSlots)) + PostForm(Inputs(1)));
   ASSERT_EQ(scan_.forms.size(), 1u);
   EXPECT_EQ(scan_.forms[0].fieldCount(), kMaxFieldSlots);
   EXPECT_EQ(scan_.forms[0].end, page_.find("<input name=f99>"));
-}
 
-TEST_F(FormParser, TheFormEndsWithThePage) {
   Parse("</html>" + PostForm("<input name=a>"));
   EXPECT_TRUE(scan_.forms.empty());
-
   Parse("<form action=/p method=post><input name=a>");
   ASSERT_EQ(scan_.forms.size(), 1u);
   EXPECT_EQ(scan_.forms[0].end, page_.size());
@@ -282,7 +278,7 @@ TEST_F(FormParser, KeepsTheAttributesAndDumpsThemAsJson) {
             "\"scripts\":[],\"tablePrefix\":\"border=\\\"1\\\" >\"}");
 }
 
-TEST_F(FormParser, ReportsTextsItCouldNotKeep) {
+TEST_F(FormParser, ReportsTextsItCouldNotKeepAndFreesEveryBlock) {
   ASSERT_TRUE(scan_.document.Assign(PostForm("<input name=a>")));
   FailNextTextBlockAllocations(1);  // the action
   ParseFormPage(scan_, "www.example.com");
@@ -291,9 +287,7 @@ TEST_F(FormParser, ReportsTextsItCouldNotKeep) {
   ParseFormPage(scan_, "www.example.com");  // a new pass starts clean
   EXPECT_FALSE(scan_.outOfMemory);
   EXPECT_EQ(scan_.forms.size(), 1u);
-}
 
-TEST_F(FormParser, FreeingReleasesEveryBlock) {
   Parse(PostForm("Label <input name=a value=b class=c onSubmit=d><select name=s><option>o</select>"));
   const HtmlForm& form = scan_.forms.at(0);
   const SelectOption& option = scan_.selects.at(0).at(0);

@@ -26,18 +26,12 @@ const std::string kFormPage =
     "<input type=submit>\n"
     "<textarea name=about></textarea></form></body></html>\n";  // the last field has nothing below
 
-std::vector<std::string> KeyRows(HWND dialog) { return ListTexts(GetDlgItem(dialog, IDC_NOMATCH_KEYS)); }
-
-int SelectedKeyRow(HWND dialog) {
-  return static_cast<int>(SendDlgItemMessageA(dialog, IDC_NOMATCH_KEYS, LVM_GETNEXTITEM, static_cast<WPARAM>(-1),
-                                              LVNI_SELECTED));
-}
-
 // Notes the key list's rows and its selected row, then answers with `then`.
 ModalStep ReadKeyRows(std::vector<std::string>& rows, int& selected, ModalStep then) {
   return Custom([&rows, &selected, then](HWND dialog, const WindowSnapshot& snapshot) {
-    rows = KeyRows(dialog);
-    selected = SelectedKeyRow(dialog);
+    rows = ListTexts(dialog, IDC_NOMATCH_KEYS);
+    selected = static_cast<int>(SendDlgItemMessageA(dialog, IDC_NOMATCH_KEYS, LVM_GETNEXTITEM,
+                                                    static_cast<WPARAM>(-1), LVNI_SELECTED));
     then.act(dialog, snapshot);
   });
 }
@@ -95,7 +89,7 @@ TEST_F(NoMatchPrompt, EachFieldKindShowsItsTextsAndOkTakesTheChoice) {
   const auto noteListsThen = [&](ModalStep answer) {
     return Custom([&values, &keys, answer](HWND dialog, const WindowSnapshot& snapshot) {
       values.push_back(ListBoxRows(dialog, IDC_NOMATCH_VALUES));
-      keys.push_back(KeyRows(dialog));
+      keys.push_back(ListTexts(dialog, IDC_NOMATCH_KEYS));
       answer.act(dialog, snapshot);
     });
   };

@@ -157,8 +157,8 @@ TEST_F(PageWriter, NotesScriptsMarkupAndTheTableAroundTheForms) {
 
 // Where neither a key nor the prompt decides, a choice field keeps the page's
 // marks; where one decides, the page's other marks in that select or group go.
-TEST_F(PageWriter, ChoiceFieldsNoKeyAnswersKeepThePagesMarks) {
-  keys_.Fill({{"Me", "me", "", "x"}, {"Colour", "colour", "Blue", ""}});
+TEST_F(PageWriter, ChoiceFieldsKeepThePagesMarksUnlessAKeyDecides) {
+  keys_.Fill({{"Me", "me", "Red\r\nBlue", "x"}, {"Colour", "colour", "Blue", ""}});
   const std::pair<const char*, const char*> cases[] = {
       {"<select name=colour><option selected=\"selected\">Red<option>Blue</select>",
        "<option >Red</option>\n<option selected>Blue</option>\n"},
@@ -174,6 +174,9 @@ TEST_F(PageWriter, ChoiceFieldsNoKeyAnswersKeepThePagesMarks) {
        "<input type=\"radio\" checked name=\"colour\" value=\"blue\" >\n"},  // two groups to a browser
       {"<input type=checkbox name=news value=yes checked=\"checked\">",
        "<input type=\"checkbox\" checked name=\"news\" value=\"yes\" >\n"},
+      {"<select name=me multiple><option selected>Green<option selected value=b>Blue<option>Red</select>",
+       "<select multiple name=\"me\" >\n<option >Green</option>\n<option value=b selected>Blue</option>\n"
+       "<option >Red</option>\n</select>\n"},  // the key's lines decide a multiple select
   };
   for (const auto& [field, written] : cases) {
     EXPECT_NE(OneFieldForm(field).find(written), std::string::npos) << field;
@@ -218,30 +221,24 @@ TEST_F(PageWriter, OptionTagsLoseTheirSelectedWordsAndOneIsAddedAtMost) {
   EXPECT_EQ(RebuildOptionTag("option selected=\"selected\""), "option ");
   const std::string longWord(kMaxOptionWordBytes + 5, 'v');
   EXPECT_EQ(RebuildOptionTag("option " + longWord), "option " + longWord.substr(0, kMaxOptionWordBytes) + " vvvvv ");
-  keys_.Fill({{"Me", "me", "Red\r\nBlue", "x"}});
-  EXPECT_NE(OneFieldForm("<select name=me multiple><option selected>Green<option selected value=b>Blue"
-                         "<option>Red</select>")
-                .find("<select multiple name=\"me\" >\n<option >Green</option>\n<option value=b selected>Blue"
-                      "</option>\n<option >Red</option>\n</select>\n"),
-            std::string::npos);
 }
 
-TEST_F(PageWriter, AnUnknownSlotKindIsReportedAndLeftOut) {
+// An unknown slot kind is reported and left out; a file that cannot be created is
+// reported before anything is asked.
+TEST_F(PageWriter, FaultsAreReported) {
+  Prompt({}, {1, 1, 1, 1, 1});
   Parse("<form action=/a method=post>A<input name=b>C</form>");
   scan_.forms[0].fields[1].kind = 7;
   EXPECT_NE(FilledPage(scan_, *session_).find("method=post >\nAC</form>"), std::string::npos);
-  const std::vector<UserMessage> messages = TakeUserMessages();
+  std::vector<UserMessage> messages = TakeUserMessages();
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].text.rfind("That is a mistake in program.\n", 0), 0u);
   EXPECT_NE(messages[0].text.find("CODE-0"), std::string::npos);
-}
 
-TEST_F(PageWriter, AFileThatCannotBeCreatedIsReportedAndNothingIsAsked) {
   test::TempDir dir;
-  Prompt({}, {1, 1, 1, 1, 1});
   Parse("<form action=/a method=post><input name=a><input type=checkbox name=b></form>");
   EXPECT_FALSE(WriteFilledPage(dir.File("missing") + "/page.htm", scan_, *session_));
-  const std::vector<UserMessage> messages = TakeUserMessages();
+  messages = TakeUserMessages();
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].text, "Can't open file for reading");
   EXPECT_TRUE(prompt_->requests.empty());

@@ -7,7 +7,6 @@
 // for the driver, which submits the page.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
 #include <string>
 
@@ -51,11 +50,8 @@ class EndToEnd : public ScanTest {
       SelectKeyRow(GetDlgItem(dialog, IDC_NOMATCH_KEYS), phone);
       ClickButton(dialog, IDOK);
     });
-    const auto start = std::chrono::steady_clock::now();
     RunCommand(IDM_SCAN_HTML, {answer});
-    const auto took = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start);
     EXPECT_EQ(promptedField, "referrer");
-    std::printf("SCAN %.0f ms (prompt included)\n", took.count());
     const std::string filled = dir_.File("QuellbarrowTemproaryFile.htm");
     return FileExists(filled) ? filled : std::string();
   }
@@ -82,7 +78,6 @@ TEST_F(EndToEnd, ScanHtmlFillsTheFormShownInWinesBrowser) {
   ASSERT_FALSE(filled.empty());
   const AddressBar opened = WaitForBrowser("QuellbarrowTemproaryFile.htm", 60000);
   EXPECT_NE(opened.browser, nullptr) << "the filled page did not show in the browser";
-  std::printf("OPENED %s\n", opened.text.c_str());
   HandOver(filled);
   if (opened.browser) PostMessageA(opened.browser, WM_CLOSE, 0, 0);
 }

@@ -64,30 +64,19 @@ inline void UseStandInBrowser() {
   StoreSetting(Settings().browserProgram, WinePath(QB_BROWSER_STAND_IN));
 }
 
-// What the stand-in browser was asked to open in the program folder `dir`, one
-// line per start, once it has written it.
-inline std::string BrowserOpened(const TempDir& dir) {
-  const std::string file = dir.File("opened.txt");
-  PumpUntil([&] { return FileExists(file) && !ReadText(file).empty(); }, 10000);
-  return FileExists(file) ? ReadText(file) : std::string();
-}
-
-// Registered once per process; a test may have taken it away.
-inline void RegisterBrowserClass() {
-  WNDCLASSA wc{};
-  if (GetClassInfoA(GetModuleHandleA(nullptr), kBrowserClass, &wc)) return;
-  wc.lpfnWndProc = DefWindowProcA;
-  wc.hInstance = GetModuleHandleA(nullptr);
-  wc.lpszClassName = kBrowserClass;
-  RegisterClassA(&wc);
-}
-
 // A stand-in browser window titled `caption` whose address bar shows `address`.
 // Without `editAddressBar` the bar is drawn by the browser, as today's browsers do.
 inline HWND ShowStandInBrowserWindow(const std::string& caption, const std::string& address,
                                      bool editAddressBar = true) {
-  RegisterBrowserClass();
   HINSTANCE instance = GetModuleHandleA(nullptr);
+  WNDCLASSA wc{};
+  // Registered once per process; a test may have taken it away.
+  if (!GetClassInfoA(instance, kBrowserClass, &wc)) {
+    wc.lpfnWndProc = DefWindowProcA;
+    wc.hInstance = instance;
+    wc.lpszClassName = kBrowserClass;
+    RegisterClassA(&wc);
+  }
   HWND w = CreateWindowExA(0, kBrowserClass, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 300, 120,
                            nullptr, nullptr, instance, nullptr);
   CreateWindowExA(0, "Button", "Go", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, w, nullptr, instance, nullptr);
@@ -226,7 +215,13 @@ class ScanTest : public MainWindowTest {
   std::string FilledPage() const { return ReadText(dir_.File("QuellbarrowTemproaryFile.htm")); }
   bool FilledPageWritten() const { return FileExists(dir_.File("QuellbarrowTemproaryFile.htm")); }
 
-  std::string Opened() { return BrowserOpened(dir_); }
+  // What the stand-in browser was asked to open, one line per start, once it has
+  // written it.
+  std::string Opened() {
+    const std::string file = dir_.File("opened.txt");
+    PumpUntil([&] { return FileExists(file) && !ReadText(file).empty(); }, 10000);
+    return FileExists(file) ? ReadText(file) : std::string();
+  }
 
   std::vector<HWND> browsers_;
   std::string registry_;

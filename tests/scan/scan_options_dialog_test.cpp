@@ -19,22 +19,17 @@
 namespace qb {
 namespace {
 
-class ScanOptionsDialog : public ::testing::Test {
- protected:
-  void SetUp() override {
-    App().mainWindow = nullptr;
-    Settings() = AppSettings{};
-  }
-};
-
 // Opened through the main window's command table as the Tools menu opens it.
 test::ModalResult OpenFromTheToolsMenu(std::vector<test::ModalStep> steps) {
   return test::RunModal([] { LookupCommand(kMainCommandMap, App().mainWindow, MAKEWPARAM(IDM_SCAN_OPTIONS, 0), 0); },
                         std::move(steps));
 }
 
-// Help opens its topic and leaves the dialog open; Cancel then keeps the choices.
-TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesHelpOpensItsTopicAndCancelKeepsThem) {
+// Help opens its topic and leaves the dialog open; Cancel then keeps the choices,
+// OK stores the buttons clicked in each group.
+TEST(ScanOptionsDialog, ShowsTheStoredChoicesCancelKeepsThemOkStoresTheClicks) {
+  App().mainWindow = nullptr;
+  Settings() = AppSettings{};
   Settings().askForSelect = {kAskNever, kAskAllways, kAskUnMatched, kAskAllways, 9};
   Settings().addKeys = {0, 1, 0, 1, 3};
   const AppSettings before = Settings();
@@ -63,16 +58,16 @@ TEST_F(ScanOptionsDialog, ShowsTheStoredChoicesHelpOpensItsTopicAndCancelKeepsTh
   expectChecked(IDC_SCANOPT_ADD_FIRST, 2, {0, 1, 0, 1, 1});
   EXPECT_EQ(Settings().askForSelect, before.askForSelect);
   EXPECT_EQ(Settings().addKeys, before.addKeys);
-}
 
-TEST_F(ScanOptionsDialog, OkStoresTheButtonsClickedInEachGroup) {
   // Clicked as a user would: each auto radio button clears the others of its group.
   const auto clickThenOk = [](HWND dialog, const test::WindowSnapshot&) {
-    for (int id : {202, 204, 208, 210, 214, 216, 220, 224, 222}) PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
+    for (int id : {202, 204, 208, 210, 214, 216, 217, 220, 224, 222}) {
+      PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
+    }
     PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
   };
-  const auto result = OpenFromTheToolsMenu({test::Custom(clickThenOk)});
-  ASSERT_TRUE(result.ok()) << result.Describe();
+  const auto clicked = OpenFromTheToolsMenu({test::Custom(clickThenOk)});
+  ASSERT_TRUE(clicked.ok()) << clicked.Describe();
   EXPECT_EQ(Settings().askForSelect, (std::array<std::uint32_t, 5>{2, 1, 2, 1, 2}));
   EXPECT_EQ(Settings().addKeys, (std::array<std::uint32_t, 5>{1, 0, 1, 1, 1}));
 }
