@@ -258,7 +258,7 @@ TEST_F(FormParser, TablePrefixFromTheLastTableBeforeTheFirstForm) {
 
 TEST_F(FormParser, KeepsTheAttributesAndDumpsThemAsJson) {
   Parse("<table border=1><form name=\"f1\" action=\"../cgi/x.pl?a=b&c=d\" method=\"POST\" "
-        "enctype=\"multipart/form-data\" value=\"_top\" onSubmit=\"check()\">Caf\xe9\t\"x\""
+        "enctype=\"multipart/form-data\" value=\"_top\" onSubmit=\"check()\">Caf\xe9\x80\x7f\t\"x\""
         "<input type=text name=\"first name\" value='x' size=30 maxlength=\"20\" class=big checked "
         "onSubmit=\"go()\"><textarea name=a\\b rows=\"4\" cols=-2 value=v></textarea>"
         "<select name=s size=3 MULTIPLE><option value=1>One</select></form>");
@@ -269,7 +269,7 @@ TEST_F(FormParser, KeepsTheAttributesAndDumpsThemAsJson) {
             "\"onSubmit\":\"go()\",\"hasSubmit\":0,\"fields\":["
             "{\"kind\":2,\"name\":\"first name\",\"value\":\"x\",\"class\":\"big\",\"size\":30,"
             "\"maxlength\":20,\"rows\":0,\"cols\":0,\"checked\":1,\"multiple\":0,"
-            "\"label\":\"Caf\\u00e9\\t\\\"x\\\" \"},"
+            "\"label\":\"Caf\\u00e9\\u0080\x7f\\t\\\"x\\\" \"},"
             "{\"kind\":5,\"name\":\"a\\\\b\",\"value\":\"v\",\"class\":null,\"size\":0,\"maxlength\":0,"
             "\"rows\":4,\"cols\":-2,\"checked\":0,\"multiple\":0,\"label\":null},"
             "{\"kind\":4,\"name\":\"s\",\"value\":null,\"class\":null,\"size\":3,\"maxlength\":0,"

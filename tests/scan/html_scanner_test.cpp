@@ -42,6 +42,7 @@ TEST_F(Reader, ReadWordReadsTheNextWordAsTheTagWouldHaveIt) {
       {"=\"a>b\" x", kWord, "a>b", kWordRead, 5},                // quoted '>' is text
       {"=abc>", kWord, "abc", kWordTagEnds, 4},
       {"='abc'>", kWord, "abc", kWordTagEnds, 6},                // trailing quote trimmed
+      {"=\"abc \">", kWord, "abc", kWordRead, 6},              // and a quoted trailing blank
       {"\t x\r\ny", kWord, "x", kWordRead, 3},
       {"x<b>", kWord, "x<b", kWordTagEnds, 3},                   // '<' inside a word is kept
       {"  <input", kWord, "", kWordNone, 2},

@@ -341,27 +341,31 @@ TEST_F(PageWriter, PromptsFollowTheOptionsAndCancelAllEndsThem) {
             "<textarea name=\"t\" ></textarea>\n</form>");
 }
 
-// An unmatched radio group is offered from each of its buttons in turn; selects and
-// text areas are asked even without a name, unnamed text fields are not.
+// An unmatched radio group is offered from each of its buttons in turn, and so is a
+// group whose key lists none of its values; selects and text areas are asked even
+// without a name, unnamed text fields are not.
 TEST_F(PageWriter, PromptedFieldsTakeTheChosenValueOrKey) {
-  Prompt({Ok(kNoMatch, 1), {}, {}, Ok(5, 2), Ok(1, 1), Ok(1)},
+  Prompt({Ok(kNoMatch, 1), {}, {}, {}, {}, Ok(5, 2), Ok(1, 1), Ok(1)},
          {kAskUnMatched, kAskNever, kAskUnMatched, kAskUnMatched, kAskUnMatched});
   const std::string forms = OneFieldForm(
       "<input type=radio name=size value=s><input type=radio name=size value=m><input type=radio name=size "
       "value=l><select name=country><option>Germany<option>France<option>Chile</select>"
-      "<input value=own><select><option>a<option>b</select><textarea></textarea>");
+      "<input value=own><select><option>a<option>b</select><textarea></textarea>"
+      "<input type=radio name=colour value=red><input type=radio name=colour value=green>");
   const std::vector<PromptRequest>& asked = prompt_->requests;
-  ASSERT_EQ(asked.size(), 6u);
+  ASSERT_EQ(asked.size(), 8u);
   EXPECT_EQ(asked[0].radioValues, (std::vector<std::string>{"s", "m", "l"}));
   EXPECT_EQ(asked[2].radioValues, (std::vector<std::string>{"l"}));
-  EXPECT_EQ(std::make_pair(asked[3].matchedKey, asked[3].selectIndex), std::make_pair(5u, 0));
-  EXPECT_EQ(std::make_pair(asked[4].kind, asked[4].slot), std::make_pair(kPromptSelect, 6));
-  EXPECT_EQ(std::make_pair(asked[5].kind, asked[5].slot), std::make_pair(kPromptTextarea, 7));
+  EXPECT_EQ(std::make_pair(asked[3].matchedKey, asked[3].radioValues),
+            std::make_pair(3u, std::vector<std::string>{"red", "green"}));
+  EXPECT_EQ(std::make_pair(asked[5].matchedKey, asked[5].selectIndex), std::make_pair(5u, 0));
+  EXPECT_EQ(std::make_pair(asked[6].kind, asked[6].slot), std::make_pair(kPromptSelect, 6));
+  EXPECT_EQ(std::make_pair(asked[7].kind, asked[7].slot), std::make_pair(kPromptTextarea, 7));
   EXPECT_NE(forms.find("<input type=\"radio\" checked name=\"size\" value=\"m\" >\n"), std::string::npos);
   EXPECT_NE(forms.find("<option >Germany</option>\n<option >France</option>\n<option selected>Chile</option>\n"),
             std::string::npos);
   EXPECT_NE(forms.find("<input type=\"text\" >\n<select >\n<option >a</option>\n<option selected>b</option>\n"
-                       "</select>\n<textarea >Jane</textarea>\n</form>"),
+                       "</select>\n<textarea >Jane</textarea>\n"),
             std::string::npos)
       << forms;
 }
