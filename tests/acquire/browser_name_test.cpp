@@ -69,7 +69,9 @@ TEST(PastedAddress, FirstLineTellsWhatToScan) {
       {"file:///C:/f%C3%A9.htm", K::kLocalFile, "C:\\f\xC3\xA9.htm"},  // UTF-8 bytes, converted by Windows
       {"file:///C:/50%.htm%zz%00%4", K::kLocalFile, "C:\\50%.htm%zz%00%4"},
       {"C:\\saved\\a.htm", K::kLocalFile, "C:\\saved\\a.htm"},
-      {"z:/a.htm", K::kLocalFile, "z:/a.htm"},  // the last drive letter, in either case
+      {"z:/a.htm", K::kLocalFile, "z:/a.htm"},  // the first and last drive letters, in either case
+      {"a:\\b.htm", K::kLocalFile, "a:\\b.htm"},
+      {"1:\\a.htm", K::kNone, ""},  // a digit is no drive
       {"\\\\server\\share\\a.htm", K::kLocalFile, "\\\\server\\share\\a.htm"},
       {std::string("http://a.com\0junk", 17), K::kWeb, "http://a.com"},
       {"   \r\n  ", K::kNone, ""},
