@@ -1,11 +1,8 @@
 // The Links view's records, orders and cell texts, and its folder texts.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "links/link_list.h"
 #include "links/link_paths.h"
-#include "tests/links/reference_sort.h"
 
 namespace qb::test {
 namespace {
@@ -114,32 +111,6 @@ TEST(LinkListing, StopsAtTheEntryLimitCountingTheParentRow) {
     EXPECT_EQ(listing.entries().size(), kLinksEntryMax);
     EXPECT_FALSE(listing.Add(Document("late.htm")));
     EXPECT_EQ(listing.entries().size(), kLinksEntryMax);
-  }
-}
-
-// Random folders and documents with clashing names (in any case), extensions and
-// sizes, sorted both ways.
-TEST(LinkListing, EveryColumnKeepsTheInsertionSortsOrder) {
-  std::mt19937 random(1234);
-  const char* names[] = {"a", "A", "b", "B_", "b_", "_", "ab", "Ab", "aB", "z", "\xe9t\xe9", "~"};
-  const char* extensions[] = {"htm", "HTM", "html", "asp", "   ", "", "txt"};
-  for (int round = 0; round < 200; ++round) {
-    std::vector<LinkEntry> entries;
-    const bool parent = round % 2;
-    if (parent) entries.push_back(MakeParentEntry());
-    const int count = static_cast<int>(random() % 60);
-    for (int i = 0; i < count; ++i) {
-      const std::string name = names[random() % std::size(names)];
-      const std::string extension = extensions[random() % std::size(extensions)];
-      entries.push_back(MakeLinkEntry(random() % 4 ? Document(name + "." + extension, random() % 4) : Folder(name)));
-      entries.back().image = i;
-    }
-    for (int column = 0; column < kLinkColumns; ++column) {
-      std::vector<LinkEntry> fast = entries, reference = entries;
-      SortLinkEntries(fast, parent ? 1 : 0, column);
-      InsertionSortLinks(reference, parent ? 1 : 0, column);
-      ASSERT_EQ(Tags(fast), Tags(reference)) << "round " << round << " column " << column;
-    }
   }
 }
 
