@@ -245,7 +245,9 @@ TEST_F(DatabaseSlotsTest, ClosingAsksAndStaysOpenOnCancelOrAFailedSave) {
     Answered([this] { SendMessageA(window_, WM_CLOSE, 0, 0); }, c.answers);
     EXPECT_EQ(IsWindow(window_) == FALSE, c.closed);
     EXPECT_EQ(FileExists(dir_.File("pellwick.cfg")), c.closed);
-    if (c.before == kKeyWithoutName && c.closed) EXPECT_EQ(FileNames("Named.dat"), (Names{"Kept"}));
+    if (c.before == kKeyWithoutName && c.closed) {
+      EXPECT_EQ(FileNames("Named.dat"), (Names{"Kept"}));
+    }
     RemoveDirectoryA(DatabaseFile("Data.dat").c_str());
   }
 }

@@ -98,7 +98,9 @@ TEST_F(KeyEditorTest, EachModeOpensWithItsKeyAndControls) {
                             : OpenByCommand(row.mode == kEditorAdd ? IDM_ADD_KEY : IDM_MODIFY_KEY, {look});
     for (int id : {IDC_KEYEDIT_LIST, IDC_KEYEDIT_CREATE, IDC_KEYEDIT_SAVE, IDC_KEYEDIT_DELETE})
       EXPECT_EQ(opened.seen[0].Control(id)->enabled, row.keyControls) << id;
-    if (row.mode == kEditorAddPrepared) EXPECT_EQ(result, 0);
+    if (row.mode == kEditorAddPrepared) {
+      EXPECT_EQ(result, 0);
+    }
     EXPECT_EQ(TableTexts(Keys()), kThree);
     EXPECT_FALSE(DatabaseChanged());
   }
