@@ -76,6 +76,36 @@ inline bool WaitFor(const std::function<bool()>& condition) {
   return true;
 }
 
+// The open pop-up menu's item texts, read by a timer the menu's own loop runs,
+// which then closes the menu.
+inline std::vector<std::string>& PopupMenuItems() {
+  static std::vector<std::string> items;
+  return items;
+}
+inline void CALLBACK ReadAndClosePopupMenu(HWND, UINT, UINT_PTR timer, DWORD) {
+  HWND menu = FindWindowA("#32768", nullptr);
+  if (!menu || !IsWindowVisible(menu)) return;
+  KillTimer(nullptr, timer);
+  auto handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
+  for (int k = 0; k < GetMenuItemCount(handle); ++k) {
+    char text[64] = {};
+    GetMenuStringA(handle, k, text, sizeof text, MF_BYPOSITION);
+    if (text[0]) PopupMenuItems().push_back(text);
+  }
+  EndMenu();
+}
+
+// The item texts of the pop-up menu that `open` brings up (none if none came),
+// pumping messages until it has been read and closed.
+inline std::vector<std::string> PopupMenuTexts(const std::function<void()>& open) {
+  PopupMenuItems().clear();
+  const UINT_PTR timer = SetTimer(nullptr, 0, 10, ReadAndClosePopupMenu);
+  open();
+  PumpUntil([] { return !PopupMenuItems().empty(); }, 3000);
+  KillTimer(nullptr, timer);
+  return PopupMenuItems();
+}
+
 // RunModal with its failures reported here; `seen` holds a snapshot for every
 // step even then, so that the checks after it fail rather than crash.
 inline ModalResult Answered(const std::function<void()>& action, std::vector<ModalStep> steps) {

@@ -38,8 +38,7 @@ class KeysWindowTest : public MainWindowTest {
   std::string DatabaseFile(const std::string& name) const { return dir_.File("Databases\\" + name); }
 
   void WriteDatabase(const std::string& name, const std::vector<KeyTexts>& keys) {
-    OwnedTable table(keys);
-    ASSERT_TRUE(SaveDatabase(DatabaseFile(name), *table));
+    ASSERT_TRUE(SaveDatabase(DatabaseFile(name), *OwnedTable(keys)));
   }
 
   // The main window with "Data.dat" holding these keys in slot 0, started as the

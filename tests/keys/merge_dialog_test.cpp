@@ -51,9 +51,8 @@ class MergeDialogTest : public KeyDialogTest {
   }
 
   std::string WriteDatabase(const std::string& name, const std::vector<KeyTexts>& keys) {
-    OwnedTable table(keys);
     const std::string path = dir_.File(name);
-    EXPECT_TRUE(SaveDatabase(path, *table));
+    EXPECT_TRUE(SaveDatabase(path, *OwnedTable(keys)));
     return path;
   }
 
