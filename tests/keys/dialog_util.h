@@ -6,10 +6,8 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <chrono>
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "base/app_state.h"
@@ -67,14 +65,7 @@ inline std::vector<int> TabOrder(HWND dialog, int first) {
 }
 
 // Polls from the watcher thread until the dialog's thread has done its part.
-inline bool WaitFor(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return true;
-}
+inline bool WaitFor(const std::function<bool()>& condition) { return PollUntil(condition); }
 
 // The open pop-up menu's item texts, read by a timer the menu's own loop runs,
 // which then closes the menu.
@@ -106,14 +97,9 @@ inline std::vector<std::string> PopupMenuTexts(const std::function<void()>& open
   return PopupMenuItems();
 }
 
-// RunModal with its failures reported here; `seen` holds a snapshot for every
-// step even then, so that the checks after it fail rather than crash.
+// The keys tests' name for RunAnswered.
 inline ModalResult Answered(const std::function<void()>& action, std::vector<ModalStep> steps) {
-  const std::size_t count = steps.size();
-  ModalResult result = RunModal(action, std::move(steps));
-  EXPECT_TRUE(result.ok()) << result.Describe();
-  if (result.seen.size() < count) result.seen.resize(count);
-  return result;
+  return RunAnswered(action, std::move(steps));
 }
 
 // A dialog given `text` in its control `id` (the key editor's Name) and closed with OK.
