@@ -224,7 +224,7 @@ TEST_F(PageWriter, OptionTagsLoseTheirSelectedWordsAndOneIsAddedAtMost) {
 }
 
 // An unknown slot kind is reported and left out; a file that cannot be created is
-// reported before anything is asked.
+// reported before anything is asked, one that can is not.
 TEST_F(PageWriter, FaultsAreReported) {
   Prompt({}, {1, 1, 1, 1, 1});
   Parse("<form action=/a method=post>A<input name=b>C</form>");
@@ -242,6 +242,11 @@ TEST_F(PageWriter, FaultsAreReported) {
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].text, "Can't open file for reading");
   EXPECT_TRUE(prompt_->requests.empty());
+  // Written whole, it is reported as written, with nothing said and no pairs kept
+  // for a page the browser posts.
+  EXPECT_TRUE(WriteFilledPage(dir.File("page.htm"), scan_, *session_));
+  EXPECT_TRUE(TakeUserMessages().empty());
+  EXPECT_EQ(session_->requestText, "");
 }
 
 TEST(PostRequest, EncodesValuesLightlyAndMeetsEarlierPairsThatBeginWithTheName) {
