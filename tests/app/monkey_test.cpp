@@ -408,7 +408,7 @@ class Monkey : public ProgramFolderTest {
 
   std::map<std::string, Bytes> Databases() const { return Files(program_ + "\\Databases"); }
 
-  void CheckTable() {
+  void CheckTable(const Bytes& tableBefore) {
     const KeyTable& keys = Keys();
     if (keys.count < 0 || keys.count > kMaxKeys) Die("key count " + std::to_string(keys.count));
     for (int i = 0; i < kMaxKeys; ++i) {
@@ -428,8 +428,8 @@ class Monkey : public ProgramFolderTest {
     if (ListView_GetItemCount(list) != keys.count) {
       // Open names the slot before its save prompt, and a Cancel there keeps the
       // table: the keys of a slot that had no name were never listed, and the view
-      // shows them at its next fill.
-      if ((nameBefore.empty() && KeysInUse(keys) > 0) || laggingName_ == name) {
+      // shows them at its next fill. Any other naming loads the table and fills.
+      if ((nameBefore.empty() && DatabaseBytes(keys) == tableBefore) || laggingName_ == name) {
         laggingName_ = name;
         return;
       }
@@ -498,7 +498,7 @@ class Monkey : public ProgramFolderTest {
       actionStart_ = 0;
       modalActions_.clear();
       if (!IsWindow(window_)) Die("the main window went away");
-      CheckTable();
+      CheckTable(tableBefore);
       CheckSaved(before, tableBefore);
       CheckOutsideAndRegistry();
     }
