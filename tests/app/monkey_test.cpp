@@ -361,6 +361,7 @@ class Monkey : public ProgramFolderTest {
     SetCurrentLinksFolder("");
     if (!OpenProgram()) Die("the program did not start again");
     checkedName_ = "?";
+    lagging_ = false;
   }
 
   struct Action {
@@ -429,14 +430,17 @@ class Monkey : public ProgramFolderTest {
       // Open names the slot before its save prompt, and a Cancel there keeps the
       // table: the keys of a slot that had no name were never listed, and the view
       // shows them at its next fill. Any other naming loads the table and fills.
-      if ((nameBefore.empty() && DatabaseBytes(keys) == tableBefore) || laggingName_ == name) {
-        laggingName_ = name;
+      // Once lagging, the view goes on lagging through more such namings, and while
+      // keys are added under the same name.
+      const bool tableKept = DatabaseBytes(keys) == tableBefore;
+      if ((nameBefore.empty() || lagging_) && (tableKept || name == nameBefore)) {
+        lagging_ = true;
         return;
       }
       Die("the Keys view shows " + std::to_string(ListView_GetItemCount(list)) + " rows for " +
           std::to_string(keys.count) + " keys");
     }
-    laggingName_.clear();
+    lagging_ = false;
     for (int row = 0; row < keys.count; ++row) {
       char text[260] = {};
       ListView_GetItemText(list, row, 0, text, sizeof text);
@@ -516,8 +520,9 @@ class Monkey : public ProgramFolderTest {
   std::vector<std::string> texts_;
   std::map<HWND, int> modalActions_;
   // The slot's name at the last check ("?" before the first, which no file has),
-  // and the name of a slot whose view may lag.
-  std::string checkedName_ = "?", laggingName_;
+  // and whether the Keys view may lag behind the table.
+  std::string checkedName_ = "?";
+  bool lagging_ = false;
   std::mutex logMutex_;
   std::deque<std::string> log_;
   unsigned long long actions_ = 0;
