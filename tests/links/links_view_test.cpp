@@ -8,7 +8,6 @@
 #include "links/link_dialogs.h"
 #include "links/link_paths.h"
 #include "links/links_view.h"
-#include "tests/keys/dialog_util.h"
 #include "tests/scan/scan_fixture.h"
 #include "tests/support/main_window_fixture.h"
 
@@ -24,6 +23,12 @@ std::string ItemText(HWND list, int row, int column = 0) {
   char text[300] = {};
   ListView_GetItemText(list, row, column, text, sizeof text);
   return text;
+}
+
+std::vector<std::string> ItemTexts(HWND list) {
+  std::vector<std::string> texts;
+  for (int i = 0; i < ListView_GetItemCount(list); ++i) texts.push_back(ItemText(list, i));
+  return texts;
 }
 
 // A click or double click on `row` of a list, as the list reports it to its parent.
@@ -71,7 +76,7 @@ class LinksViewTest : public ScanTest {
   }
 
   HWND View() const { return App().linksView; }
-  std::vector<std::string> Names() const { return ListTexts(View()); }
+  std::vector<std::string> Names() const { return ItemTexts(View()); }
   int RowOf(const std::string& name) const {
     const auto names = Names();
     const auto it = std::find(names.begin(), names.end(), name);
@@ -105,11 +110,16 @@ class LinksViewTest : public ScanTest {
     SendMessageA(window_, WM_NOTIFY, IDC_LINKS_VIEW, reinterpret_cast<LPARAM>(&header));
   }
 
-  // Runs the command, answering the windows it opens with `steps`; every step
-  // must find its window and no other may open.
+  // Runs `action`, answering the windows it opens with `steps`; every step must
+  // find its window and no other may open.
+  ModalResult Modal(const std::function<void()>& action, std::vector<ModalStep> steps = {}) {
+    ModalResult result = RunModal(action, std::move(steps));
+    EXPECT_TRUE(result.ok()) << result.Describe();
+    return result;
+  }
   ModalResult Run(WORD command, std::vector<ModalStep> steps = {}) {
     SCOPED_TRACE("command " + std::to_string(command));
-    return Answered([&] { Command(command); }, std::move(steps));
+    return Modal([&] { Command(command); }, std::move(steps));
   }
   // The message box a command shows, answered with `button`.
   std::string MessageOf(WORD command, const std::string& button = "OK") {
@@ -182,14 +192,17 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRowAndScrollPosition) {
   EXPECT_EQ(GetScrollPos(View(), SB_VERT), scrolled);
   EXPECT_EQ(Selected(), RowOf("F60"));
 
-  // Each listing shows the folder entered, the row left selected again.
   Enter("C");
+  EXPECT_EQ(App().linksFolder, root_ + "C\\");
   EXPECT_EQ(Names(), (std::vector<std::string>{"", "Inner", "page.htm"}));
   Click(RowOf("Inner"), NM_DBLCLK);
+  EXPECT_EQ(App().linksFolder, root_ + "C\\Inner\\");
   EXPECT_EQ(Names(), (std::vector<std::string>{"", "Deep"}));
   Click(0, NM_DBLCLK);
+  EXPECT_EQ(App().linksFolder, root_ + "C\\");
   EXPECT_EQ(Selected(), RowOf("Inner"));
   Enter("");
+  EXPECT_EQ(App().linksFolder, root_);
   EXPECT_EQ(Selected(), RowOf("C"));
 
   // A click only remembers the row: the next listing selects it again.
@@ -204,18 +217,39 @@ TEST_F(LinksViewTest, GoingDownAndUpRestoresTheRememberedRowAndScrollPosition) {
   ASSERT_TRUE(RemoveDirectoryA((root_ + "C\\Inner\\Deep").c_str()));
   ASSERT_TRUE(MoveFileA((root_ + "C\\Inner").c_str(), (root_ + "C\\Moved").c_str()));
   EXPECT_TRUE(RefreshLinksView());
+  EXPECT_EQ(App().linksFolder, root_ + "C\\");
   EXPECT_EQ(Names(), (std::vector<std::string>{"", "Moved", "page.htm"}));
   Enter("");
+  EXPECT_EQ(App().linksFolder, root_);
   EXPECT_EQ(Selected(), RowOf("C"));
 }
 
-// Right click on a row remembers it and opens the Links menu there.
+// Reads the open pop-up menu's items and closes it: a timer the menu's own loop runs.
+std::vector<std::string> g_menuItems;
+void CALLBACK ReadAndCloseMenu(HWND, UINT, UINT_PTR timer, DWORD) {
+  HWND menu = FindWindowA("#32768", nullptr);
+  if (!menu || !IsWindowVisible(menu)) return;
+  KillTimer(nullptr, timer);
+  auto handle = reinterpret_cast<HMENU>(SendMessageA(menu, MN_GETHMENU, 0, 0));
+  for (int k = 0; k < GetMenuItemCount(handle); ++k) {
+    char text[64] = {};
+    GetMenuStringA(handle, k, text, sizeof text, MF_BYPOSITION);
+    if (text[0]) g_menuItems.push_back(text);
+  }
+  EndMenu();
+}
+
+// Right click on a row opens POPLIST_MENU there.
 TEST_F(LinksViewTest, RightClickOnARowOpensTheLinksMenu) {
   MakeFolder("Shops");
   ASSERT_TRUE(RefreshLinksView());
-  const auto items = PopupMenuTexts([&] { Click(0, NM_RCLICK); });
-  ASSERT_FALSE(items.empty());
-  EXPECT_EQ(items[0], "&Goto site URL");
+  g_menuItems.clear();
+  const UINT_PTR timer = SetTimer(nullptr, 0, 10, ReadAndCloseMenu);
+  Click(0, NM_RCLICK);
+  KillTimer(nullptr, timer);
+  EXPECT_EQ(g_menuItems, (std::vector<std::string>{"&Goto site URL", "&New Folder", "&Rename Folder",
+                                                   "&Delete Folder", "&Move Link", "&Rename Link", "&Delete Link",
+                                                   "&Info Link"}));
   EXPECT_EQ(LinksView().selectedName, "Shops");
 }
 
@@ -322,12 +356,12 @@ TEST_F(LinksViewTest, MovingALinkOverwritesTheFileThereAndMovesItsEntryUnlessItC
   std::vector<std::vector<std::string>> listed;
   Run(IDM_MOVE_LINK, {Custom([&](HWND dialog, const WindowSnapshot&) {
         HWND list = GetDlgItem(dialog, IDC_DESTINATION_LIST);
-        listed.push_back(ListTexts(list));
+        listed.push_back(ItemTexts(list));
         OpenDestinationRow(dialog, "Target");
-        listed.push_back(ListTexts(list));
+        listed.push_back(ItemTexts(list));
         OpenDestinationRow(dialog, "Deeper");
         OpenDestinationRow(dialog, "...");
-        listed.push_back(ListTexts(list));
+        listed.push_back(ItemTexts(list));
         ClickButton(dialog, IDOK);
       })});
   // The root has no "..." row; folders come in the search's order.
@@ -385,7 +419,7 @@ class LinkScanTest : public LinksViewTest {
 // answers. The view lists the folder again afterwards.
 TEST_F(LinkScanTest, DoubleClickAndScanCommandsScanASavedPage) {
   Enter("Shops");
-  Answered([&] { Click(RowOf("order.htm"), NM_DBLCLK); }, {});
+  Modal([&] { Click(RowOf("order.htm"), NM_DBLCLK); });
   EXPECT_TRUE(Filled());
   EXPECT_EQ(Opened(), FilledPath() + "\r\n");
   EXPECT_EQ(App().linksFolder, root_ + "Shops\\");
@@ -439,13 +473,15 @@ TEST_F(LinksViewTest, NameDialogsAndEditInPlaceRefuseNamesThatLeaveTheFolderOrTh
   Make({"Shops\\", "Shops\\a.htm", "form.htm"});
   WriteRegistry({{"www.a.com/form", "form.htm"}, {"www.a.com/", "Shops\\a.htm"}});
   ASSERT_TRUE(RefreshLinksView());
-  // Which names are refused is the rule's own test; here each way applies it.
-  for (WORD command : {IDM_NEW_FOLDER, IDM_RENAME_FOLDER}) {
-    Select("form.htm");
-    // Told off in the dialog, which stays open until cancelled.
-    const auto result = Run(command, {TypeName("..\\escaped"), Press("OK"), Again(test::Command(IDCANCEL))});
-    EXPECT_EQ(result.seen.at(1).caption, "Warning");
-    EXPECT_EQ(result.seen[1].MessageText(), kBadNameText);
+  for (const char* bad : {"..\\escaped", "Shops\\inner"}) {
+    for (WORD command : {IDM_NEW_FOLDER, IDM_RENAME_FOLDER}) {
+      SCOPED_TRACE(std::string(bad) + " " + std::to_string(command));
+      Select("form.htm");
+      // Told off in the dialog, which stays open until cancelled.
+      const auto result = Run(command, {TypeName(bad), Press("OK"), Again(test::Command(IDCANCEL))});
+      EXPECT_EQ(result.seen.at(1).caption, "Warning");
+      EXPECT_EQ(result.seen[1].MessageText(), kBadNameText);
+    }
   }
   const auto editName = [&](const std::string& name) {
     Select("Shops");
@@ -455,12 +491,13 @@ TEST_F(LinksViewTest, NameDialogsAndEditInPlaceRefuseNamesThatLeaveTheFolderOrTh
     SetWindowTextA(edit, name.c_str());
     SendMessageA(edit, WM_KEYDOWN, VK_RETURN, 0);
   };
-  EXPECT_EQ(Answered([&] { editName("..\\escaped"); }, {Press("OK")}).seen.at(0).MessageText(), kBadNameText);
+  EXPECT_EQ(Modal([&] { editName("..\\escaped"); }, {Press("OK")}).seen.at(0).MessageText(), kBadNameText);
   EXPECT_EQ(Names(), (std::vector<std::string>{"Shops", "form.htm"}));
   EXPECT_FALSE(FileExists(dir_.File("escaped")));
+  EXPECT_FALSE(Exists("Shops\\inner"));
   EXPECT_EQ(Registry().FindUrlForFile(root_ + "form.htm"), "www.a.com/form");
 
-  Answered([&] { editName("Stores"); }, {});
+  Modal([&] { editName("Stores"); });
   EXPECT_EQ(Registry().FindUrlForFile(root_ + "Stores\\a.htm"), "www.a.com/");
 
   auto result = Run(IDM_NEW_FOLDER, {TypeName("Fresh")});
@@ -495,7 +532,7 @@ TEST_F(LinksViewTest, AFolderLinkIsNotEnteredRenamedOrOfferedAsADestination) {
   }
   Select("page.htm");
   Run(IDM_MOVE_LINK, {Custom([&](HWND dialog, const WindowSnapshot&) {
-        EXPECT_EQ(ListTexts(GetDlgItem(dialog, IDC_DESTINATION_LIST)), std::vector<std::string>{"Shop"});
+        EXPECT_EQ(ItemTexts(GetDlgItem(dialog, IDC_DESTINATION_LIST)), std::vector<std::string>{"Shop"});
         ClickButton(dialog, IDCANCEL);
       })});
 }
@@ -559,7 +596,7 @@ ModalResult PressKey(HWND focus, UINT key, std::vector<ModalStep> steps = {}) {
   }
   HACCEL accelerators = LoadAcceleratorsA(MainWindowTest::Instance(), kMainClassName);
   SetFocus(focus);
-  return Answered(
+  ModalResult result = RunModal(
       [&] {
         PostMessageA(focus, WM_KEYDOWN, key, 1);
         PostMessageA(focus, WM_KEYUP, key, 0xC0000001);
@@ -570,6 +607,8 @@ ModalResult PressKey(HWND focus, UINT key, std::vector<ModalStep> steps = {}) {
         KillTimer(nullptr, guard);
       },
       steps);
+  EXPECT_TRUE(result.ok()) << result.Describe();
+  return result;
 }
 
 TEST_F(LinksViewTest, DelAndF2ActOnTheFocusedViewAndGreyedCommandsStayIdle) {
